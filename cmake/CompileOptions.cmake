@@ -1,0 +1,22 @@
+# filterprocessor_options: what every file of the project is compiled with.
+add_library(filterprocessor_options INTERFACE)
+target_compile_features(filterprocessor_options INTERFACE cxx_std_20 c_std_11)
+# Floating point is part of the behaviour: no contraction of separate operations on any compiler.
+target_compile_options(filterprocessor_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  -ffp-contract=off
+  $<$<BOOL:${FILTERPROCESSOR_WERROR}>:-Werror>)
+target_include_directories(filterprocessor_options INTERFACE
+  ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src ${PROJECT_BINARY_DIR}/generated)
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+if(FILTERPROCESSOR_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()

@@ -1,0 +1,25 @@
+# Installation: the library, its headers, a CMake package and a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+set_target_properties(FilterProcessor PROPERTIES EXPORT_NAME FilterProcessor)
+target_include_directories(FilterProcessor INTERFACE
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+
+install(TARGETS FilterProcessor EXPORT FilterProcessor LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/filterprocessor DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# The filter classes, for C++ callers that link the library directly.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/filters ${PROJECT_SOURCE_DIR}/src/framework
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/filterprocessor/classes
+        FILES_MATCHING PATTERN "*_filter.h" PATTERN "*_transform.h" PATTERN "depth_resize.h" PATTERN "priv_filter.h")
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/FilterProcessor)
+install(EXPORT FilterProcessor NAMESPACE FilterProcessor:: FILE FilterProcessorTargets.cmake
+        DESTINATION ${package_dir})
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/FilterProcessorConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/FilterProcessorConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/FilterProcessorConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/FilterProcessorConfig.cmake
+  ${PROJECT_BINARY_DIR}/FilterProcessorConfigVersion.cmake DESTINATION ${package_dir})
+configure_file(${PROJECT_SOURCE_DIR}/cmake/filterprocessor.pc.in ${PROJECT_BINARY_DIR}/filterprocessor.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/filterprocessor.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

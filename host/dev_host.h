@@ -1,0 +1,93 @@
+/// A host in memory: the functions of filterprocessor/host.h, and what the C interface has no way to do: make
+/// frames and profiles with any attributes, look into them, count what is alive, log calls and make calls
+/// fail.
+///
+/// Threads: all functions may be called from any thread; one frame or profile is written by one thread at a
+/// time.
+#ifndef FILTERPROCESSOR_HOST_DEV_HOST_H
+#define FILTERPROCESSOR_HOST_DEV_HOST_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "filterprocessor/host.h"
+
+namespace devhost {
+
+struct Release {
+  void operator()(zv_frame_t* frame) const;
+  void operator()(zv_stream_profile_t* profile) const;
+};
+/// One reference to a frame or profile.
+using Frame = std::unique_ptr<zv_frame_t, Release>;
+using Profile = std::unique_ptr<zv_stream_profile_t, Release>;
+
+struct ProfileSpec {
+  std::int32_t format = 0;
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  ZVCameraIntrinsic intrinsic = {};
+  ZVDisparityParam disparity = {};
+};
+
+/// What a frame is made of. Without a profile spec of its own the frame gets one of its size and format.
+struct FrameSpec {
+  std::int32_t type = ZV_FRAME_TYPE_DEPTH;
+  std::int32_t format = 0;
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  std::int32_t pixel_type = ZV_PIXEL_TYPE_DEPTH;
+  std::uint8_t bits = 16;
+  float value_scale = 1.0f;
+  std::map<std::int32_t, std::int64_t> metadata = {};
+  std::vector<std::uint16_t> pixels = {};  ///< may be fewer or more than width x height
+  ZVDisparityParam disparity = {};    ///< of the profile
+  ZVCameraIntrinsic intrinsic = {};   ///< of the profile
+};
+
+Frame make_frame(const FrameSpec& spec);
+Profile make_profile(const ProfileSpec& spec);
+/// A set holding `depth`, which may be null.
+Frame make_frame_set(Frame depth);
+/// A new reference to the depth frame of a set, or to the frame itself.
+Frame depth_frame_of(const zv_frame_t* frame);
+/// Replaces the frame's profile.
+void attach_profile(zv_frame_t* frame, const ProfileSpec& spec);
+
+/// The frame's description and samples.
+FrameSpec inspect(const zv_frame_t* frame);
+/// The frame's profile.
+ProfileSpec inspect_profile(const zv_frame_t* frame);
+
+/// Frames and profiles that somebody still holds a reference to. Errors are not counted: the host owns all of
+/// them.
+struct LiveObjects {
+  long frames = 0;
+  long profiles = 0;
+  bool operator==(const LiveObjects&) const = default;
+};
+LiveObjects live_objects();
+
+/// Forgets every error made so far; no pointer to one may be used afterwards.
+void clear_errors();
+std::size_t error_count();
+
+/// The names of the host functions called since start_call_log(), in order.
+void start_call_log();
+std::vector<std::string> stop_call_log();
+
+/// Makes the `occurrence`-th call (1 is the next) of a function fail with "injected fault", exception type 7.
+/// One fault is armed at a time.
+void fail_call(std::string_view function, int occurrence);
+/// Disarms the fault. Returns whether it happened.
+bool clear_fault();
+/// Makes every frame report a null data pointer.
+void hide_data(bool hidden);
+
+}  // namespace devhost
+
+#endif

@@ -1,0 +1,89 @@
+/**
+ * @file
+ * The plug-in's C interface: how many filters there are, what they are called, and how one is made and
+ * driven.
+ *
+ * Order of use: zv_get_filter_count(), zv_get_filter_name() for each index, zv_create_filter(); then, through
+ * the record, `get_config_schema`, `update_config`, `process` once a frame, `reset` at will, and `destroy`
+ * once.
+ *
+ * Rules that hold for every function here:
+ * - Threads: any thread. Two threads may drive different filters freely; for one filter, `update_config` and
+ * `process` may run at the same time where the filter has a lock of its own (all but `HoleFillingFilter`,
+ * `DepthResize`, `TemporalFilter` and `HardwareD2DCorrectionFilter`).
+ * - Errors: failures are reported by storing a new host error in `*error`. A null `error` is accepted: the
+ *   operation does the same work and the report is lost. `*error` should be null on entry; a host error that
+ *   is already there is taken for a failure of the first host call.
+ * - No exception leaves these functions, save std::bad_alloc from zv_create_filter().
+ */
+#ifndef FILTERPROCESSOR_FILTER_PROCESSOR_H
+#define FILTERPROCESSOR_FILTER_PROCESSOR_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "filterprocessor/export.h"
+#include "filterprocessor/host.h"
+
+FILTERPROCESSOR_BEGIN_C
+
+/** A filter as the host sees it; made by zv_create_filter(). */
+typedef struct zv_priv_filter_t zv_priv_filter_t;
+
+/**
+ * Everything a host needs to drive one filter. The host owns the record and everything behind it until it
+ * calls `destroy` with it. The other four functions take `filter`, never the record.
+ */
+typedef struct PrivFilterContext {
+  void (*destroy)(struct PrivFilterContext* context);
+  zv_priv_filter_t* filter;
+  void (*reset)(zv_priv_filter_t* filter, zv_error** error);
+  const char* (*get_config_schema)(zv_priv_filter_t* filter, zv_error** error);
+  void (*update_config)(zv_priv_filter_t* filter, size_t argc, const char** argv, zv_error** error);
+  zv_frame_t* (*process)(zv_priv_filter_t* filter, const zv_frame_t* frame, zv_error** error);
+} PrivFilterContext;
+
+/** The number of filters, 9. */
+FILTERPROCESSOR_API int32_t zv_get_filter_count(void);
+
+/** The name at `index`, or "UnknownFilter". The text belongs to the library and lives as long as it is
+ * loaded. */
+FILTERPROCESSOR_API const char* zv_get_filter_name(int32_t index);
+
+/** A new filter of the class named at `index`, or null when there is none. The caller owns it: see `destroy`.
+ */
+FILTERPROCESSOR_API PrivFilterContext* zv_create_filter(int32_t index);
+
+/** Destroys the filter and the record. Null: nothing. */
+FILTERPROCESSOR_API void zv_priv_filter_context_destroy(PrivFilterContext* context);
+
+/**
+ * The filter's parameters, one line each: name, type, min, max, step, default, description, separated by
+ * commas. The text belongs to the library and lives as long as it is loaded. Null `filter`: null.
+ */
+FILTERPROCESSOR_API const char* zv_priv_filter_get_config_schema(zv_priv_filter_t* filter, zv_error** error);
+
+/**
+ * Sets every parameter from `argc` texts in schema order, which are read before the call returns.
+ * Fails when the count is wrong or a value is outside its range. Null `filter`: nothing.
+ */
+FILTERPROCESSOR_API void zv_priv_filter_update_config(zv_priv_filter_t* filter, size_t argc,
+                                                      const char** argv, zv_error** error);
+
+/**
+ * Filters a depth frame, or the depth frame of a set, and returns a new frame or set, owned by the caller.
+ * `frame` is not changed and stays the caller's. Null with an error on failure; null without one when
+ * `filter` or `frame` is null.
+ */
+FILTERPROCESSOR_API zv_frame_t* zv_priv_filter_process(zv_priv_filter_t* filter, const zv_frame_t* frame,
+                                                       zv_error** error);
+
+/** Returns the filter to its initial parameters and drops its history. Null `filter`: nothing. */
+FILTERPROCESSOR_API void zv_priv_filter_reset(zv_priv_filter_t* filter, zv_error** error);
+
+/** The commit that the library was built from: seven lower-case hexadecimal digits. */
+FILTERPROCESSOR_API const char* zv_get_commit_hash(void);
+
+FILTERPROCESSOR_END_C
+
+#endif

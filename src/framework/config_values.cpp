@@ -1,0 +1,32 @@
+#include "framework/config_values.h"
+
+#include <cstdlib>
+
+#include "framework/errors.h"
+
+namespace filterprocessor {
+
+bool ConfigValues::count_is(std::size_t expected) const {
+  if (argc_ == expected) return true;
+  reject("the number of params error", "argc");
+  return false;
+}
+
+std::int32_t ConfigValues::integer(std::size_t index) const { return std::atoi(text(index)); }
+
+double ConfigValues::number(std::size_t index) const { return std::atof(text(index)); }
+
+bool ConfigValues::in_range(bool accepted, const char* name) const {
+  if (!accepted) reject("params out of range", name);
+  return accepted;
+}
+
+void ConfigValues::reject(const char* message, const char* argument) const {
+  report_error(error_, message, "update_filter_config", argument);
+}
+
+const char* ConfigValues::text(std::size_t index) const {
+  return argv_ != nullptr && argv_[index] != nullptr ? argv_[index] : "";
+}
+
+}  // namespace filterprocessor

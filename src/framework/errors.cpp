@@ -1,0 +1,29 @@
+#include "framework/errors.h"
+
+#include <cstdio>
+
+namespace filterprocessor {
+
+namespace {
+const char* text_or_empty(const char* text) { return text != nullptr ? text : ""; }
+}  // namespace
+
+void create_error(zv_error** error, std::int32_t status, const char* message, const char* function,
+                  const char* arguments, std::int32_t exception_type) {
+  zv_error* created = zv_create_error(status, message, function, arguments, exception_type);
+  if (error != nullptr) *error = created;
+}
+
+void report_error(zv_error** error, const char* message, const char* function, const char* arguments,
+                  std::int32_t exception_type) {
+  create_error(error, 1, message, function, arguments, exception_type);
+}
+
+void print_host_error(const zv_error* error) {
+  std::printf("zv_error was raised: \n\tcall: %s(%s)\n", text_or_empty(zv_error_get_function(error)),
+              text_or_empty(zv_error_get_args(error)));
+  std::printf("\tmessage: %s\n", text_or_empty(zv_error_get_message(error)));
+  std::printf("\terror type: %d\n", zv_error_get_exception_type(error));
+}
+
+}  // namespace filterprocessor

@@ -1,0 +1,23 @@
+#ifndef FILTERPROCESSOR_FRAMEWORK_ERRORS_H
+#define FILTERPROCESSOR_FRAMEWORK_ERRORS_H
+
+#include <cstdint>
+
+#include "filterprocessor/host.h"
+
+namespace filterprocessor {
+
+/// Makes a host error and stores it in `*error`; the host owns it. With a null `error` the report is lost.
+void create_error(zv_error** error, std::int32_t status, const char* message, const char* function,
+                  const char* arguments, std::int32_t exception_type);
+
+/// The same with what all filters pass: status 1 and, unless a kernel failed, exception type 4.
+void report_error(zv_error** error, const char* message, const char* function, const char* arguments,
+                  std::int32_t exception_type = ZV_EXCEPTION_INVALID_VALUE);
+
+/// Writes the three lines of the host-error report to standard output.
+void print_host_error(const zv_error* error);
+
+}  // namespace filterprocessor
+
+#endif

@@ -1,0 +1,51 @@
+#include "framework/filter_factory.h"
+
+#include "filters/hole_filling_filter.h"
+
+namespace filterprocessor {
+
+namespace {
+
+template <typename Filter>
+std::shared_ptr<IPrivFilter> create() {
+  return std::make_shared<Filter>();
+}
+
+std::shared_ptr<IPrivFilter> not_yet() { return nullptr; }
+
+}  // namespace
+
+std::shared_ptr<FilterFactory> FilterFactory::instance_;
+std::mutex FilterFactory::instanceMutex_;
+
+FilterFactory::FilterFactory()
+    : entries_{{"DisparityTransform", not_yet},      {"HoleFillingFilter", create<HoleFillingFilter>},
+               {"NoiseRemovalFilter", not_yet},      {"SpatialAdvancedFilter", not_yet},
+               {"TemporalFilter", not_yet},          {"DepthResize", not_yet},
+               {"EdgeNoiseRemovalFilter", not_yet},  {"HardwareD2DCorrectionFilter", not_yet},
+               {"OpenNIDisparityTransform", not_yet}} {}
+
+std::shared_ptr<FilterFactory> FilterFactory::getInstance() {
+  const std::lock_guard lock(instanceMutex_);
+  if (!instance_) instance_.reset(new FilterFactory);
+  return instance_;
+}
+
+std::int32_t FilterFactory::getFilterCount() const { return static_cast<std::int32_t>(entries_.size()); }
+
+const FilterFactory::Entry* FilterFactory::find(std::int32_t index) const {
+  const auto position = static_cast<std::uint32_t>(index);  // a negative index is past the end
+  return position < entries_.size() ? &entries_[position] : nullptr;
+}
+
+const char* FilterFactory::getFilterName(std::int32_t index) const {
+  const Entry* entry = find(index);
+  return entry != nullptr ? entry->name : "UnknownFilter";
+}
+
+std::shared_ptr<IPrivFilter> FilterFactory::createFilter(std::int32_t index) const {
+  const Entry* entry = find(index);
+  return entry != nullptr ? entry->create() : nullptr;
+}
+
+}  // namespace filterprocessor

@@ -1,0 +1,42 @@
+#ifndef FILTERPROCESSOR_FRAMEWORK_FILTER_FACTORY_H
+#define FILTERPROCESSOR_FRAMEWORK_FILTER_FACTORY_H
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "framework/priv_filter.h"
+
+namespace filterprocessor {
+
+/// The filters by index. One instance for the process, made on first use and kept until the library is
+/// unloaded. Any thread may call any operation.
+class FilterFactory {
+ public:
+  static std::shared_ptr<FilterFactory> getInstance();
+
+  std::int32_t getFilterCount() const;
+  /// The name at `index`, or "UnknownFilter". Lives as long as the registry.
+  const char* getFilterName(std::int32_t index) const;
+  /// A new filter, or null for a bad index and for a listed name that has no class yet.
+  std::shared_ptr<IPrivFilter> createFilter(std::int32_t index) const;
+
+ private:
+  struct Entry {
+    const char* name;
+    std::shared_ptr<IPrivFilter> (*create)();
+  };
+
+  FilterFactory();
+  const Entry* find(std::int32_t index) const;
+
+  static std::shared_ptr<FilterFactory> instance_;
+  static std::mutex instanceMutex_;
+
+  std::vector<Entry> entries_;
+};
+
+}  // namespace filterprocessor
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef FILTERPROCESSOR_KERNELS_KERNEL_SET_H
+#define FILTERPROCESSOR_KERNELS_KERNEL_SET_H
+
+#include "kernels/hole_filling/hole_filling.h"
+#include "kernels/level.h"
+
+namespace filterprocessor {
+
+/// Every kernel at one level. The plain set defines the results; the others equal it bit for bit.
+struct KernelSet {
+  Level level;
+  HoleFillingKernels hole_filling;
+};
+
+/// The kernels of a level, or null when they are not compiled for this processor family.
+/// The caller asks machine_runs() before it calls one.
+const KernelSet* kernel_set(Level level);
+
+/// The kernels that the exported functions use: chosen once, when the library is loaded, from the processor
+/// and the environment variable FILTERPROCESSOR_CPU.
+const KernelSet& active_kernels();
+
+}  // namespace filterprocessor
+
+#endif

@@ -1,0 +1,9 @@
+#include "kernels/hole_filling/hole_filling_plain.h"
+#include "kernels/kernel_set.h"
+
+namespace filterprocessor::plain {
+
+extern const KernelSet kernels;
+const KernelSet kernels = {Level::scalar, hole_filling};
+
+}  // namespace filterprocessor::plain

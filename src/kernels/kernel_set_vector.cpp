@@ -1,0 +1,9 @@
+#include "kernels/hole_filling/hole_filling_vector.h"
+#include "kernels/kernel_set.h"
+
+namespace filterprocessor::FILTERPROCESSOR_LEVEL {
+
+extern const KernelSet kernels;
+const KernelSet kernels = {Level::FILTERPROCESSOR_LEVEL, hole_filling};
+
+}  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -1,0 +1,96 @@
+#ifndef FILTERPROCESSOR_KERNELS_SIMD_NEON_H
+#define FILTERPROCESSOR_KERNELS_SIMD_NEON_H
+
+#include <arm_neon.h>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace filterprocessor::neon {
+
+struct Mask16 {
+  uint16x8_t v;
+
+  /// The first `count` lanes.
+  static Mask16 first(std::size_t count) {
+    static constexpr std::uint16_t index[8] = {0, 1, 2, 3, 4, 5, 6, 7};
+    return {vcltq_u16(vld1q_u16(index), vdupq_n_u16(static_cast<std::uint16_t>(count)))};
+  }
+  /// The first lane of every group.
+  static Mask16 group_starts() { return {vsetq_lane_u16(0xffff, vdupq_n_u16(0), 0)}; }
+
+  friend Mask16 operator&(Mask16 a, Mask16 b) { return {vandq_u16(a.v, b.v)}; }
+  friend Mask16 operator|(Mask16 a, Mask16 b) { return {vorrq_u16(a.v, b.v)}; }
+  friend Mask16 operator~(Mask16 a) { return {vmvnq_u16(a.v)}; }
+  bool any() const { return vmaxvq_u16(v) != 0; }
+
+  /// Moves every group's flags up by N lanes and sets the first N.
+  template <int N>
+  Mask16 shifted_in_groups() const {
+    return {vextq_u16(vdupq_n_u16(0xffff), v, 8 - N)};
+  }
+  /// Every group gets the flag of its last lane.
+  Mask16 last_of_groups() const { return {vdupq_laneq_u16(v, 7)}; }
+  /// Moves the groups up by N and sets the first N.
+  template <int N>
+  Mask16 shifted_by_groups() const {
+    return {vdupq_n_u16(0xffff)};
+  }
+};
+
+struct U16 {
+  static constexpr std::size_t lanes = 8;
+  static constexpr std::size_t groups = 1;
+
+  uint16x8_t v;
+
+  static U16 zero() { return {vdupq_n_u16(0)}; }
+  static U16 splat(std::uint16_t value) { return {vdupq_n_u16(value)}; }
+  static U16 load(const std::uint16_t* from) { return {vld1q_u16(from)}; }
+  /// Reads `count` values (at most `lanes`) and sets the other lanes to 0.
+  static U16 load_first(const std::uint16_t* from, std::size_t count) {
+    if (count == lanes) return load(from);
+    std::uint16_t values[lanes] = {};
+    std::memcpy(values, from, count * sizeof *from);
+    return load(values);
+  }
+  void store(std::uint16_t* to) const { vst1q_u16(to, v); }
+  void store_first(std::uint16_t* to, std::size_t count) const {
+    if (count == lanes) return store(to);
+    std::uint16_t values[lanes];
+    store(values);
+    std::memcpy(to, values, count * sizeof *to);
+  }
+  /// Writes the flagged lanes. `old` is what stands there.
+  void store_where(Mask16 mask, std::uint16_t* to, U16 old) const {
+    U16{vbslq_u16(mask.v, v, old.v)}.store(to);
+  }
+
+  Mask16 is_zero() const { return {vceqzq_u16(v)}; }
+
+  /// Moves every group's lanes up by N; 0 moves in.
+  template <int N>
+  U16 shifted_in_groups() const {
+    return {vextq_u16(vdupq_n_u16(0), v, 8 - N)};
+  }
+  /// Every lane of a group gets the group's last value.
+  U16 last_of_groups() const { return {vdupq_laneq_u16(v, 7)}; }
+  /// Moves the groups up by N; 0 moves in.
+  template <int N>
+  U16 shifted_by_groups() const {
+    return {vdupq_n_u16(0)};
+  }
+  /// Every lane gets the last value.
+  U16 last() const { return last_of_groups(); }
+};
+
+inline U16 max(U16 a, U16 b) { return {vmaxq_u16(a.v, b.v)}; }
+/// a or b by lane, whichever is larger where flagged; a elsewhere.
+inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {vmaxq_u16(a.v, vandq_u16(mask.v, b.v))}; }
+inline U16 select(Mask16 mask, U16 yes, U16 no) { return {vbslq_u16(mask.v, yes.v, no.v)}; }
+/// 65535 - a; 0 where a is 0.
+inline U16 complement_nonzero(U16 a) { return {vmvnq_u16(vorrq_u16(a.v, a.is_zero().v))}; }
+
+}  // namespace filterprocessor::neon
+
+#endif

@@ -1,0 +1,35 @@
+#include "framework/schema.h"
+
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+namespace filterprocessor {
+namespace {
+
+TEST(Schema, ReadsFieldsWithAndWithoutBlanksAfterTheComma) {
+  const auto parameters =
+      parse_schema("ex_right, integer,-640, 640, 1, 0, extension on the right\nb,bool,0,1,1,0,x\n");
+  ASSERT_EQ(parameters.size(), 2u);
+  EXPECT_EQ(parameters[0],
+            (SchemaParameter{"ex_right", "integer", "-640", "640", "1", "0", "extension on the right"}));
+  EXPECT_EQ(parameters[1], (SchemaParameter{"b", "bool", "0", "1", "1", "0", "x"}));
+}
+
+TEST(Schema, KeepsTrailingBlanksOfADescriptionOnly) {
+  const auto parameters = parse_schema("  a  ,  float  , 0.1 , 1 , 0.01 , 0.5 ,  two words ");
+  ASSERT_EQ(parameters.size(), 1u);
+  EXPECT_EQ(parameters[0], (SchemaParameter{"a", "float", "0.1", "1", "0.01", "0.5", "two words "}));
+}
+
+TEST(Schema, AnEmptyTextHasNoParameters) { EXPECT_TRUE(parse_schema("").empty()); }
+
+TEST(Schema, RefusesLinesThatAreNotSevenFieldsOfAKnownType) {
+  EXPECT_THROW(parse_schema("a, integer, 0, 1, 1, 0"), std::invalid_argument);
+  EXPECT_THROW(parse_schema("a, integer, 0, 1, 1, 0, one, two"), std::invalid_argument);
+  EXPECT_THROW(parse_schema("a, double, 0, 1, 1, 0, text"), std::invalid_argument);
+  EXPECT_THROW(parse_schema(", integer, 0, 1, 1, 0, text"), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace filterprocessor
