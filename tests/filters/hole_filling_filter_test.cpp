@@ -1,0 +1,103 @@
+#include "filters/hole_filling_filter.h"
+
+#include "support/filter_driver.h"
+
+namespace filterprocessor {
+namespace {
+
+using Pixels = std::vector<std::uint16_t>;
+
+constexpr const char* kName = "HoleFillingFilter";
+const ErrorTexts kBadMode = {"invalid hole filling mode params", "update_filter_config", "argv", 4};
+
+/// 8 x 3 pixels: one hole at (1, 1) between 700 above, 900 below and 800 to the left.
+devhost::FrameSpec one_hole() {
+  devhost::FrameSpec spec;
+  spec.width = 8;
+  spec.height = 3;
+  spec.pixels = Pixels(24, 800);
+  spec.pixels[1] = 700;
+  spec.pixels[9] = 0;
+  spec.pixels[17] = 900;
+  return spec;
+}
+
+std::uint16_t filled(FilterDriver& filter, const devhost::FrameSpec& spec) {
+  const devhost::Frame output = filter.process(devhost::make_frame(spec));
+  EXPECT_EQ(filter.last_error(), kNoError);
+  return output ? devhost::inspect(output.get()).pixels[9] : std::uint16_t{0};
+}
+
+TEST(HoleFillingFilter, NearestAndFarthestChangePlacesForDisparity) {
+  FilterDriver filter(kName);
+  devhost::FrameSpec depth = one_hole();
+  devhost::FrameSpec disparity = one_hole();
+  disparity.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+  EXPECT_EQ(filled(filter, depth), 700) << "top, before any configuration";
+  EXPECT_EQ(filter.update({"1"}), kNoError);
+  EXPECT_EQ(filled(filter, depth), 700);
+  EXPECT_EQ(filled(filter, disparity), 900);
+  EXPECT_EQ(filter.update({"2"}), kNoError);
+  EXPECT_EQ(filled(filter, depth), 900);
+  EXPECT_EQ(filled(filter, disparity), 700);
+  filter.reset();
+  EXPECT_EQ(filled(filter, disparity), 700) << "top again";
+}
+
+TEST(HoleFillingFilter, ABadConfigurationKeepsTheMode) {
+  FilterDriver filter(kName);
+  EXPECT_EQ(filter.update({"2"}), kNoError);
+  EXPECT_EQ(filter.update({"3"}), kBadMode);
+  EXPECT_EQ(filter.update({"-1"}), kBadMode);
+  EXPECT_EQ(filter.update({}), kBadCount);
+  EXPECT_EQ(filter.update({"1", "1"}), kBadCount);
+  EXPECT_EQ(filled(filter, one_hole()), 900);
+  EXPECT_EQ(filter.update({"none"}), kNoError) << "not a number reads as 0";
+  EXPECT_EQ(filled(filter, one_hole()), 700);
+  filter.context()->update_config(filter.context()->filter, 0, nullptr, nullptr);
+}
+
+TEST(HoleFillingFilter, PrintsItsMode) {
+  HoleFillingFilter filter;
+  const char* texts[] = {"hole filling mode: top\n", "hole filling mode: nearest\n",
+                         "hole filling mode: farest\n"};
+  const char* values[] = {"0", "1", "2"};
+  for (int mode = 0; mode < 3; ++mode) {
+    filter.update_filter_config(1, values + mode, nullptr);
+    EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }), texts[mode]);
+  }
+}
+
+/// The public operations never store a mode outside 0 to 2.
+struct StrangeMode : HoleFillingFilter {
+  StrangeMode() { hole_filling_mode = 3; }
+};
+
+TEST(HoleFillingFilter, AnUnknownModeReportsAndPassesTheFrameButNotTheSet) {
+  const ErrorTexts expected = {"invalid hole filling mode,please check the parameters", "filter_process",
+                               "hole filling mode", 4};
+  StrangeMode filter;
+  EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }), "");
+  const devhost::LiveObjects before = devhost::live_objects();
+  {
+    zv_error* error = nullptr;
+    const devhost::Frame frame = devhost::make_frame(one_hole());
+    const devhost::Frame output(filter.filter_process(frame.get(), &error));
+    ASSERT_TRUE(output);
+    EXPECT_EQ(devhost::inspect(output.get()).pixels, one_hole().pixels);
+    EXPECT_EQ(texts_of(error), expected);
+
+    const devhost::Frame set = devhost::make_frame_set(devhost::make_frame(one_hole()));
+    error = nullptr;
+    const std::string printed =
+        FilterDriver::output_of([&] { EXPECT_EQ(filter.filter_process(set.get(), &error), nullptr); });
+    EXPECT_EQ(texts_of(error), expected);
+    EXPECT_EQ(printed,
+              "zv_error was raised: \n\tcall: filter_process(hole filling mode)\n"
+              "\tmessage: invalid hole filling mode,please check the parameters\n\terror type: 4\n");
+  }
+  EXPECT_EQ(devhost::live_objects(), before);
+}
+
+}  // namespace
+}  // namespace filterprocessor

@@ -1,0 +1,205 @@
+// What every filter shares, driven through the exported functions.
+#include "filters/temp_filter1.h"
+#include "framework/errors.h"
+#include "framework/filter_factory.h"
+#include "support/filter_driver.h"
+
+namespace filterprocessor {
+namespace {
+
+devhost::FrameSpec small_depth() {
+  devhost::FrameSpec spec;
+  spec.width = 8;
+  spec.height = 4;
+  spec.format = 7;
+  spec.value_scale = 0.5f;
+  spec.metadata = {{3, 33}};
+  spec.pixels.resize(32, 1234);
+  spec.pixels[9] = 0;
+  return spec;
+}
+
+TEST(Registry, ListsNineFiltersAndRefusesOtherIndices) {
+  EXPECT_EQ(zv_get_filter_count(), 9);
+  EXPECT_STREQ(zv_get_filter_name(1), "HoleFillingFilter");
+  EXPECT_STREQ(zv_get_filter_name(5), "DepthResize");
+  EXPECT_STREQ(zv_get_filter_name(8), "OpenNIDisparityTransform");
+  for (const int index : {9, -1, 1 << 30, std::numeric_limits<int>::min()}) {
+    EXPECT_STREQ(zv_get_filter_name(index), "UnknownFilter");
+    EXPECT_EQ(zv_create_filter(index), nullptr);
+  }
+  EXPECT_EQ(FilterFactory::getInstance(), FilterFactory::getInstance());
+}
+
+TEST(Registry, CommitHashIsSevenLowerCaseHexDigits) {
+  const std::string hash = zv_get_commit_hash();
+  EXPECT_EQ(hash.size(), 7u);
+  EXPECT_EQ(hash.find_first_not_of("0123456789abcdef"), std::string::npos);
+}
+
+TEST(Boundary, TheRecordHoldsTheExportedFunctions) {
+  FilterDriver filter("HoleFillingFilter");
+  const PrivFilterContext& context = *filter.context();
+  EXPECT_EQ(context.destroy, zv_priv_filter_context_destroy);
+  EXPECT_EQ(context.reset, zv_priv_filter_reset);
+  EXPECT_EQ(context.get_config_schema, zv_priv_filter_get_config_schema);
+  EXPECT_EQ(context.update_config, zv_priv_filter_update_config);
+  EXPECT_EQ(context.process, zv_priv_filter_process);
+  EXPECT_EQ(offsetof(PrivFilterContext, filter), 8u);
+  EXPECT_EQ(offsetof(PrivFilterContext, process), 40u);
+}
+
+TEST(Boundary, NullHandlesDoNothing) {
+  zv_error* error = nullptr;
+  const devhost::Frame frame = devhost::make_frame(small_depth());
+  zv_priv_filter_context_destroy(nullptr);
+  EXPECT_EQ(zv_priv_filter_get_config_schema(nullptr, &error), nullptr);
+  zv_priv_filter_update_config(nullptr, 0, nullptr, &error);
+  EXPECT_EQ(zv_priv_filter_process(nullptr, frame.get(), &error), nullptr);
+  zv_priv_filter_reset(nullptr, &error);
+  EXPECT_EQ(error, nullptr);
+}
+
+TEST(Boundary, TwoFiltersOfOneIndexAreIndependent) {
+  FilterDriver first("HoleFillingFilter");
+  FilterDriver second("HoleFillingFilter");
+  EXPECT_EQ(first.update({"2"}), kNoError);
+  first.destroy();
+  const devhost::Frame output = second.process(devhost::make_frame(small_depth()));
+  ASSERT_TRUE(output);
+  EXPECT_EQ(devhost::inspect(output.get()).pixels[9], 1234);
+}
+
+TEST(Boundary, TheOutputIsANewFrameOfTheInputsDescription) {
+  FilterDriver filter("HoleFillingFilter");
+  const devhost::FrameSpec spec = small_depth();
+  const devhost::Frame frame = devhost::make_frame(spec);
+  const devhost::Frame output = filter.process(frame);
+  ASSERT_TRUE(output);
+  EXPECT_NE(output.get(), frame.get());
+  EXPECT_EQ(devhost::inspect(frame.get()).pixels, spec.pixels) << "the input never changes";
+  const devhost::FrameSpec result = devhost::inspect(output.get());
+  EXPECT_EQ(result.type, ZV_FRAME_TYPE_DEPTH);
+  EXPECT_EQ(result.format, spec.format);
+  EXPECT_EQ(result.value_scale, spec.value_scale);
+  EXPECT_EQ(result.metadata, spec.metadata);
+}
+
+TEST(Boundary, AFrameSetComesBackAsASetHoldingTheNewFrame) {
+  FilterDriver filter("HoleFillingFilter");
+  const devhost::Frame set = devhost::make_frame_set(devhost::make_frame(small_depth()));
+  const devhost::Frame output = filter.process(set);
+  ASSERT_TRUE(output);
+  EXPECT_EQ(devhost::inspect(output.get()).type, ZV_FRAME_TYPE_SET);
+  EXPECT_EQ(devhost::inspect(devhost::depth_frame_of(output.get()).get()).pixels[9], 1234);
+  EXPECT_EQ(devhost::inspect(devhost::depth_frame_of(set.get()).get()).pixels[9], 0);
+}
+
+TEST(Boundary, FramesThatHoldNoDepthAreRefused) {
+  FilterDriver filter("HoleFillingFilter");
+  EXPECT_FALSE(filter.process(nullptr));
+  EXPECT_EQ(filter.last_error(), kNoError);
+  EXPECT_FALSE(filter.process(devhost::make_frame_set(nullptr)));
+  EXPECT_EQ(filter.last_error(), kBadFrameType);
+  for (const int type : {0, 1, 2, 4, 6, -3}) {
+    devhost::FrameSpec spec = small_depth();
+    spec.type = type;
+    const std::string printed =
+        FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(spec))); });
+    EXPECT_EQ(filter.last_error(), kBadFrameType);
+    EXPECT_EQ(printed, "") << "the filter's own error is not a host error";
+  }
+}
+
+TEST(Boundary, DataThatDoNotFitTheDescriptionAreRefusedBeforeTheKernel) {
+  FilterDriver filter("HoleFillingFilter");
+  const devhost::LiveObjects before = devhost::live_objects();
+  devhost::FrameSpec spec = small_depth();
+  spec.pixels.pop_back();
+  EXPECT_FALSE(filter.process(devhost::make_frame(spec)));
+  EXPECT_EQ(filter.last_error(), kBadFrame);
+  spec.width = spec.height = 0xffffffffu;
+  EXPECT_FALSE(filter.process(devhost::make_frame(spec)));
+  EXPECT_EQ(filter.last_error(), kBadFrame);
+  devhost::hide_data(true);
+  EXPECT_FALSE(filter.process(devhost::make_frame(small_depth())));
+  EXPECT_EQ(filter.last_error(), kBadFrame);
+  devhost::hide_data(false);
+  EXPECT_EQ(devhost::live_objects(), before);
+  EXPECT_TRUE(filter.process(devhost::make_frame(small_depth()))) << "the filter stays usable";
+}
+
+TEST(Boundary, ANullErrorSlotIsSurvived) {
+  FilterDriver filter("HoleFillingFilter");
+  PrivFilterContext* context = filter.context();
+  const char* bad[] = {"7"};
+  context->update_config(context->filter, 1, bad, nullptr);
+  context->update_config(context->filter, 2, nullptr, nullptr);
+  const devhost::Frame empty_set = devhost::make_frame_set(nullptr);
+  EXPECT_EQ(context->process(context->filter, empty_set.get(), nullptr), nullptr);
+  const devhost::Frame frame = devhost::make_frame(small_depth());
+  EXPECT_TRUE(devhost::Frame(context->process(context->filter, frame.get(), nullptr)));
+  devhost::fail_call("zv_frame_get_data", 1);
+  const std::string printed = FilterDriver::output_of(
+      [&] { EXPECT_EQ(context->process(context->filter, frame.get(), nullptr), nullptr); });
+  EXPECT_TRUE(devhost::clear_fault());
+  EXPECT_NE(printed.find("message: injected fault\n"), std::string::npos) << "printed all the same";
+}
+
+TEST(Boundary, EveryFailingHostCallIsPrintedOnceAndLeavesNothingBehind) {
+  FilterDriver filter("HoleFillingFilter");
+  for (const bool as_set : {false, true}) {
+    const auto input = [&] {
+      devhost::Frame frame = devhost::make_frame(small_depth());
+      return as_set ? devhost::make_frame_set(std::move(frame)) : std::move(frame);
+    };
+    const devhost::Frame good = input();
+    devhost::start_call_log();
+    filter.process(good);
+    std::vector<std::string> calls = devhost::stop_call_log();
+    EXPECT_EQ(calls.size(), as_set ? 11u : 8u);
+    std::map<std::string, int> seen;
+    for (const std::string& call : calls) {
+      const devhost::LiveObjects before = devhost::live_objects();
+      devhost::fail_call(call, ++seen[call]);
+      const std::string printed =
+          FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(good)) << call; });
+      ASSERT_TRUE(devhost::clear_fault()) << call;
+      EXPECT_EQ(filter.last_error(), (ErrorTexts{"injected fault", call, "", 7}));
+      EXPECT_EQ(printed, "zv_error was raised: \n\tcall: " + call +
+                             "()\n\tmessage: injected fault\n\terror type: 7\n");
+      EXPECT_EQ(devhost::live_objects(), before) << call;
+      EXPECT_TRUE(filter.process(good)) << call;
+    }
+  }
+}
+
+TEST(Errors, AreMadeByTheHostEvenWhenNobodyListens) {
+  zv_error* error = nullptr;
+  create_error(&error, 1, "message", "function", "argument", 9);
+  EXPECT_EQ(texts_of(error), (ErrorTexts{"message", "function", "argument", 9}));
+  const std::size_t count = devhost::error_count();
+  report_error(nullptr, "message", "function", "argument");
+  EXPECT_EQ(devhost::error_count(), count + 1);
+}
+
+/// TempFilter1 is abstract; this gives it what it lacks.
+struct CompleteTempFilter1 : TempFilter1 {
+  void print_key_params() override {}
+};
+
+TEST(TempFilter1, MakesAFrameLikeAnyFrame) {
+  CompleteTempFilter1 filter;
+  devhost::FrameSpec spec = small_depth();
+  spec.type = 1;
+  zv_error* error = nullptr;
+  const devhost::Frame frame = devhost::make_frame(spec);
+  const devhost::Frame output(filter.filter_process(frame.get(), &error));
+  ASSERT_TRUE(output);
+  EXPECT_EQ(devhost::inspect(output.get()).type, 1);
+  EXPECT_EQ(error, nullptr);
+  EXPECT_EQ(filter.filter_process(nullptr, &error), nullptr);
+}
+
+}  // namespace
+}  // namespace filterprocessor

@@ -1,0 +1,97 @@
+/// Drives a filter as the host does: through the exported functions and the context record.
+#ifndef FILTERPROCESSOR_TESTS_SUPPORT_FILTER_DRIVER_H
+#define FILTERPROCESSOR_TESTS_SUPPORT_FILTER_DRIVER_H
+
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "dev_host.h"
+#include "filterprocessor/filter_processor.h"
+
+namespace filterprocessor {
+
+/// An error as the four texts of it that a host can read. Empty when there is none.
+struct ErrorTexts {
+  std::string message;
+  std::string function;
+  std::string args;
+  std::int32_t exception_type = -1;
+
+  bool operator==(const ErrorTexts&) const = default;
+};
+
+inline ErrorTexts texts_of(const zv_error* error) {
+  if (error == nullptr) return {};
+  return {zv_error_get_message(error), zv_error_get_function(error), zv_error_get_args(error),
+          zv_error_get_exception_type(error)};
+}
+
+inline std::ostream& operator<<(std::ostream& out, const ErrorTexts& e) {
+  return out << '"' << e.message << "\" from " << e.function << '(' << e.args << "), type "
+             << e.exception_type;
+}
+
+class FilterDriver {
+ public:
+  explicit FilterDriver(const std::string& name) {
+    for (std::int32_t i = 0; i < zv_get_filter_count(); ++i) {
+      if (zv_get_filter_name(i) == name) context_.reset(zv_create_filter(i));
+    }
+    if (!context_) ADD_FAILURE() << name << " was not created";
+  }
+
+  std::string schema() { return context_->get_config_schema(context_->filter, nullptr); }
+
+  /// Returns the error, if any.
+  ErrorTexts update(const std::vector<std::string>& values) {
+    std::vector<const char*> argv;
+    for (const std::string& value : values) argv.push_back(value.c_str());
+    zv_error* error = nullptr;
+    context_->update_config(context_->filter, argv.size(), argv.data(), &error);
+    return texts_of(error);
+  }
+
+  /// The returned frame; what went wrong stands in last_error().
+  devhost::Frame process(const zv_frame_t* frame) {
+    zv_error* error = nullptr;
+    devhost::Frame result(context_->process(context_->filter, frame, &error));
+    last_error_ = texts_of(error);
+    return result;
+  }
+  devhost::Frame process(const devhost::Frame& frame) { return process(frame.get()); }
+
+  const ErrorTexts& last_error() const { return last_error_; }
+
+  /// Runs `action` and returns what was written to standard output.
+  template <typename Action>
+  static std::string output_of(Action&& action) {
+    testing::internal::CaptureStdout();
+    action();
+    return testing::internal::GetCapturedStdout();
+  }
+
+  void reset() { context_->reset(context_->filter, nullptr); }
+  PrivFilterContext* context() { return context_.get(); }
+  void destroy() { context_.reset(); }
+
+ private:
+  struct Destroy {
+    void operator()(PrivFilterContext* context) const { context->destroy(context); }
+  };
+  std::unique_ptr<PrivFilterContext, Destroy> context_;
+  ErrorTexts last_error_;
+};
+
+inline const ErrorTexts kNoError = {};
+inline const ErrorTexts kBadFrameType = {"invalid frame type error", "filter_process", "frameType", 4};
+inline const ErrorTexts kBadCount = {"the number of params error", "update_filter_config", "argc", 4};
+inline const ErrorTexts kBadFrame = {"invalid params", "filter_process", "frame", 4};
+inline const ErrorTexts kInjected = {"injected fault", "", "", 7};
+
+}  // namespace filterprocessor
+
+#endif

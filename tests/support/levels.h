@@ -1,0 +1,37 @@
+/// Walks the processor levels: every test of a kernel runs once per level that is compiled in.
+#ifndef FILTERPROCESSOR_TESTS_SUPPORT_LEVELS_H
+#define FILTERPROCESSOR_TESTS_SUPPORT_LEVELS_H
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "kernels/kernel_set.h"
+
+namespace filterprocessor {
+
+/// Skips aloud on a machine that lacks the level.
+class LevelTest : public testing::TestWithParam<Level> {
+ protected:
+  void SetUp() override {
+    if (!machine_runs(GetParam())) GTEST_SKIP() << "this machine lacks " << level_name(GetParam());
+  }
+  static const KernelSet& kernels() { return *kernel_set(GetParam()); }
+  static const KernelSet& plain() { return *kernel_set(Level::scalar); }
+};
+
+inline auto every_level() {
+  const auto levels = compiled_levels();
+  return testing::ValuesIn(levels.begin(), levels.end());
+}
+
+inline std::string level_test_name(const testing::TestParamInfo<Level>& info) {
+  return std::string(level_name(info.param));
+}
+
+#define FILTERPROCESSOR_EVERY_LEVEL(suite) \
+  INSTANTIATE_TEST_SUITE_P(Levels, suite, every_level(), level_test_name)
+
+}  // namespace filterprocessor
+
+#endif
