@@ -51,36 +51,55 @@ U16 fill_vector(U16 row, U16 above, U16 below, Mask16 hole, U16& left) {
   return max_where(from_start, filled, carry);
 }
 
-template <typename Order>
-void fill_row(std::uint16_t* row, std::size_t width) {
-  // Most vectors hold no hole. A first sweep over up to 64 of them notes those that do, so that the second
-  // one visits only these and no branch depends on where they are.
-  for (std::size_t begin = 0; begin < width; begin += 64 * kLanes) {
-    const std::size_t end = width - begin < 64 * kLanes ? width : begin + 64 * kLanes;
-    const std::size_t whole = (end - begin) / kLanes;
-    const std::size_t rest = (end - begin) % kLanes;
-    std::uint64_t todo = 0;
-    for (std::size_t i = 0; i < whole; ++i) {
-      const Mask16 hole = Order::map(U16::load(row + begin + i * kLanes)).is_zero();
-      todo |= std::uint64_t{hole.any()} << i;
-    }
-    if (rest != 0) todo |= std::uint64_t{1} << whole;
+constexpr std::uint16_t kNothing = 0;
 
-    U16 left = U16::zero();
-    std::size_t next = ~std::size_t{0};
+/// Visits the vectors of `count` pixels that hold a hole; the one at the end may be incomplete. Most vectors
+/// hold none. A sweep over up to 64 of them notes those that do, so that no branch depends on where the holes
+/// are.
+template <typename Order, typename Visit>
+void for_each_vector_with_holes(std::uint16_t* pixels, std::size_t count, Visit&& visit) {
+  for (std::size_t begin = 0; begin < count; begin += 64 * kLanes) {
+    const std::size_t size = count - begin < 64 * kLanes ? count - begin : 64 * kLanes;
+    const std::size_t whole = size / kLanes;
+    const auto has_hole = [pixels, begin](std::size_t i) {
+      return std::uint64_t{Order::map(U16::load(pixels + begin + i * kLanes)).is_zero().any()};
+    };
+    std::uint64_t todo = 0;
+    std::size_t seen = 0;
+    for (; seen + 8 <= whole; seen += 8) {
+      std::uint64_t eight = 0;
+      for (std::size_t i = 0; i < 8; ++i) eight |= has_hole(seen + i) << i;
+      todo |= eight << seen;
+    }
+    for (; seen < whole; ++seen) todo |= has_hole(seen) << seen;
+    if (const std::size_t rest = size % kLanes; rest != 0) {
+      const U16 last = Order::map(U16::load_first(pixels + begin + whole * kLanes, rest));
+      todo |= std::uint64_t{(last.is_zero() & Mask16::first(rest)).any()} << whole;
+    }
     for (; todo != 0; todo &= todo - 1) {
       const auto i = static_cast<std::size_t>(__builtin_ctzll(todo));
-      std::uint16_t* at = row + begin + i * kLanes;
-      const std::size_t count = i < whole ? kLanes : rest;
-      if (i != next) left = at == row ? U16::zero() : U16::splat(Order::map(at[-1]));
-      next = i + 1;
-      const U16 values = Order::map(U16::load_first(at, count));
-      const Mask16 hole = values.is_zero() & Mask16::first(count);
-      const U16 filled = fill_vector(values, Order::map(U16::load_first(at - width, count)),
-                                     Order::map(U16::load_first(at + width, count)), hole, left);
-      Order::map(filled).store_first(at, count);
+      visit(pixels + begin + i * kLanes, i < whole ? kLanes : size % kLanes);
     }
   }
+}
+
+template <typename Order>
+void fill_row(std::uint16_t* row, std::size_t width) {
+  U16 left = U16::zero();
+  const std::uint16_t* next = row;
+  for_each_vector_with_holes<Order>(row, width, [&](std::uint16_t* at, std::size_t count) {
+    // The last value of the vector before comes from its register or, when it held no hole, from memory. Both
+    // ways are taken, so that nothing depends on a branch or on a value just stored.
+    const bool follows = at == next;
+    const std::uint16_t before = *(follows ? &kNothing : at - 1);
+    left = max(left & U16::splat(follows ? 0xffff : 0), U16::splat(Order::map(before)));
+    next = at + count;
+    const U16 values = Order::map(U16::load_first(at, count));
+    const U16 above = Order::map(U16::load_first(at - width, count));
+    const U16 below = Order::map(U16::load_first(at + width, count));
+    const Mask16 hole = values.is_zero() & Mask16::first(count);
+    Order::map(fill_vector(values, above, below, hole, left)).store_first(at, count);
+  });
 }
 
 template <typename Order>
@@ -94,16 +113,12 @@ void fill_top(std::uint16_t* pixels, std::size_t width, std::size_t height) {
   if (width < kLanes) return plain::fill_top(pixels, width, height);
   // Rows follow each other without gaps and a vector is no wider than a row, so the vector above is always
   // final and the image is one flat sweep.
-  const std::size_t count = width * height;
-  std::size_t i = width;
-  for (; i + kLanes <= count; i += kLanes) {
-    const U16 values = U16::load(pixels + i);
-    const Mask16 hole = values.is_zero();
-    if (hole.any()) U16::load(pixels + i - width).store_where(hole, pixels + i, values);
-  }
-  for (; i < count; ++i) {
-    if (pixels[i] == 0) pixels[i] = pixels[i - width];
-  }
+  if (height < 2) return;
+  for_each_vector_with_holes<Larger>(
+      pixels + width, width * (height - 1), [=](std::uint16_t* at, std::size_t count) {
+        const U16 values = U16::load_first(at, count);
+        select(values.is_zero(), U16::load_first(at - width, count), values).store_first(at, count);
+      });
 }
 
 void fill_smaller(std::uint16_t* pixels, std::size_t width, std::size_t height) {

@@ -90,6 +90,7 @@ struct U16 {
   }
 };
 
+inline U16 operator&(U16 a, U16 b) { return {_mm256_and_si256(a.v, b.v)}; }
 inline U16 max(U16 a, U16 b) { return {_mm256_max_epu16(a.v, b.v)}; }
 /// a or b by lane, whichever is larger where flagged; a elsewhere.
 inline U16 max_where(Mask16 mask, U16 a, U16 b) {

@@ -74,6 +74,7 @@ struct U16 {
   U16 last() const { return {_mm512_permutexvar_epi16(_mm512_set1_epi16(31), v)}; }
 };
 
+inline U16 operator&(U16 a, U16 b) { return {_mm512_and_si512(a.v, b.v)}; }
 inline U16 max(U16 a, U16 b) { return {_mm512_max_epu16(a.v, b.v)}; }
 /// a or b by lane, whichever is larger where flagged; a elsewhere.
 inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {_mm512_mask_max_epu16(a.v, mask.bits, a.v, b.v)}; }

@@ -84,6 +84,7 @@ struct U16 {
   U16 last() const { return last_of_groups(); }
 };
 
+inline U16 operator&(U16 a, U16 b) { return {vandq_u16(a.v, b.v)}; }
 inline U16 max(U16 a, U16 b) { return {vmaxq_u16(a.v, b.v)}; }
 /// a or b by lane, whichever is larger where flagged; a elsewhere.
 inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {vmaxq_u16(a.v, vandq_u16(mask.v, b.v))}; }

@@ -1,0 +1,50 @@
+/// A row of the benchmark's table: one piece of work on one image, done by several forms (the plain form, a
+/// level, a peer, memcpy of the frame). All forms of all rows run interleaved in one process, so their ratios
+/// hold even where absolute times move with the machine.
+#ifndef FILTERPROCESSOR_BENCH_ROWS_H
+#define FILTERPROCESSOR_BENCH_ROWS_H
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "kernels/kernel_set.h"
+#include "scenes.h"
+
+namespace filterprocessor::bench {
+
+/// The sizes that every kernel is measured at.
+struct Size {
+  int width;
+  int height;
+};
+inline constexpr Size kSizes[] = {{640, 400}, {848, 480}, {1280, 800}};
+
+class Row {
+ public:
+  /// @param name   what the work is, e.g. "holes nearest, room"
+  /// @param image  what the work is done on; every timed call starts from a fresh copy
+  Row(std::string name, Image image);
+
+  /// Work in place on the copy. `form` is a column of the table.
+  Row& add(const std::string& form, std::function<void(std::uint16_t* pixels)> work);
+  /// Work that only reads the image and writes elsewhere.
+  Row& add_reading(const std::string& form, std::function<void(const std::uint16_t* pixels)> work);
+  /// One form per level that the machine runs.
+  Row& add_levels(std::function<void(const KernelSet& kernels, std::uint16_t* pixels)> work);
+  const Image& image() const { return *image_; }
+
+ private:
+  void add(const std::string& form, bool fresh, std::function<void(std::uint16_t* pixels)> work);
+
+  std::string name_;
+  std::shared_ptr<const Image> image_;
+};
+
+/// Each registers the rows of one kernel family.
+void add_hole_filling_rows();
+
+}  // namespace filterprocessor::bench
+
+#endif
