@@ -21,5 +21,6 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/FilterProcessorConfigVers
   COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/FilterProcessorConfig.cmake
   ${PROJECT_BINARY_DIR}/FilterProcessorConfigVersion.cmake DESTINATION ${package_dir})
+file(RELATIVE_PATH pc_to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/filterprocessor.pc.in ${PROJECT_BINARY_DIR}/filterprocessor.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/filterprocessor.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,5 +1,6 @@
 #include "filterprocessor/hole_filling.h"
 
+#include "scenes.h"
 #include "support/levels.h"
 #include "support/random_image.h"
 
@@ -43,6 +44,13 @@ TEST_P(HoleFillingLevel, EqualsThePlainFormOnRowsOfManyVectors) {
       expect_equal(plain().hole_filling, kernels().hole_filling, random_pixels(random, width * 7, percent),
                    width, 7);
     }
+  }
+}
+
+TEST_P(HoleFillingLevel, EqualsThePlainFormOnTheBenchmarksScenes) {
+  for (const bench::Image& image : {bench::stereo_scene(640, 400), bench::scattered_holes(848, 480)}) {
+    expect_equal(plain().hole_filling, kernels().hole_filling, image.pixels,
+                 static_cast<std::size_t>(image.width), static_cast<std::size_t>(image.height));
   }
 }
 
