@@ -5,6 +5,8 @@ target_compile_features(filterprocessor_options INTERFACE cxx_std_20 c_std_11)
 target_compile_options(filterprocessor_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   -ffp-contract=off
+  # Filters have no virtual destructor: they are owned by shared pointers made for their concrete class.
+  $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-delete-non-abstract-non-virtual-dtor>
   $<$<BOOL:${FILTERPROCESSOR_WERROR}>:-Werror>)
 target_include_directories(filterprocessor_options INTERFACE
   ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src ${PROJECT_BINARY_DIR}/generated)
