@@ -1,5 +1,5 @@
-// Runs every form of every row, interleaved, and prints the medians as a table of nanoseconds a pixel and of
-// multiples of memcpy of the same frame.
+// Runs every form of every row, interleaved, and prints the medians as a table of nanoseconds a pixel and
+// of multiples of memcpy of the same frame.
 #include <algorithm>
 #include <cstdio>
 #include <map>
@@ -74,8 +74,8 @@ class TableReporter : public benchmark::BenchmarkReporter {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // Short runs, many times over, in random order: a form that always followed another one looked up to 1.4
-  // times slower.
+  // Short runs, many times over, in random order: a form that always followed another one looked up
+  // to 1.4 times slower.
   std::vector<std::string> arguments = {argv[0], "--benchmark_enable_random_interleaving=true",
                                         "--benchmark_repetitions=15", "--benchmark_min_time=0.01"};
   arguments.insert(arguments.end(), argv + 1, argv + argc);
@@ -87,7 +87,8 @@ int main(int argc, char** argv) {
 
   filterprocessor::bench::add_hole_filling_rows();
 
-  const auto scene = filterprocessor::bench::figures_of(filterprocessor::bench::stereo_scene(848, 480), 30);
+  const auto scene =
+      filterprocessor::bench::figures_of(filterprocessor::bench::stereo_scene(848, 480), 30);
   std::printf("scene at 848x480: %.1f %% holes, %.3f runs a pixel at a threshold of 30\n",
               100 * scene.hole_share, scene.runs_per_pixel);
   TableReporter table;

@@ -32,14 +32,16 @@ Row& Row::add_reading(const std::string& form, std::function<void(const std::uin
 
 void Row::add(const std::string& form, bool fresh, std::function<void(std::uint16_t*)> work) {
   const auto run = [image = image_, fresh, work = std::move(work)](benchmark::State& state) {
-    // Each form has a frame of its own, in cache as a filter finds it: the host has just written the copy.
+    // Each form has a frame of its own, in cache as a filter finds it: the host has just written the
+    // copy.
     std::vector<std::uint16_t> pixels(image->pixels);
     for (auto _ : state) {
       if (fresh) std::memcpy(pixels.data(), image->pixels.data(), pixels.size() * sizeof pixels[0]);
       const auto start = std::chrono::steady_clock::now();
       work(pixels.data());
       benchmark::ClobberMemory();
-      state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+      state.SetIterationTime(
+          std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
     }
     state.counters["pixels"] = static_cast<double>(image->size());
   };

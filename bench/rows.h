@@ -1,6 +1,6 @@
-/// A row of the benchmark's table: one piece of work on one image, done by several forms (the plain form, a
-/// level, a peer, memcpy of the frame). All forms of all rows run interleaved in one process, so their ratios
-/// hold even where absolute times move with the machine.
+/// A row of the benchmark's table: one piece of work on one image, done by several forms (the plain form,
+/// a level, a peer, memcpy of the frame). All forms of all rows run interleaved in one process, so their
+/// ratios hold even where absolute times move with the machine.
 #ifndef FILTERPROCESSOR_BENCH_ROWS_H
 #define FILTERPROCESSOR_BENCH_ROWS_H
 

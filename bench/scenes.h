@@ -1,5 +1,5 @@
-/// Images to measure and compare kernels on. Every image is a function of its arguments, the same on every
-/// machine.
+/// Images to measure and compare kernels on. Every image is a function of its arguments, the same on
+/// every machine.
 #ifndef FILTERPROCESSOR_BENCH_SCENES_H
 #define FILTERPROCESSOR_BENCH_SCENES_H
 
@@ -17,9 +17,9 @@ struct Image {
   std::size_t size() const { return pixels.size(); }
 };
 
-/// A depth image in millimetres as a stereo camera sees a room: a floor, walls and boxes between 0.5 m and 5
-/// m, noise that grows with the square of the distance, about 8 % holes in blobs, 300 speckles (at 848 x 480;
-/// in proportion elsewhere) and an invalid band at the left border.
+/// A depth image in millimetres as a stereo camera sees a room: a floor, walls and boxes between 0.5 m
+/// and 5 m, noise that grows with the square of the distance, about 8 % holes in blobs, 300 speckles (at
+/// 848 x 480; in proportion elsewhere) and an invalid band at the left border.
 Image stereo_scene(int width, int height, std::uint32_t seed = 1);
 
 /// Half of the pixels, at random, are holes.

@@ -71,8 +71,8 @@ std::atomic<bool> watched{false};
 zv_error* add_error(std::int32_t status, const char* message, const char* function, const char* args,
                     std::int32_t exception_type) {
   const auto text = [](const char* t) { return std::string(t != nullptr ? t : ""); };
-  auto error =
-      std::make_unique<zv_error>(zv_error{status, text(message), text(function), text(args), exception_type});
+  auto error = std::make_unique<zv_error>(
+      zv_error{status, text(message), text(function), text(args), exception_type});
   Registry& r = registry();
   const std::lock_guard lock(r.mutex);
   r.errors.push_back(std::move(error));
@@ -259,8 +259,12 @@ zv_error* zv_create_error(int32_t status, const char* message, const char* funct
                           int32_t exception_type) {
   return devhost::add_error(status, message, function, args, exception_type);
 }
-const char* zv_error_get_message(const zv_error* error) { return error ? error->message.c_str() : nullptr; }
-const char* zv_error_get_function(const zv_error* error) { return error ? error->function.c_str() : nullptr; }
+const char* zv_error_get_message(const zv_error* error) {
+  return error ? error->message.c_str() : nullptr;
+}
+const char* zv_error_get_function(const zv_error* error) {
+  return error ? error->function.c_str() : nullptr;
+}
 const char* zv_error_get_args(const zv_error* error) { return error ? error->args.c_str() : nullptr; }
 int32_t zv_error_get_exception_type(const zv_error* error) { return error ? error->exception_type : 0; }
 
@@ -347,7 +351,8 @@ zv_stream_profile_t* zv_frame_get_stream_profile(const zv_frame_t* frame, zv_err
   return share(frame->profile.get());
 }
 
-void zv_frame_set_stream_profile(zv_frame_t* frame, const zv_stream_profile_t* profile, zv_error** error) {
+void zv_frame_set_stream_profile(zv_frame_t* frame, const zv_stream_profile_t* profile,
+                                 zv_error** error) {
   if (!Call(__func__, error).needs(frame, "frame").needs(profile, "profile")) return;
   frame->profile.reset(share(profile));
   frame->spec.width = profile->spec.width;

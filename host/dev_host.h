@@ -1,9 +1,9 @@
-/// A host in memory: the functions of filterprocessor/host.h, and what the C interface has no way to do: make
-/// frames and profiles with any attributes, look into them, count what is alive, log calls and make calls
-/// fail.
+/// A host in memory: the functions of filterprocessor/host.h, and what the C interface has no way to do:
+/// make frames and profiles with any attributes, look into them, count what is alive, log calls and make
+/// calls fail.
 ///
-/// Threads: all functions may be called from any thread; one frame or profile is written by one thread at a
-/// time.
+/// Threads: all functions may be called from any thread; one frame or profile is written by one thread at
+/// a time.
 #ifndef FILTERPROCESSOR_HOST_DEV_HOST_H
 #define FILTERPROCESSOR_HOST_DEV_HOST_H
 
@@ -45,8 +45,8 @@ struct FrameSpec {
   float value_scale = 1.0f;
   std::map<std::int32_t, std::int64_t> metadata = {};
   std::vector<std::uint16_t> pixels = {};  ///< may be fewer or more than width x height
-  ZVDisparityParam disparity = {};    ///< of the profile
-  ZVCameraIntrinsic intrinsic = {};   ///< of the profile
+  ZVDisparityParam disparity = {};         ///< of the profile
+  ZVCameraIntrinsic intrinsic = {};        ///< of the profile
 };
 
 Frame make_frame(const FrameSpec& spec);
@@ -63,8 +63,8 @@ FrameSpec inspect(const zv_frame_t* frame);
 /// The frame's profile.
 ProfileSpec inspect_profile(const zv_frame_t* frame);
 
-/// Frames and profiles that somebody still holds a reference to. Errors are not counted: the host owns all of
-/// them.
+/// Frames and profiles that somebody still holds a reference to. Errors are not counted: the host owns
+/// all of them.
 struct LiveObjects {
   long frames = 0;
   long profiles = 0;
@@ -80,8 +80,8 @@ std::size_t error_count();
 void start_call_log();
 std::vector<std::string> stop_call_log();
 
-/// Makes the `occurrence`-th call (1 is the next) of a function fail with "injected fault", exception type 7.
-/// One fault is armed at a time.
+/// Makes the `occurrence`-th call (1 is the next) of a function fail with "injected fault", exception
+/// type 7. One fault is armed at a time.
 void fail_call(std::string_view function, int occurrence);
 /// Disarms the fault. Returns whether it happened.
 bool clear_fault();

@@ -3,17 +3,17 @@
  * The plug-in's C interface: how many filters there are, what they are called, and how one is made and
  * driven.
  *
- * Order of use: zv_get_filter_count(), zv_get_filter_name() for each index, zv_create_filter(); then, through
- * the record, `get_config_schema`, `update_config`, `process` once a frame, `reset` at will, and `destroy`
- * once.
+ * Order of use: zv_get_filter_count(), zv_get_filter_name() for each index, zv_create_filter(); then,
+ * through the record, `get_config_schema`, `update_config`, `process` once a frame, `reset` at will, and
+ * `destroy` once.
  *
  * Rules that hold for every function here:
- * - Threads: any thread. Two threads may drive different filters freely; for one filter, `update_config` and
- * `process` may run at the same time where the filter has a lock of its own (all but `HoleFillingFilter`,
- * `DepthResize`, `TemporalFilter` and `HardwareD2DCorrectionFilter`).
- * - Errors: failures are reported by storing a new host error in `*error`. A null `error` is accepted: the
- *   operation does the same work and the report is lost. `*error` should be null on entry; a host error that
- *   is already there is taken for a failure of the first host call.
+ * - Threads: any thread. Two threads may drive different filters freely; for one filter, `update_config`
+ * and `process` may run at the same time where the filter has a lock of its own (all but
+ * `HoleFillingFilter`, `DepthResize`, `TemporalFilter` and `HardwareD2DCorrectionFilter`).
+ * - Errors: failures are reported by storing a new host error in `*error`. A null `error` is accepted:
+ * the operation does the same work and the report is lost. `*error` should be null on entry; a host error
+ * that is already there is taken for a failure of the first host call.
  * - No exception leaves these functions, save std::bad_alloc from zv_create_filter().
  */
 #ifndef FILTERPROCESSOR_FILTER_PROCESSOR_H
@@ -50,7 +50,8 @@ FILTERPROCESSOR_API int32_t zv_get_filter_count(void);
  * loaded. */
 FILTERPROCESSOR_API const char* zv_get_filter_name(int32_t index);
 
-/** A new filter of the class named at `index`, or null when there is none. The caller owns it: see `destroy`.
+/** A new filter of the class named at `index`, or null when there is none. The caller owns it: see
+ * `destroy`.
  */
 FILTERPROCESSOR_API PrivFilterContext* zv_create_filter(int32_t index);
 
@@ -61,7 +62,8 @@ FILTERPROCESSOR_API void zv_priv_filter_context_destroy(PrivFilterContext* conte
  * The filter's parameters, one line each: name, type, min, max, step, default, description, separated by
  * commas. The text belongs to the library and lives as long as it is loaded. Null `filter`: null.
  */
-FILTERPROCESSOR_API const char* zv_priv_filter_get_config_schema(zv_priv_filter_t* filter, zv_error** error);
+FILTERPROCESSOR_API const char* zv_priv_filter_get_config_schema(zv_priv_filter_t* filter,
+                                                                 zv_error** error);
 
 /**
  * Sets every parameter from `argc` texts in schema order, which are read before the call returns.
@@ -71,9 +73,9 @@ FILTERPROCESSOR_API void zv_priv_filter_update_config(zv_priv_filter_t* filter, 
                                                       const char** argv, zv_error** error);
 
 /**
- * Filters a depth frame, or the depth frame of a set, and returns a new frame or set, owned by the caller.
- * `frame` is not changed and stays the caller's. Null with an error on failure; null without one when
- * `filter` or `frame` is null.
+ * Filters a depth frame, or the depth frame of a set, and returns a new frame or set, owned by the
+ * caller. `frame` is not changed and stays the caller's. Null with an error on failure; null without one
+ * when `filter` or `frame` is null.
  */
 FILTERPROCESSOR_API zv_frame_t* zv_priv_filter_process(zv_priv_filter_t* filter, const zv_frame_t* frame,
                                                        zv_error** error);

@@ -21,11 +21,13 @@ enum {
 /**
  * Fills the holes (pixels of value 0) of an image from their neighbours, in place.
  *
- * Rows are filled from the top down and, in modes 1 and 2, from left to right, so a filled pixel fills its
- * successors. In modes 1 and 2 the first and last rows never change, every eighth pixel of a row (x = 0, 8,
+ * Rows are filled from the top down and, in modes 1 and 2, from left to right, so a filled pixel fills
+ * its successors. In modes 1 and 2 the first and last rows never change, every eighth pixel of a row (x =
+ * 0, 8,
  * ...) takes the pixel to its left alone, and in mode 1 the value 65535 counts as a hole too.
  *
- * @param depth   `width` x `height` pixels, row after row without gaps; may be null only when there are none
+ * @param depth   `width` x `height` pixels, row after row without gaps; may be null only when there are
+ * none
  * @param width   pixels in a row; below 1: nothing to do
  * @param height  rows; below 2 (mode 0) or 3 (modes 1 and 2): nothing to do
  * @param mode    0, 1 or 2

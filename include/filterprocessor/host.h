@@ -6,8 +6,9 @@
  * library named when it is linked.
  *
  * Rules that hold for every function here:
- * - Errors: a function with a `zv_error** error` argument leaves `*error` alone on success and stores a new
- * error object there on failure. It never clears `*error`. The result of a failed call is 0, false or null.
+ * - Errors: a function with a `zv_error** error` argument leaves `*error` alone on success and stores a
+ * new error object there on failure. It never clears `*error`. The result of a failed call is 0, false or
+ * null.
  * - Threads: any thread. Two threads may use one object at a time only to read it.
  * - Null: no object argument may be null; a null object is a failure, not a crash.
  */
@@ -62,7 +63,8 @@ typedef struct ZVDisparityParam {
 } ZVDisparityParam;
 #pragma pack(pop)
 
-/* Errors. The texts given to zv_create_error are copied; the texts read back live as long as the error. */
+/* Errors. The texts given to zv_create_error are copied; the texts read back live as long as the error.
+ */
 FILTERPROCESSOR_API zv_error* zv_create_error(int32_t status, const char* message, const char* function,
                                               const char* args, int32_t exception_type);
 FILTERPROCESSOR_API const char* zv_error_get_message(const zv_error* error);
@@ -86,14 +88,15 @@ FILTERPROCESSOR_API bool zv_frame_has_metadata(const zv_frame_t* frame, int32_t 
 /** Fails when the frame has no such item. */
 FILTERPROCESSOR_API int64_t zv_frame_get_metadata_value(const zv_frame_t* frame, int32_t item,
                                                         zv_error** error);
-/** Copies format, size, pixel type, bit size, value scale, metadata and profile; not the data nor the type.
+/** Copies format, size, pixel type, bit size, value scale, metadata and profile; not the data nor the
+ * type.
  */
 FILTERPROCESSOR_API void zv_frame_copy_info(const zv_frame_t* from, zv_frame_t* to, zv_error** error);
 /** A new zero-filled frame, owned by the caller. A host may refuse a size of 0. */
 FILTERPROCESSOR_API zv_frame_t* zv_create_frame(int32_t frame_type, int32_t format, uint32_t data_size,
                                                 zv_error** error);
-/** A new frame like `other`, owned by the caller. Without `copy_data` its data are unspecified and a set is
- * empty. */
+/** A new frame like `other`, owned by the caller. Without `copy_data` its data are unspecified and a set
+ * is empty. */
 FILTERPROCESSOR_API zv_frame_t* zv_create_frame_from_other_frame(const zv_frame_t* other, bool copy_data,
                                                                  zv_error** error);
 /** Gives up the caller's reference, even when it fails. */
@@ -101,12 +104,14 @@ FILTERPROCESSOR_API void zv_delete_frame(const zv_frame_t* frame, zv_error** err
 /** Borrowed from the set, or null when it has none. */
 FILTERPROCESSOR_API zv_frame_t* zv_frameset_get_depth_frame(const zv_frame_t* set, zv_error** error);
 /** The set takes over the caller's reference to `frame`; on failure the caller keeps it. */
-FILTERPROCESSOR_API void zv_frameset_push_frame(zv_frame_t* set, const zv_frame_t* frame, zv_error** error);
+FILTERPROCESSOR_API void zv_frameset_push_frame(zv_frame_t* set, const zv_frame_t* frame,
+                                                zv_error** error);
 /** A new reference, which the caller deletes. */
 FILTERPROCESSOR_API zv_stream_profile_t* zv_frame_get_stream_profile(const zv_frame_t* frame,
                                                                      zv_error** error);
 /** The frame takes a reference of its own. */
-FILTERPROCESSOR_API void zv_frame_set_stream_profile(zv_frame_t* frame, const zv_stream_profile_t* profile,
+FILTERPROCESSOR_API void zv_frame_set_stream_profile(zv_frame_t* frame,
+                                                     const zv_stream_profile_t* profile,
                                                      zv_error** error);
 
 /* Attributes of video and depth frames. Sizes in pixels, bit sizes in bits. */
@@ -143,9 +148,10 @@ FILTERPROCESSOR_API void zv_video_stream_profile_set_height(zv_stream_profile_t*
 FILTERPROCESSOR_API ZVCameraIntrinsic
 zv_video_stream_profile_get_intrinsic(const zv_stream_profile_t* profile, zv_error** error);
 FILTERPROCESSOR_API void zv_video_stream_profile_set_intrinsic(zv_stream_profile_t* profile,
-                                                               ZVCameraIntrinsic intrinsic, zv_error** error);
-FILTERPROCESSOR_API ZVDisparityParam
-zv_disparity_based_stream_profile_get_disparity_param(const zv_stream_profile_t* profile, zv_error** error);
+                                                               ZVCameraIntrinsic intrinsic,
+                                                               zv_error** error);
+FILTERPROCESSOR_API ZVDisparityParam zv_disparity_based_stream_profile_get_disparity_param(
+    const zv_stream_profile_t* profile, zv_error** error);
 
 FILTERPROCESSOR_END_C
 

@@ -55,7 +55,8 @@ zv_frame_t* HoleFillingFilter::filter_process(const zv_frame_t* frame, zv_error*
         host.fail_kernel(std::move(output), "hole filling filter error", "HoleFillingFilter");
       }
     } else {
-      // The frame goes on unfilled beside this error; only a set is lost to it, at the next host call's test.
+      // The frame goes on unfilled beside this error; only a set is lost to it, at the next host call's
+      // test.
       report_error(host.slot(), "invalid hole filling mode,please check the parameters", "filter_process",
                    "hole filling mode");
     }

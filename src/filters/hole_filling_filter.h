@@ -5,8 +5,8 @@
 
 namespace filterprocessor {
 
-/// Fills holes from their neighbours. Has no lock: its configuration and its frames must come one after the
-/// other.
+/// Fills holes from their neighbours. Has no lock: its configuration and its frames must come one after
+/// the other.
 class FILTERPROCESSOR_API HoleFillingFilter : public IPrivFilter {
  public:
   const char* get_filter_config_schema(zv_error** error) override;

@@ -5,8 +5,8 @@
 
 namespace filterprocessor {
 
-/// An unfinished pass-through filter. It has no print_key_params, so no object of it is made and it is not
-/// listed.
+/// An unfinished pass-through filter. It has no print_key_params, so no object of it is made and it is
+/// not listed.
 class FILTERPROCESSOR_API TempFilter1 : public IPrivFilter {
  public:
   const char* get_filter_config_schema(zv_error** error) override;

@@ -8,8 +8,8 @@
 
 namespace filterprocessor {
 
-/// The texts given to update_filter_config, and the conventions of reading them. A text that is not a number,
-/// or that is missing, reads as 0.
+/// The texts given to update_filter_config, and the conventions of reading them. A text that is not a
+/// number, or that is missing, reads as 0.
 class ConfigValues {
  public:
   ConfigValues(std::size_t argc, const char** argv, zv_error** error) noexcept

@@ -7,7 +7,8 @@
 
 namespace filterprocessor {
 
-/// Makes a host error and stores it in `*error`; the host owns it. With a null `error` the report is lost.
+/// Makes a host error and stores it in `*error`; the host owns it. With a null `error` the report is
+/// lost.
 void create_error(zv_error** error, std::int32_t status, const char* message, const char* function,
                   const char* arguments, std::int32_t exception_type);
 

@@ -31,8 +31,8 @@ class FrameProcess : public HostCalls {
   const zv_frame_t* depth_ = nullptr;
 };
 
-/// Runs one operation on a frame. A null frame is null; any failure, with its error stored already, becomes
-/// null.
+/// Runs one operation on a frame. A null frame is null; any failure, with its error stored already,
+/// becomes null.
 template <typename Operation>
 zv_frame_t* run_operation(const zv_frame_t* frame, zv_error** error, Operation&& operation) noexcept {
   if (frame == nullptr) return nullptr;

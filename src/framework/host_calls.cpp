@@ -27,7 +27,8 @@ ProfileHandle HostCalls::create_like(const zv_stream_profile_t* other) const {
   return profile;
 }
 
-std::uint16_t* HostCalls::pixels(const zv_frame_t* frame, std::uint64_t width, std::uint64_t height) const {
+std::uint16_t* HostCalls::pixels(const zv_frame_t* frame, std::uint64_t width,
+                                 std::uint64_t height) const {
   void* data = call(zv_frame_get_data, frame);
   const std::uint64_t available = call(zv_frame_get_data_size, frame) / sizeof(std::uint16_t);
   const std::uint64_t needed = width * height;  // both come from 32-bit values

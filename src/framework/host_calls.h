@@ -12,9 +12,10 @@ namespace filterprocessor {
 /// Ends an operation whose error has been stored already. Never leaves a filter.
 struct OperationFailed {};
 
-/// The host as one operation of a filter sees it. Every call is given the caller's error slot (one of its own
-/// when the caller has none) and is followed by the test of that slot: an error found there, whoever stored
-/// it, is printed and ends the operation. What a call returns is owned by a handle before the test.
+/// The host as one operation of a filter sees it. Every call is given the caller's error slot (one of its
+/// own when the caller has none) and is followed by the test of that slot: an error found there, whoever
+/// stored it, is printed and ends the operation. What a call returns is owned by a handle before the
+/// test.
 class HostCalls {
  public:
   explicit HostCalls(zv_error** callers_slot) noexcept

@@ -16,7 +16,9 @@ extern "C" {
 
 int32_t zv_get_filter_count() { return FilterFactory::getInstance()->getFilterCount(); }
 
-const char* zv_get_filter_name(int32_t index) { return FilterFactory::getInstance()->getFilterName(index); }
+const char* zv_get_filter_name(int32_t index) {
+  return FilterFactory::getInstance()->getFilterName(index);
+}
 
 PrivFilterContext* zv_create_filter(int32_t index) {
   std::shared_ptr<IPrivFilter> filter = FilterFactory::getInstance()->createFilter(index);

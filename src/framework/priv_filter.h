@@ -9,11 +9,11 @@
 
 namespace filterprocessor {
 
-/// Base of every filter. There is no virtual destructor: a filter is owned by a std::shared_ptr that was made
-/// for its concrete class.
+/// Base of every filter. There is no virtual destructor: a filter is owned by a std::shared_ptr that was
+/// made for its concrete class.
 ///
-/// Errors are reported by storing a host error in `*error`; a null `error` is accepted and loses the report.
-/// No operation throws, save std::bad_alloc from a constructor.
+/// Errors are reported by storing a host error in `*error`; a null `error` is accepted and loses the
+/// report. No operation throws, save std::bad_alloc from a constructor.
 class FILTERPROCESSOR_API IPrivFilter {
  public:
   /// The depth frame that a filter's derived state was built for.

@@ -21,8 +21,8 @@ struct SchemaParameter {
   bool operator==(const SchemaParameter&) const = default;
 };
 
-/// Reads a configuration schema, in the order of its lines, which is the order of the values of an update.
-/// An empty text has no parameters; a line feed at the end is optional.
+/// Reads a configuration schema, in the order of its lines, which is the order of the values of an
+/// update. An empty text has no parameters; a line feed at the end is optional.
 /// @throws std::invalid_argument naming the line that does not have seven fields or names no known type
 std::vector<SchemaParameter> parse_schema(std::string_view text);
 

@@ -39,8 +39,8 @@ const KernelSet* kernel_set(Level level) {
 }
 
 namespace {
-// Set by the dynamic linker's call of this file's initialiser; until then (a static constructor of a program
-// that links the library in) the function below chooses for itself.
+// Set by the dynamic linker's call of this file's initialiser; until then (a static constructor of a
+// program that links the library in) the function below chooses for itself.
 const KernelSet* active = nullptr;
 const KernelSet* choose() { return kernel_set(choose_level(std::getenv("FILTERPROCESSOR_CPU"))); }
 [[maybe_unused]] const bool chosen = (active = choose()) != nullptr;

@@ -16,8 +16,8 @@ struct KernelSet {
 /// The caller asks machine_runs() before it calls one.
 const KernelSet* kernel_set(Level level);
 
-/// The kernels that the exported functions use: chosen once, when the library is loaded, from the processor
-/// and the environment variable FILTERPROCESSOR_CPU.
+/// The kernels that the exported functions use: chosen once, when the library is loaded, from the
+/// processor and the environment variable FILTERPROCESSOR_CPU.
 const KernelSet& active_kernels();
 
 }  // namespace filterprocessor

@@ -41,8 +41,8 @@ TEST_P(HoleFillingLevel, EqualsThePlainFormOnRowsOfManyVectors) {
   std::mt19937 random(2);
   for (const std::size_t width : {std::size_t{848}, std::size_t{2048 + 40}, std::size_t{5000}}) {
     for (const unsigned percent : {2u, 50u, 100u}) {
-      expect_equal(plain().hole_filling, kernels().hole_filling, random_pixels(random, width * 7, percent),
-                   width, 7);
+      expect_equal(plain().hole_filling, kernels().hole_filling,
+                   random_pixels(random, width * 7, percent), width, 7);
     }
   }
 }

@@ -6,8 +6,8 @@
 
 namespace filterprocessor {
 
-/// Hole filling at one level; see depth_api_hole_filling_filter() for the rules. All work in place on `width`
-/// x `height` pixels and read or write nothing else.
+/// Hole filling at one level; see depth_api_hole_filling_filter() for the rules. All work in place on
+/// `width` x `height` pixels and read or write nothing else.
 struct HoleFillingKernels {
   using Fill = void(std::uint16_t* pixels, std::size_t width, std::size_t height);
 

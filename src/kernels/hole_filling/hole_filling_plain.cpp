@@ -29,7 +29,8 @@ void fill_smaller(std::uint16_t* pixels, std::size_t width, std::size_t height) 
     for (std::size_t x = 0; x < width; ++x) {
       std::uint16_t value = none_if_zero(row[x]);
       if (value == kNone) {
-        value = x % kHoleGroup == 0 ? left : std::min({none_if_zero(above[x]), none_if_zero(below[x]), left});
+        value =
+            x % kHoleGroup == 0 ? left : std::min({none_if_zero(above[x]), none_if_zero(below[x]), left});
       }
       row[x] = zero_if_none(value);
       left = value;

@@ -8,7 +8,8 @@ namespace {
 
 constexpr std::size_t kLanes = U16::lanes;
 
-// Both orders as "keep the larger, 0 is none": the smaller of two values is the larger of their complements.
+// Both orders as "keep the larger, 0 is none": the smaller of two values is the larger of their
+// complements.
 struct Larger {
   static U16 map(U16 values) { return values; }
   static std::uint16_t map(std::uint16_t value) { return value; }
@@ -20,11 +21,11 @@ struct Smaller {
   }
 };
 
-/// Fills the flagged holes of one vector, given the mapped rows above and below and the final value to the
-/// left. A hole takes the largest candidate of itself and of the holes that lead to it inside its group, so a
-/// group is a prefix maximum in three steps, each stopped by the pixels that are not holes. Holes that reach
-/// back to their group's start take the previous group's last value too; the same scan over whole groups
-/// carries it along.
+/// Fills the flagged holes of one vector, given the mapped rows above and below and the final value to
+/// the left. A hole takes the largest candidate of itself and of the holes that lead to it inside its
+/// group, so a group is a prefix maximum in three steps, each stopped by the pixels that are not holes.
+/// Holes that reach back to their group's start take the previous group's last value too; the same scan
+/// over whole groups carries it along.
 /// @return the filled vector; `left` becomes its last value
 U16 fill_vector(U16 row, U16 above, U16 below, Mask16 hole, U16& left) {
   U16 filled = select(hole & ~Mask16::group_starts(), max(above, below), row);
@@ -53,9 +54,9 @@ U16 fill_vector(U16 row, U16 above, U16 below, Mask16 hole, U16& left) {
 
 constexpr std::uint16_t kNothing = 0;
 
-/// Visits the vectors of `count` pixels that hold a hole; the one at the end may be incomplete. Most vectors
-/// hold none. A sweep over up to 64 of them notes those that do, so that no branch depends on where the holes
-/// are.
+/// Visits the vectors of `count` pixels that hold a hole; the one at the end may be incomplete. Most
+/// vectors hold none. A sweep over up to 64 of them notes those that do, so that no branch depends on
+/// where the holes are.
 template <typename Order, typename Visit>
 void for_each_vector_with_holes(std::uint16_t* pixels, std::size_t count, Visit&& visit) {
   for (std::size_t begin = 0; begin < count; begin += 64 * kLanes) {
@@ -88,8 +89,8 @@ void fill_row(std::uint16_t* row, std::size_t width) {
   U16 left = U16::zero();
   const std::uint16_t* next = row;
   for_each_vector_with_holes<Order>(row, width, [&](std::uint16_t* at, std::size_t count) {
-    // The last value of the vector before comes from its register or, when it held no hole, from memory. Both
-    // ways are taken, so that nothing depends on a branch or on a value just stored.
+    // The last value of the vector before comes from its register or, when it held no hole, from memory.
+    // Both ways are taken, so that nothing depends on a branch or on a value just stored.
     const bool follows = at == next;
     const std::uint16_t before = *(follows ? &kNothing : at - 1);
     left = max(left & U16::splat(follows ? 0xffff : 0), U16::splat(Order::map(before)));
@@ -111,8 +112,8 @@ void fill(std::uint16_t* pixels, std::size_t width, std::size_t height) {
 
 void fill_top(std::uint16_t* pixels, std::size_t width, std::size_t height) {
   if (width < kLanes) return plain::fill_top(pixels, width, height);
-  // Rows follow each other without gaps and a vector is no wider than a row, so the vector above is always
-  // final and the image is one flat sweep.
+  // Rows follow each other without gaps and a vector is no wider than a row, so the vector above is
+  // always final and the image is one flat sweep.
   if (height < 2) return;
   for_each_vector_with_holes<Larger>(
       pixels + width, width * (height - 1), [=](std::uint16_t* at, std::size_t count) {

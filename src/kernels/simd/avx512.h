@@ -77,8 +77,12 @@ struct U16 {
 inline U16 operator&(U16 a, U16 b) { return {_mm512_and_si512(a.v, b.v)}; }
 inline U16 max(U16 a, U16 b) { return {_mm512_max_epu16(a.v, b.v)}; }
 /// a or b by lane, whichever is larger where flagged; a elsewhere.
-inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {_mm512_mask_max_epu16(a.v, mask.bits, a.v, b.v)}; }
-inline U16 select(Mask16 mask, U16 yes, U16 no) { return {_mm512_mask_blend_epi16(mask.bits, no.v, yes.v)}; }
+inline U16 max_where(Mask16 mask, U16 a, U16 b) {
+  return {_mm512_mask_max_epu16(a.v, mask.bits, a.v, b.v)};
+}
+inline U16 select(Mask16 mask, U16 yes, U16 no) {
+  return {_mm512_mask_blend_epi16(mask.bits, no.v, yes.v)};
+}
 /// 65535 - a; 0 where a is 0.
 inline U16 complement_nonzero(U16 a) {
   return {_mm512_maskz_sub_epi16(_mm512_test_epi16_mask(a.v, a.v), _mm512_set1_epi16(-1), a.v)};

@@ -1,5 +1,5 @@
-/// The vector types of the level that a file is compiled for. They have the same names and members at every
-/// level; intrinsics stand nowhere else.
+/// The vector types of the level that a file is compiled for. They have the same names and members at
+/// every level; intrinsics stand nowhere else.
 ///
 /// U16 holds `lanes` unsigned 16-bit values in groups of eight (128 bits); Mask16 holds a flag per lane.
 #ifndef FILTERPROCESSOR_KERNELS_SIMD_SIMD_H

@@ -1,6 +1,7 @@
-#include <filterprocessor/filter_processor.h>
 #include <stdio.h>
 #include <string.h>
+
+#include <filterprocessor/filter_processor.h>
 
 int main(void) {
   if (zv_get_filter_count() != 9 || strcmp(zv_get_filter_name(1), "HoleFillingFilter") != 0) return 1;

@@ -1,0 +1,273 @@
+// The built program, run as a user runs it.
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <stdlib.h>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sys/wait.h>
+
+#include "files.h"
+#include "images/codec.h"
+
+namespace zvfilter {
+namespace {
+
+namespace fs = std::filesystem;
+
+#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
+
+struct Outcome {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+class Program : public testing::Test {
+ protected:
+  Program() {
+    std::string pattern = (fs::temp_directory_path() / "zvfilter_test_XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+    fs::create_directory(folder_ / "in");
+  }
+  ~Program() override { fs::remove_all(folder_); }
+
+  std::string text_of(const fs::path& file) const {
+    const Bytes bytes = read_whole(file);
+    return {bytes.begin(), bytes.end()};
+  }
+  /// Runs the program inside the folder.
+  Outcome run(const std::string& arguments) const {
+    const std::string command = "cd '" + folder_.string() + "' && " ZVFILTER_COMMAND " " + arguments +
+                                " > out.txt 2> err.txt < /dev/null";
+    const int status = std::system(command.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text_of(folder_ / "out.txt"),
+            text_of(folder_ / "err.txt")};
+  }
+  Outcome run_probe(const std::string& arguments) const {
+    return run(arguments + " --plugin '" ZVFILTER_PROBE_PLUGIN "'");
+  }
+  /// Expects one line on standard error with the text, the status, and no result.
+  void expect_refused(const Outcome& outcome, int status, const std::string& part) const {
+    EXPECT_EQ(outcome.status, status) << outcome.err;
+    EXPECT_TRUE(outcome.err.starts_with("zvfilter: ")) << outcome.err;
+    EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+    EXPECT_MENTIONS(outcome.err, part);
+    EXPECT_FALSE(fs::exists(folder_ / "results"));
+  }
+  void put(const std::string& name, const Bytes& bytes) const { write_whole(folder_ / name, bytes); }
+  void put(const std::string& name, const Image& image) const {
+    put(name, codec_of_extension(fs::path(name).extension().string())->encode(image));
+  }
+  Image get(const std::string& name, Size size = {}) const {
+    const fs::path file = folder_ / name;
+    return codec_of_extension(file.extension().string())->decode(read_whole(file), size);
+  }
+  std::vector<std::string> listing(const std::string& name) const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder_ / name))
+      names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  fs::path folder_;
+};
+
+using Names = std::vector<std::string>;
+
+const Image kHoles{3, 3, {5, 6, 7, 0, 8, 0, 9, 0, 1}};
+const Image kFilled{3, 3, {5, 6, 7, 5, 8, 7, 9, 8, 1}};  // each hole takes the pixel above
+
+TEST_F(Program, ListsTheFiltersOfItsOwnPlugin) {
+  const Outcome text = run("list");
+  EXPECT_EQ(text.status, 0) << text.err;
+  EXPECT_MENTIONS(text.out,
+                  "1  HoleFillingFilter\n     hole_filling_mode  integer   0 to 2, step 1, default 0\n");
+
+  const auto list = nlohmann::json::parse(run("list --json").out);
+  ASSERT_EQ(list.size(), 9u);
+  EXPECT_EQ(list[1]["name"], "HoleFillingFilter");
+  EXPECT_EQ(list[1]["available"], true);
+  EXPECT_EQ(list[1]["parameters"][0]["max"], 2);
+  EXPECT_EQ(list[8]["index"], 8);
+
+  EXPECT_EQ(run("schema HoleFillingFilter").out,
+            "hole_filling_mode, integer, 0, 2, 1, 0, "
+            "ZV_HOLE_FILL_TOP/ZV_HOLE_FILL_NEAREST/ZV_HOLE_FILL_FAREST\n");
+}
+
+TEST_F(Program, ListsAFilterThatIsNotAvailable) {
+  EXPECT_MENTIONS(run_probe("list").out,
+                  "0  MissingFilter  (not available)\n1  FailingFilter\n     count  ");
+  const auto list = nlohmann::json::parse(run_probe("list --json").out);
+  EXPECT_EQ(list[0]["available"], false);
+  EXPECT_EQ(list[3]["parameters"][1]["default"], 0.5);
+}
+
+TEST_F(Program, FiltersEveryFormat) {
+  for (const char* name : {"a.png", "b.pgm", "c.npy", "d.raw", "e.BIN"})
+    put(std::string("in/") + name, kHoles);
+  put("in/notes.txt", Bytes{'x'});
+  const Outcome outcome = run("run -f HoleFillingFilter in -o results --size 3x3");
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(listing("results"), (Names{"a.png", "b.pgm", "c.npy", "d.raw", "e.BIN"}));
+  for (const std::string& name : listing("results"))
+    EXPECT_EQ(get("results/" + name, {3, 3}), kFilled) << name;
+
+  const auto line_end = outcome.out.find('\n');
+  EXPECT_EQ(outcome.out.substr(0, line_end),
+            "filter             frames  valid before  valid after  changed  median ms");
+  EXPECT_TRUE(outcome.out.substr(line_end + 1)
+                  .starts_with("HoleFillingFilter       5            30           45       15"));
+}
+
+TEST_F(Program, ConvertsAndPreviews) {
+  put("in/a.pgm", kHoles);
+  const Outcome outcome =
+      run("run -f HoleFillingFilter:hole_filling_mode=0 -f HoleFillingFilter: in/a.pgm -o "
+          "results/deep --format npy --preview --frame-set");
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(listing("results/deep"), (Names{"a.npy", "a_preview.png"}));
+  EXPECT_EQ(get("results/deep/a.npy"), kFilled);
+}
+
+TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
+  put("in/b.png", Image{1, 1, {22}});
+  put("in/a.png", Image{1, 1, {11}});
+  const Outcome plain = run_probe("run -f EchoFilter in/b.png in/a.png -o results");
+  EXPECT_EQ(plain.status, 0) << plain.err;
+  EXPECT_EQ(plain.out.find("configured"), std::string::npos);
+  EXPECT_MENTIONS(plain.out,
+                  "frame 1: set 0, first pixel 11, bits 16, type 0, scale 1, baseline 50, fx 0.7\n");
+  EXPECT_MENTIONS(plain.out, "frame 2: set 0, first pixel 22, ");
+  EXPECT_EQ(plain.err,
+            "zvfilter: note: the files carry no stereo geometry; assuming a nominal camera with baseline "
+            "50 mm, "
+            "fx 0.7 times the width, 8 fraction bits (--baseline, --fx and --bits set them)\n");
+
+  const Outcome set = run_probe(
+      "run -f EchoFilter:on=0,count=12 in/a.png -o results --frame-set --bits 12 --pixel-type disparity "
+      "--value-scale 0.25 --baseline 75 --fx 400");
+  EXPECT_EQ(set.status, 0) << set.err;
+  EXPECT_MENTIONS(set.out, "configured: 12 0.5 0\n");
+  EXPECT_MENTIONS(set.out,
+                  "frame 1: set 1, first pixel 11, bits 12, type 2, scale 0.25, baseline 75, fx 400\n");
+  EXPECT_EQ(set.err,
+            "zvfilter: warning: EchoFilter: count=12 is outside the schema's 0 to 10; "
+            "the filter takes 0 to 10 and will refuse it\n");
+}
+
+TEST_F(Program, TakesOutputsOfAnotherSize) {
+  put("in/a.png", kHoles);
+  const Outcome outcome = run_probe("run -f CroppingFilter in -o results --preview --baseline 50 --fx 1");
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(get("results/a.png"), (Image{3, 1, {5, 6, 7}}));
+  EXPECT_MENTIONS(outcome.out, "CroppingFilter       1             6            3        -");
+}
+
+TEST_F(Program, ReportsFilterErrorsWithAllTheirTexts) {
+  put("in/a.png", kHoles);
+  const std::string rest = " in/a.png -o results --baseline 50 --fx 1";
+  expect_refused(
+      run_probe("run -f FailingFilter" + rest), 1,
+      "in/a.png: FailingFilter failed: \"out of order\" (function filter_process, args a frame, "
+      "exception type 7)");
+  expect_refused(run_probe("run -f SilentFilter" + rest), 1,
+                 "SilentFilter gave neither a frame nor an error");
+  expect_refused(run_probe("run -f MissingFilter" + rest), 1,
+                 "the filter MissingFilter is not available");
+
+  const Outcome refused = run("run -f HoleFillingFilter:hole_filling_mode=7" + rest);
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_MENTIONS(refused.err, "zvfilter: warning: HoleFillingFilter: hole_filling_mode=7 is outside");
+  EXPECT_MENTIONS(
+      refused.err,
+      "\nzvfilter: HoleFillingFilter refuses its configuration: \"invalid hole filling mode params\" "
+      "(function update_filter_config, args argv, exception type 4)\n");
+  EXPECT_FALSE(fs::exists(folder_ / "results"));
+}
+
+TEST_F(Program, RefusesPluginsThatAreNone) {
+  put("broken.so", Bytes{'x'});
+  expect_refused(run("list --plugin nowhere.so"), 1, "nowhere.so does not load: ");
+  expect_refused(run("list --plugin broken.so"), 1, "broken.so does not load: ");
+  expect_refused(run("list --plugin '" ZVFILTER_INCOMPLETE_PLUGIN "'"), 1,
+                 "lacks the function zv_create_filter");
+}
+
+TEST_F(Program, RefusesWrongUsage) {
+  put("in/a.png", kHoles);
+  put("in/a.pgm", kHoles);
+  put("in/a.raw", kHoles);
+  const std::map<std::string, std::string> cases = {
+      {"", "subcommand is required"},
+      {"rnu", "unknown command rnu; did you mean run?"},
+      {"schema HoleFilingFilter", "unknown filter HoleFilingFilter; did you mean HoleFillingFilter?"},
+      {"run in/a.png -o results", "--filter is required"},
+      {"run -f HoleFillingFilter -o results", "INPUT is required"},
+      {"run -f HoleFillingFilter:hole_filling_mod=1 in/a.png -o results",
+       "did you mean hole_filling_mode?"},
+      {"run -f HoleFillingFilter:hole_filling_mode=top in/a.png -o results",
+       "hole_filling_mode=top is not a whole"},
+      {"run -f HoleFillingFilter in/a.png -o results --format jpg",
+       "--format jpg: expected png, pgm, npy or raw"},
+      {"run -f HoleFillingFilter in/a.png -o results --bits 17", "--bits 17: expected 1 to 16"},
+      {"run -f HoleFillingFilter in/a.png -o results --baseline -1",
+       "--baseline -1: expected a number above 0"},
+      {"run -f HoleFillingFilter in/a.png -o results --pixel-type x", "--pixel-type x: expected depth"},
+      {"run -f HoleFillingFilter in/a.raw -o results --size 3", "--size 3: expected WIDTHxHEIGHT"},
+      {"run -f HoleFillingFilter in/a.raw -o results", "in/a.raw: a raw file does not say its size"},
+      {"run -f HoleFillingFilter err.txt -o results", "err.txt: is of no known format"},
+      {"run -f HoleFillingFilter in/a.png in/a.pgm -o results --format npy",
+       "in/a.pgm and in/a.png would both be written to results/a.npy"},
+      {"run -f HoleFillingFilter in/a.png in/../in/a.png -o results", "would both be written"},
+      {"run -f HoleFillingFilter in/a.png -o in/../in", "would replace the input in/a.png"},
+  };
+  for (const auto& [arguments, part] : cases) {
+    SCOPED_TRACE(arguments);
+    expect_refused(run(arguments), 2, part);
+  }
+  EXPECT_EQ(get("in/a.png"), kHoles);
+}
+
+TEST_F(Program, RefusesBadInputsAndLeavesNothingBehind) {
+  Bytes truncated = encode_png(kHoles);
+  truncated.resize(truncated.size() - 15);
+  put("cut.png", truncated);
+  put("colour.png", encode_png(ColorImage{1, 1, {1, 2, 3}}));
+  put("other.raw", Image{2, 2, {1, 2, 3, 4}});
+  fs::create_directory(folder_ / "empty");
+  const std::map<std::string, std::string> cases = {
+      {"missing.png", "missing.png: no such file or folder"},
+      {"empty", "empty: holds no image"},
+      {"cut.png", "cut.png: is damaged or truncated"},
+      {"colour.png", "colour.png: is 8-bit colour; expected a 16-bit grayscale PNG file"},
+      {"other.raw --size 3x3", "other.raw: is truncated: 8 bytes of pixels, expected 18 for 3x3"},
+  };
+  for (const auto& [input, part] : cases) {
+    SCOPED_TRACE(input);
+    expect_refused(run("run -f HoleFillingFilter -o results " + input), 1, part);
+  }
+}
+
+TEST_F(Program, KeepsWholeResultsAndNoOthersWhenAnInputOrTheFolderFails) {
+  put("in/a.raw", kHoles);
+  put("in/b.raw", Image{2, 2, {1, 2, 3, 4}});
+  EXPECT_EQ(run("run -f HoleFillingFilter in -o results --size 3x3").status, 1);
+  EXPECT_EQ(listing("results"), Names{"a.raw"});
+
+  fs::create_directories(folder_ / "taken/a.raw/x");  // a folder in the way of the result
+  const Outcome outcome = run("run -f HoleFillingFilter in/a.raw -o taken --size 3x3");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_MENTIONS(outcome.err, "zvfilter: taken/a.raw: cannot be written: ");
+  EXPECT_EQ(listing("taken"), Names{"a.raw"});
+  EXPECT_MENTIONS(run("run -f HoleFillingFilter in/a.raw -o out.txt --size 3x3").err,
+                  "zvfilter: out.txt: cannot be made: ");
+}
+
+}  // namespace
+}  // namespace zvfilter

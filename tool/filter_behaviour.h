@@ -1,0 +1,27 @@
+#ifndef ZVFILTER_FILTER_BEHAVIOUR_H
+#define ZVFILTER_FILTER_BEHAVIOUR_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "framework/schema.h"
+
+namespace zvfilter {
+
+/// Whether the filter has no parameters and takes any configuration without a word.
+bool ignores_configuration(std::string_view filter);
+
+/// Whether the filter reads the stereo geometry from a frame of this pixel type.
+bool uses_geometry(std::string_view filter, int pixel_type);
+
+/// What a new filter will do with values that lie outside its schema, or that it treats otherwise than
+/// its schema says: one line each, without the program's name. Empty when it simply takes them.
+/// @param values one for each of the schema's parameters, of the right syntax
+std::vector<std::string> configuration_warnings(
+    std::string_view filter, const std::vector<filterprocessor::SchemaParameter>& schema,
+    const std::vector<std::string>& values);
+
+}  // namespace zvfilter
+
+#endif

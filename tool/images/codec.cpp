@@ -1,0 +1,68 @@
+#include "images/codec.h"
+
+#include <algorithm>
+
+namespace zvfilter {
+
+Image make_image(std::uint64_t width, std::uint64_t height) {
+  constexpr std::uint64_t most = std::uint64_t{1} << 28;
+  if (width == 0 || height == 0) throw BadImage(concat("has no pixels (", width, "x", height, ")"));
+  if (width > most || height > most || width * height > most) {
+    throw BadImage(concat("claims ", width, "x", height, " pixels; at most ", most, " are read"));
+  }
+  Image image{static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), {}};
+  image.pixels.resize(static_cast<std::size_t>(width * height));
+  return image;
+}
+
+const std::vector<Codec>& codecs() {
+  static const std::vector<Codec> all = {
+      {"png", {".png"}, false, decode_png, encode_png},
+      {"pgm", {".pgm"}, false, decode_pgm, encode_pgm},
+      {"npy", {".npy"}, false, decode_npy, encode_npy},
+      {"raw", {".raw", ".bin"}, true, decode_raw, encode_raw},
+  };
+  return all;
+}
+
+const Codec* codec_named(std::string_view name) {
+  for (const Codec& codec : codecs()) {
+    if (codec.name == name) return &codec;
+  }
+  return nullptr;
+}
+
+const Codec* codec_of_extension(std::string_view extension) {
+  const std::string wanted = lower_case(extension);
+  for (const Codec& codec : codecs()) {
+    if (std::find(codec.extensions.begin(), codec.extensions.end(), wanted) != codec.extensions.end()) {
+      return &codec;
+    }
+  }
+  return nullptr;
+}
+
+void read_samples(ByteView bytes, ByteOrder order, Image& image) {
+  const std::size_t expected = 2 * image.pixels.size();
+  if (bytes.size() != expected) {
+    throw BadImage(concat(bytes.size() < expected ? "is truncated: " : "is too long: ", bytes.size(),
+                          " bytes of pixels, expected ", expected, " for ", image.width, "x",
+                          image.height));
+  }
+  const std::size_t low = order == ByteOrder::little ? 0 : 1;
+  for (std::size_t i = 0; i < image.pixels.size(); ++i) {
+    image.pixels[i] = static_cast<std::uint16_t>(bytes[2 * i + low] | bytes[2 * i + 1 - low] << 8);
+  }
+}
+
+void append_samples(const Image& image, ByteOrder order, Bytes& bytes) {
+  bytes.reserve(bytes.size() + 2 * image.pixels.size());
+  for (const std::uint16_t pixel : image.pixels) {
+    const auto low = static_cast<unsigned char>(pixel & 0xFF);
+    const auto high = static_cast<unsigned char>(pixel >> 8);
+    bytes.push_back(order == ByteOrder::little ? low : high);
+    bytes.push_back(order == ByteOrder::little ? high : low);
+  }
+}
+
+}  // namespace zvfilter

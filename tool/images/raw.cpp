@@ -1,0 +1,18 @@
+// Raw files: little-endian samples and nothing else.
+#include "images/codec.h"
+
+namespace zvfilter {
+
+Image decode_raw(ByteView file, const Size& size) {
+  Image image = make_image(size.width, size.height);
+  read_samples(file, ByteOrder::little, image);
+  return image;
+}
+
+Bytes encode_raw(const Image& image) {
+  Bytes file;
+  append_samples(image, ByteOrder::little, file);
+  return file;
+}
+
+}  // namespace zvfilter

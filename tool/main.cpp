@@ -1,0 +1,104 @@
+#include <exception>
+#include <iostream>
+#include <new>
+
+#include <CLI/CLI.hpp>
+
+#include "commands.h"
+#include "failure.h"
+#include "suggestions.h"
+
+namespace {
+
+using zvfilter::Failure;
+
+struct Arguments {
+  std::optional<std::string> plugin;
+  bool json = false;
+  std::string filter;
+  zvfilter::RunOptions run;
+};
+
+void describe_run(CLI::App& command, zvfilter::RunOptions& run) {
+  command
+      .add_option(
+          "-f,--filter", run.filters,
+          "NAME[:key=value,...], the next filter of the chain. Without a colon it is left as it is made; "
+          "with one, parameters not named get their schema default")
+      ->required()
+      ->allow_extra_args(false)
+      ->type_name("FILTER");
+  command
+      .add_option("INPUT", run.inputs,
+                  "Images (.png, .pgm, .npy, .raw, .bin) or folders of them, in name order")
+      ->required()
+      ->type_name("");
+  command.add_option("-o,--output", run.output, "Folder for the results")->required()->type_name("DIR");
+  command
+      .add_option("--format", run.format, "Format of the results: png, pgm, npy, raw; else the input's")
+      ->type_name("FORMAT");
+  command.add_flag("--preview", run.preview, "Also write a colour picture of before and after");
+  command.add_option("--size", run.size, "Size of raw files")->type_name("WxH");
+  command.add_option("--value-scale", run.value_scale, "Millimetres a unit, 1 by default")
+      ->type_name("NUMBER");
+  command.add_option("--bits", run.bits, "Bits of a pixel, 16 by default")->type_name("N");
+  command
+      .add_option("--pixel-type", run.pixel_type,
+                  "depth (default), disparity, linear or the host's number")
+      ->type_name("TYPE");
+  command.add_flag("--frame-set", run.frame_set, "Hand the frames over in frame sets");
+  command.add_option("--baseline", run.baseline, "Distance of the two viewpoints in millimetres")
+      ->type_name("NUMBER");
+  command.add_option("--fx", run.fx, "Focal length in pixels")->type_name("NUMBER");
+}
+
+int run_program(int argc, char** argv) {
+  CLI::App app("Lists the filters of the plug-in and runs chains of them on depth images.", "zvfilter");
+  Arguments arguments;
+  app.set_version_flag("--version", "zvfilter " ZVFILTER_VERSION);
+  app.add_option("--plugin", arguments.plugin, "The plug-in to load instead of the program's own")
+      ->type_name("PATH");
+  app.require_subcommand(1);
+  app.fallthrough();
+  CLI::App* list = app.add_subcommand("list", "List the filters and their parameters");
+  list->add_flag("--json", arguments.json, "As JSON");
+  CLI::App* schema = app.add_subcommand("schema", "Print a filter's configuration schema as it is");
+  schema->add_option("NAME", arguments.filter, "The filter")->required()->type_name("");
+  CLI::App* run = app.add_subcommand("run", "Run a chain of filters on a sequence of images");
+  describe_run(*run, arguments.run);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& wanted) {
+    return app.exit(wanted);
+  } catch (const CLI::ParseError& problem) {
+    if (app.get_subcommands().empty() && !app.remaining().empty()) {
+      const std::string unknown = app.remaining().front();
+      zvfilter::fail_usage((unknown.starts_with('-') ? "unknown option " : "unknown command ") + unknown +
+                           "; " + zvfilter::suggest(unknown, {"list", "schema", "run"}));
+    }
+    zvfilter::fail_usage(std::string(problem.what()) + "; see zvfilter --help");
+  }
+  if (list->parsed()) zvfilter::list_command(arguments.plugin, arguments.json, std::cout);
+  if (schema->parsed()) zvfilter::schema_command(arguments.plugin, arguments.filter, std::cout);
+  if (run->parsed()) zvfilter::run_command(arguments.plugin, arguments.run, std::cout, std::cerr);
+  std::cout.flush();
+  if (!std::cout) zvfilter::fail_run("standard output cannot be written");
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run_program(argc, argv);
+  } catch (const Failure& failure) {
+    std::cerr << "zvfilter: " << failure.what() << '\n';
+    return failure.status();
+  } catch (const std::bad_alloc&) {
+    std::cerr << "zvfilter: out of memory\n";
+  } catch (const std::exception& problem) {
+    std::cerr << "zvfilter: " << problem.what() << '\n';
+  }
+  return Failure::kRun;
+}

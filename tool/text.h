@@ -1,0 +1,40 @@
+#ifndef ZVFILTER_TEXT_H
+#define ZVFILTER_TEXT_H
+
+#include <cstdint>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zvfilter {
+
+/// The parts as an output stream prints them, one after the other.
+template <typename... Parts>
+std::string concat(const Parts&... parts) {
+  std::ostringstream stream;
+  (stream << ... << parts);
+  return stream.str();
+}
+
+std::string join(const std::vector<std::string>& texts, std::string_view separator);
+std::string lower_case(std::string_view text);
+std::vector<std::string_view> split(std::string_view text, char separator);
+
+/// A whole decimal integer of 32 bits, or nothing. A sign is allowed, blanks and anything else are not.
+std::optional<std::int32_t> parse_integer(std::string_view text);
+/// A finite decimal number, or nothing.
+std::optional<double> parse_number(std::string_view text);
+
+struct Size {
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  bool operator==(const Size&) const = default;
+};
+/// "640x480": both above 0, or nothing.
+std::optional<Size> parse_size(std::string_view text);
+
+}  // namespace zvfilter
+
+#endif
