@@ -85,6 +85,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&count, pointers.data());
   if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) return 2;
 
+  filterprocessor::bench::add_disparity_rows();
   filterprocessor::bench::add_hole_filling_rows();
 
   const auto scene =

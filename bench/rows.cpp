@@ -50,12 +50,29 @@ void Row::add(const std::string& form, bool fresh, std::function<void(std::uint1
       ->Unit(benchmark::kMicrosecond);
 }
 
-Row& Row::add_levels(std::function<void(const KernelSet&, std::uint16_t*)> work) {
+namespace {
+
+template <typename Add>
+void for_each_level(const Add& add) {
   for (const Level level : compiled_levels()) {
     if (!machine_runs(level)) continue;
-    const std::string form(level == Level::scalar ? "plain" : level_name(level));
-    add(form, [work, kernels = kernel_set(level)](std::uint16_t* pixels) { work(*kernels, pixels); });
+    add(std::string(level == Level::scalar ? "plain" : level_name(level)), *kernel_set(level));
   }
+}
+
+}  // namespace
+
+Row& Row::add_levels(std::function<void(const KernelSet&, std::uint16_t*)> work) {
+  for_each_level([&](const std::string& form, const KernelSet& kernels) {
+    add(form, [work, &kernels](std::uint16_t* pixels) { work(kernels, pixels); });
+  });
+  return *this;
+}
+
+Row& Row::add_levels_reading(
+    std::function<std::function<void(const std::uint16_t*)>(const KernelSet&)> prepare) {
+  for_each_level(
+      [&](const std::string& form, const KernelSet& kernels) { add_reading(form, prepare(kernels)); });
   return *this;
 }
 

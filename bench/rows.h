@@ -33,6 +33,9 @@ class Row {
   Row& add_reading(const std::string& form, std::function<void(const std::uint16_t* pixels)> work);
   /// One form per level that the machine runs.
   Row& add_levels(std::function<void(const KernelSet& kernels, std::uint16_t* pixels)> work);
+  /// The same for work that only reads; `prepare` makes a level's work.
+  Row& add_levels_reading(
+      std::function<std::function<void(const std::uint16_t* pixels)>(const KernelSet& kernels)> prepare);
   const Image& image() const { return *image_; }
 
  private:
@@ -43,6 +46,7 @@ class Row {
 };
 
 /// Each registers the rows of one kernel family.
+void add_disparity_rows();
 void add_hole_filling_rows();
 
 }  // namespace filterprocessor::bench

@@ -10,7 +10,8 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/filterprocessor DESTINATION ${CM
 # The filter classes, for C++ callers that link the library directly.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/filters ${PROJECT_SOURCE_DIR}/src/framework
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/filterprocessor/classes
-        FILES_MATCHING PATTERN "*_filter.h" PATTERN "*_transform.h" PATTERN "depth_resize.h" PATTERN "priv_filter.h")
+        FILES_MATCHING PATTERN "*_filter.h" PATTERN "*_transform.h" PATTERN "depth_resize.h" PATTERN "priv_filter.h"
+        PATTERN "host_handles.h")
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/FilterProcessor)
 install(EXPORT FilterProcessor NAMESPACE FilterProcessor:: FILE FilterProcessorTargets.cmake

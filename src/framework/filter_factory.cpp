@@ -1,6 +1,9 @@
 #include "framework/filter_factory.h"
 
+#include "filters/disparity_transform.h"
+#include "filters/hardware_d2d_correction_filter.h"
 #include "filters/hole_filling_filter.h"
+#include "filters/open_ni_disparity_transform.h"
 
 namespace filterprocessor {
 
@@ -19,11 +22,15 @@ std::shared_ptr<FilterFactory> FilterFactory::instance_;
 std::mutex FilterFactory::instanceMutex_;
 
 FilterFactory::FilterFactory()
-    : entries_{{"DisparityTransform", not_yet},      {"HoleFillingFilter", create<HoleFillingFilter>},
-               {"NoiseRemovalFilter", not_yet},      {"SpatialAdvancedFilter", not_yet},
-               {"TemporalFilter", not_yet},          {"DepthResize", not_yet},
-               {"EdgeNoiseRemovalFilter", not_yet},  {"HardwareD2DCorrectionFilter", not_yet},
-               {"OpenNIDisparityTransform", not_yet}} {}
+    : entries_{{"DisparityTransform", create<DisparityTransform>},
+               {"HoleFillingFilter", create<HoleFillingFilter>},
+               {"NoiseRemovalFilter", not_yet},
+               {"SpatialAdvancedFilter", not_yet},
+               {"TemporalFilter", not_yet},
+               {"DepthResize", not_yet},
+               {"EdgeNoiseRemovalFilter", not_yet},
+               {"HardwareD2DCorrectionFilter", create<HardwareD2DCorrectionFilter>},
+               {"OpenNIDisparityTransform", create<OpenNIDisparityTransform>}} {}
 
 std::shared_ptr<FilterFactory> FilterFactory::getInstance() {
   const std::lock_guard lock(instanceMutex_);

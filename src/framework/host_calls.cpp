@@ -27,6 +27,14 @@ ProfileHandle HostCalls::create_like(const zv_stream_profile_t* other) const {
   return profile;
 }
 
+void HostCalls::set_size_and_attach(ProfileHandle profile, std::uint32_t width, std::uint32_t height,
+                                    zv_frame_t* frame) const {
+  call(zv_video_stream_profile_set_width, profile.get(), width);
+  call(zv_video_stream_profile_set_height, profile.get(), height);
+  call(zv_frame_set_stream_profile, frame, static_cast<const zv_stream_profile_t*>(profile.get()));
+  release(std::move(profile));
+}
+
 std::uint16_t* HostCalls::pixels(const zv_frame_t* frame, std::uint64_t width,
                                  std::uint64_t height) const {
   void* data = call(zv_frame_get_data, frame);
@@ -36,6 +44,12 @@ std::uint16_t* HostCalls::pixels(const zv_frame_t* frame, std::uint64_t width,
     fail("invalid params", "filter_process", "frame");
   }
   return static_cast<std::uint16_t*>(data);
+}
+
+std::uint16_t* HostCalls::described_pixels(const zv_frame_t* frame) const {
+  const std::uint32_t width = call(zv_video_frame_get_width, frame);
+  const std::uint32_t height = call(zv_video_frame_get_height, frame);
+  return pixels(frame, width, height);
 }
 
 void HostCalls::fail(const char* message, const char* function, const char* arguments,

@@ -58,9 +58,17 @@ class HostCalls {
   void release(FrameHandle frame) const { call(zv_delete_frame, frame.release()); }
   void release(ProfileHandle profile) const { call(zv_delete_stream_profile, profile.release()); }
 
+  /// Gives the profile, which nobody else holds yet, a size, attaches it to the frame and gives the
+  /// reference back.
+  void set_size_and_attach(ProfileHandle profile, std::uint32_t width, std::uint32_t height,
+                           zv_frame_t* frame) const;
+
   /// The frame's samples. Ends the operation with "invalid params" unless there are `width` x `height` of
   /// them.
   std::uint16_t* pixels(const zv_frame_t* frame, std::uint64_t width, std::uint64_t height) const;
+
+  /// The samples of a frame that describes their number itself.
+  std::uint16_t* described_pixels(const zv_frame_t* frame) const;
 
   /// Reports an error of the filter's own and ends the operation.
   [[noreturn]] void fail(const char* message, const char* function, const char* arguments,

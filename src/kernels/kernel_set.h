@@ -1,6 +1,9 @@
 #ifndef FILTERPROCESSOR_KERNELS_KERNEL_SET_H
 #define FILTERPROCESSOR_KERNELS_KERNEL_SET_H
 
+#include "kernels/correction/correction.h"
+#include "kernels/disparity/depth_lookup.h"
+#include "kernels/disparity/depth_table.h"
 #include "kernels/hole_filling/hole_filling.h"
 #include "kernels/level.h"
 
@@ -9,6 +12,9 @@ namespace filterprocessor {
 /// Every kernel at one level. The plain set defines the results; the others equal it bit for bit.
 struct KernelSet {
   Level level;
+  CorrectionKernels correction;
+  DepthTableKernels depth_table;
+  DepthLookupKernels depth_lookup;
   HoleFillingKernels hole_filling;
 };
 

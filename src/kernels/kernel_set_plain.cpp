@@ -1,9 +1,12 @@
+#include "kernels/correction/correction_plain.h"
+#include "kernels/disparity/depth_lookup_plain.h"
+#include "kernels/disparity/depth_table_plain.h"
 #include "kernels/hole_filling/hole_filling_plain.h"
 #include "kernels/kernel_set.h"
 
 namespace filterprocessor::plain {
 
 extern const KernelSet kernels;
-const KernelSet kernels = {Level::scalar, hole_filling};
+const KernelSet kernels = {Level::scalar, correction, depth_table, depth_lookup, hole_filling};
 
 }  // namespace filterprocessor::plain

@@ -13,5 +13,6 @@ PKG_CONFIG_PATH=$pc cc -std=c11 -Wl,--unresolved-symbols=ignore-in-shared-libs "
   $(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs filterprocessor) -Wl,-rpath,"$(dirname "$pc")"
 "$work/consumer"
 # The filter classes serve C++ callers.
-printf '#include "filters/hole_filling_filter.h"\n' |
-  c++ -std=c++20 -fsyntax-only -x c++ -I"$work/prefix/include" -I"$work/prefix/include/filterprocessor/classes" -
+classes=$work/prefix/include/filterprocessor/classes
+(cd "$classes" && ls filters/*.h) | sed 's/.*/#include "&"/' |
+  c++ -std=c++20 -fsyntax-only -x c++ -I"$work/prefix/include" -I"$classes" -

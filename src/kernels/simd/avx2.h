@@ -102,6 +102,97 @@ inline U16 complement_nonzero(U16 a) {
   return {_mm256_andnot_si256(_mm256_or_si256(a.v, a.is_zero().v), _mm256_set1_epi16(-1))};
 }
 
+inline U16 operator|(U16 a, U16 b) { return {_mm256_or_si256(a.v, b.v)}; }
+inline U16 operator-(U16 a, U16 b) { return {_mm256_sub_epi16(a.v, b.v)}; }
+inline Mask16 operator==(U16 a, U16 b) { return {_mm256_cmpeq_epi16(a.v, b.v)}; }
+/// The flags of a that b lacks.
+inline Mask16 without(Mask16 a, Mask16 b) { return {_mm256_andnot_si256(b.v, a.v)}; }
+/// a <= b, unsigned.
+inline Mask16 at_most(U16 a, U16 b) { return {_mm256_cmpeq_epi16(_mm256_min_epu16(a.v, b.v), a.v)}; }
+/// a where flagged, 0 elsewhere.
+inline U16 keep(Mask16 mask, U16 a) { return {_mm256_and_si256(mask.v, a.v)}; }
+
+template <int N>
+U16 shifted_left(U16 a) {
+  return {_mm256_slli_epi16(a.v, N)};
+}
+template <int N>
+U16 shifted_right(U16 a) {
+  return {_mm256_srli_epi16(a.v, N)};
+}
+/// The low 14 bits of each lane as a two's-complement number.
+inline U16 sign_extended_14(U16 a) { return {_mm256_srai_epi16(_mm256_slli_epi16(a.v, 2), 2)}; }
+
+/// trunc(numerator / (k + offset)) in 32-bit float.
+/// kWholeOffset: the offset is one that takes() accepts, and the sum costs an operation less.
+template <bool kWholeOffset>
+class QuotientOf {
+ public:
+  static constexpr float kBias = 8388608;
+
+  static bool takes(float offset) { return (offset - kBias) + kBias == offset; }
+
+  QuotientOf(float numerator, float offset)
+      : numerator_(_mm256_set1_ps(numerator)),
+        offset_(_mm256_set1_ps(kWholeOffset ? offset - kBias : offset)) {}
+
+  /// The quotients of the flagged lanes, which must lie between 0 and 65535; 0 elsewhere.
+  U16 operator()(U16 k, Mask16 mask) const {
+    // Unpacking beside the upper half of the bias makes the integer the low bits of a float.
+    const __m256i upper = _mm256_set1_epi16(0x4b00);
+    const __m256i low = divide(_mm256_unpacklo_epi16(k.v, upper));
+    const __m256i high = divide(_mm256_unpackhi_epi16(k.v, upper));
+    return keep(mask, {_mm256_packus_epi32(low, high)});
+  }
+
+ private:
+  __m256i divide(__m256i biased) const {
+    __m256 divisor = _mm256_castsi256_ps(biased);
+    if constexpr (!kWholeOffset) divisor = _mm256_sub_ps(divisor, _mm256_set1_ps(kBias));
+    return _mm256_cvttps_epi32(_mm256_div_ps(numerator_, _mm256_add_ps(divisor, offset_)));
+  }
+
+  __m256 numerator_;
+  __m256 offset_;
+};
+
+struct Mask64 {
+  __m256d v;
+
+  friend Mask64 operator&(Mask64 a, Mask64 b) { return {_mm256_and_pd(a.v, b.v)}; }
+};
+/// The flags of a that b lacks.
+inline Mask64 without(Mask64 a, Mask64 b) { return {_mm256_andnot_pd(b.v, a.v)}; }
+
+struct F64 {
+  static constexpr std::size_t lanes = 4;
+
+  __m256d v;
+
+  static F64 splat(double value) { return {_mm256_set1_pd(value)}; }
+  /// start, start + 1, ...
+  static F64 counting_from(double start) {
+    return {_mm256_add_pd(_mm256_set1_pd(start), _mm256_setr_pd(0, 1, 2, 3))};
+  }
+  /// Writes the flagged lanes (0 to below 65536) truncated, and 0 for the others.
+  void store_truncated(Mask64 mask, std::uint16_t* to) const {
+    const __m128i whole = _mm256_cvttpd_epi32(_mm256_and_pd(mask.v, v));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(whole, whole));
+  }
+};
+
+inline F64 operator+(F64 a, F64 b) { return {_mm256_add_pd(a.v, b.v)}; }
+inline F64 operator-(F64 a, F64 b) { return {_mm256_sub_pd(a.v, b.v)}; }
+inline F64 operator*(F64 a, F64 b) { return {_mm256_mul_pd(a.v, b.v)}; }
+inline F64 operator/(F64 a, F64 b) { return {_mm256_div_pd(a.v, b.v)}; }
+/// a x b + c, rounded once.
+inline F64 fused_multiply_add(F64 a, F64 b, F64 c) { return {_mm256_fmadd_pd(a.v, b.v, c.v)}; }
+inline F64 abs(F64 a) { return {_mm256_andnot_pd(_mm256_set1_pd(-0.0), a.v)}; }
+inline Mask64 operator<(F64 a, F64 b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_LT_OQ)}; }
+inline Mask64 operator>(F64 a, F64 b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_GT_OQ)}; }
+inline Mask64 operator<=(F64 a, F64 b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_LE_OQ)}; }
+inline Mask64 operator>=(F64 a, F64 b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_GE_OQ)}; }
+
 }  // namespace filterprocessor::avx2
 
 #endif

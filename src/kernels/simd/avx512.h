@@ -88,6 +88,104 @@ inline U16 complement_nonzero(U16 a) {
   return {_mm512_maskz_sub_epi16(_mm512_test_epi16_mask(a.v, a.v), _mm512_set1_epi16(-1), a.v)};
 }
 
+inline U16 operator|(U16 a, U16 b) { return {_mm512_or_si512(a.v, b.v)}; }
+inline U16 operator-(U16 a, U16 b) { return {_mm512_sub_epi16(a.v, b.v)}; }
+inline Mask16 operator==(U16 a, U16 b) { return {_mm512_cmpeq_epi16_mask(a.v, b.v)}; }
+/// The flags of a that b lacks.
+inline Mask16 without(Mask16 a, Mask16 b) { return {a.bits & ~b.bits}; }
+/// a <= b, unsigned.
+inline Mask16 at_most(U16 a, U16 b) { return {_mm512_cmple_epu16_mask(a.v, b.v)}; }
+/// a where flagged, 0 elsewhere.
+inline U16 keep(Mask16 mask, U16 a) { return {_mm512_maskz_mov_epi16(mask.bits, a.v)}; }
+
+template <int N>
+U16 shifted_left(U16 a) {
+  return {_mm512_slli_epi16(a.v, N)};
+}
+template <int N>
+U16 shifted_right(U16 a) {
+  return {_mm512_srli_epi16(a.v, N)};
+}
+/// The low 14 bits of each lane as a two's-complement number.
+inline U16 sign_extended_14(U16 a) { return {_mm512_srai_epi16(_mm512_slli_epi16(a.v, 2), 2)}; }
+
+/// trunc(numerator / (k + offset)) in 32-bit float, to within the last bits of the quotient.
+/// kWholeOffset: the offset is one that takes() accepts, and the sum costs an operation less.
+template <bool kWholeOffset>
+class QuotientOf {
+ public:
+  static constexpr float kBias = 8388608;
+
+  static bool takes(float offset) { return (offset - kBias) + kBias == offset; }
+
+  QuotientOf(float numerator, float offset)
+      : numerator_(_mm512_set1_ps(numerator)),
+        offset_(_mm512_set1_ps(kWholeOffset ? offset - kBias : offset)) {}
+
+  /// The quotients of the flagged lanes, which must lie between 0 and 65535; 0 elsewhere.
+  U16 operator()(U16 k, Mask16 mask) const {
+    // Even and odd lanes become floats by the bias that makes an integer the low bits of a float.
+    const __m512i bias = _mm512_castps_si512(_mm512_set1_ps(kBias));
+    const __m512i even = divide(_mm512_ternarylogic_epi32(k.v, _mm512_set1_epi32(0xffff), bias, 0xea));
+    const __m512i odd = divide(_mm512_shrdi_epi32(k.v, _mm512_set1_epi32(0x4b00), 16));
+    return keep(mask, {_mm512_mask_blend_epi16(0xaaaaaaaa, even, _mm512_slli_epi32(odd, 16))});
+  }
+
+ private:
+  __m512i divide(__m512i biased) const {
+    // An estimate of the reciprocal and one Newton step are as good as a rounded division and faster. The
+    // last operation adds the bias again and truncates.
+    const __m512 bias = _mm512_set1_ps(kBias);
+    __m512 divisor = _mm512_castsi512_ps(biased);
+    if constexpr (!kWholeOffset) divisor = _mm512_sub_ps(divisor, bias);
+    divisor = _mm512_add_ps(divisor, offset_);
+    const __m512 estimate = _mm512_rcp14_ps(divisor);
+    const __m512 correction = _mm512_fnmadd_ps(divisor, estimate, _mm512_set1_ps(2.0f));
+    return _mm512_castps_si512(_mm512_fmadd_round_ps(_mm512_mul_ps(estimate, numerator_), correction,
+                                                     bias, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC));
+  }
+
+  __m512 numerator_;
+  __m512 offset_;
+};
+
+struct Mask64 {
+  __mmask8 bits;
+
+  friend Mask64 operator&(Mask64 a, Mask64 b) { return {static_cast<__mmask8>(a.bits & b.bits)}; }
+};
+/// The flags of a that b lacks.
+inline Mask64 without(Mask64 a, Mask64 b) { return {static_cast<__mmask8>(a.bits & ~b.bits)}; }
+
+struct F64 {
+  static constexpr std::size_t lanes = 8;
+
+  __m512d v;
+
+  static F64 splat(double value) { return {_mm512_set1_pd(value)}; }
+  /// start, start + 1, ...
+  static F64 counting_from(double start) {
+    return {_mm512_add_pd(_mm512_set1_pd(start), _mm512_setr_pd(0, 1, 2, 3, 4, 5, 6, 7))};
+  }
+  /// Writes the flagged lanes (0 to below 65536) truncated, and 0 for the others.
+  void store_truncated(Mask64 mask, std::uint16_t* to) const {
+    const __m256i whole = _mm512_maskz_cvttpd_epi32(mask.bits, v);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_cvtepi32_epi16(whole));
+  }
+};
+
+inline F64 operator+(F64 a, F64 b) { return {_mm512_add_pd(a.v, b.v)}; }
+inline F64 operator-(F64 a, F64 b) { return {_mm512_sub_pd(a.v, b.v)}; }
+inline F64 operator*(F64 a, F64 b) { return {_mm512_mul_pd(a.v, b.v)}; }
+inline F64 operator/(F64 a, F64 b) { return {_mm512_div_pd(a.v, b.v)}; }
+/// a x b + c, rounded once.
+inline F64 fused_multiply_add(F64 a, F64 b, F64 c) { return {_mm512_fmadd_pd(a.v, b.v, c.v)}; }
+inline F64 abs(F64 a) { return {_mm512_abs_pd(a.v)}; }
+inline Mask64 operator<(F64 a, F64 b) { return {_mm512_cmp_pd_mask(a.v, b.v, _CMP_LT_OQ)}; }
+inline Mask64 operator>(F64 a, F64 b) { return {_mm512_cmp_pd_mask(a.v, b.v, _CMP_GT_OQ)}; }
+inline Mask64 operator<=(F64 a, F64 b) { return {_mm512_cmp_pd_mask(a.v, b.v, _CMP_LE_OQ)}; }
+inline Mask64 operator>=(F64 a, F64 b) { return {_mm512_cmp_pd_mask(a.v, b.v, _CMP_GE_OQ)}; }
+
 }  // namespace filterprocessor::avx512
 
 #endif

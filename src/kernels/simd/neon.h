@@ -92,6 +92,89 @@ inline U16 select(Mask16 mask, U16 yes, U16 no) { return {vbslq_u16(mask.v, yes.
 /// 65535 - a; 0 where a is 0.
 inline U16 complement_nonzero(U16 a) { return {vmvnq_u16(vorrq_u16(a.v, a.is_zero().v))}; }
 
+inline U16 operator|(U16 a, U16 b) { return {vorrq_u16(a.v, b.v)}; }
+inline U16 operator-(U16 a, U16 b) { return {vsubq_u16(a.v, b.v)}; }
+inline Mask16 operator==(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
+/// The flags of a that b lacks.
+inline Mask16 without(Mask16 a, Mask16 b) { return {vbicq_u16(a.v, b.v)}; }
+/// a <= b, unsigned.
+inline Mask16 at_most(U16 a, U16 b) { return {vcleq_u16(a.v, b.v)}; }
+/// a where flagged, 0 elsewhere.
+inline U16 keep(Mask16 mask, U16 a) { return {vandq_u16(mask.v, a.v)}; }
+
+template <int N>
+U16 shifted_left(U16 a) {
+  return {vshlq_n_u16(a.v, N)};
+}
+template <int N>
+U16 shifted_right(U16 a) {
+  return {vshrq_n_u16(a.v, N)};
+}
+/// The low 14 bits of each lane as a two's-complement number.
+inline U16 sign_extended_14(U16 a) {
+  return {vreinterpretq_u16_s16(vshrq_n_s16(vreinterpretq_s16_u16(vshlq_n_u16(a.v, 2)), 2))};
+}
+
+/// trunc(numerator / (k + offset)) in 32-bit float. An offset that takes() accepts costs no less here.
+template <bool kWholeOffset>
+class QuotientOf {
+ public:
+  static bool takes(float) { return true; }
+
+  QuotientOf(float numerator, float offset)
+      : numerator_(vdupq_n_f32(numerator)), offset_(vdupq_n_f32(offset)) {}
+
+  /// The quotients of the flagged lanes, which must lie between 0 and 65535; 0 elsewhere.
+  U16 operator()(U16 k, Mask16 mask) const {
+    return keep(mask, {vmovn_high_u32(vmovn_u32(divide(vmovl_u16(vget_low_u16(k.v)))),
+                                      divide(vmovl_high_u16(k.v)))});
+  }
+
+ private:
+  uint32x4_t divide(uint32x4_t k) const {
+    return vcvtq_u32_f32(vdivq_f32(numerator_, vaddq_f32(vcvtq_f32_u32(k), offset_)));
+  }
+
+  float32x4_t numerator_;
+  float32x4_t offset_;
+};
+
+struct Mask64 {
+  uint64x2_t v;
+
+  friend Mask64 operator&(Mask64 a, Mask64 b) { return {vandq_u64(a.v, b.v)}; }
+};
+/// The flags of a that b lacks.
+inline Mask64 without(Mask64 a, Mask64 b) { return {vbicq_u64(a.v, b.v)}; }
+
+struct F64 {
+  static constexpr std::size_t lanes = 2;
+
+  float64x2_t v;
+
+  static F64 splat(double value) { return {vdupq_n_f64(value)}; }
+  /// start, start + 1, ...
+  static F64 counting_from(double start) { return {vsetq_lane_f64(start + 1, vdupq_n_f64(start), 1)}; }
+  /// Writes the flagged lanes (0 to below 65536) truncated, and 0 for the others.
+  void store_truncated(Mask64 mask, std::uint16_t* to) const {
+    const uint64x2_t whole = vandq_u64(mask.v, vcvtq_u64_f64(v));
+    to[0] = static_cast<std::uint16_t>(vgetq_lane_u64(whole, 0));
+    to[1] = static_cast<std::uint16_t>(vgetq_lane_u64(whole, 1));
+  }
+};
+
+inline F64 operator+(F64 a, F64 b) { return {vaddq_f64(a.v, b.v)}; }
+inline F64 operator-(F64 a, F64 b) { return {vsubq_f64(a.v, b.v)}; }
+inline F64 operator*(F64 a, F64 b) { return {vmulq_f64(a.v, b.v)}; }
+inline F64 operator/(F64 a, F64 b) { return {vdivq_f64(a.v, b.v)}; }
+/// a x b + c, rounded once.
+inline F64 fused_multiply_add(F64 a, F64 b, F64 c) { return {vfmaq_f64(c.v, a.v, b.v)}; }
+inline F64 abs(F64 a) { return {vabsq_f64(a.v)}; }
+inline Mask64 operator<(F64 a, F64 b) { return {vcltq_f64(a.v, b.v)}; }
+inline Mask64 operator>(F64 a, F64 b) { return {vcgtq_f64(a.v, b.v)}; }
+inline Mask64 operator<=(F64 a, F64 b) { return {vcleq_f64(a.v, b.v)}; }
+inline Mask64 operator>=(F64 a, F64 b) { return {vcgeq_f64(a.v, b.v)}; }
+
 }  // namespace filterprocessor::neon
 
 #endif

@@ -1,0 +1,264 @@
+#include "filters/disparity_filter.h"
+
+#include <cmath>
+#include <cstring>
+#include <iostream>
+
+#include "framework/config_values.h"
+#include "framework/frame_process.h"
+#include "kernels/disparity/depth_converter.h"
+
+namespace filterprocessor {
+
+namespace {
+
+bool equal(const ZVDisparityParam& a, const ZVDisparityParam& b) {
+  return a.zpd == b.zpd && a.zpps == b.zpps && a.baseline == b.baseline && a.fx == b.fx &&
+         a.bitSize == b.bitSize && a.unit == b.unit && a.minDisparity == b.minDisparity &&
+         a.packMode == b.packMode && a.dispOffset == b.dispOffset && a.invalidDisp == b.invalidDisp &&
+         a.dispIntPlace == b.dispIntPlace && a.isDualCamera == b.isDualCamera;
+}
+
+std::uint32_t bits_for(float largest_depth) {
+  std::uint32_t bits = 8;
+  while (bits < 16 && !(largest_depth < static_cast<float>(1u << bits))) ++bits;
+  return bits;
+}
+
+}  // namespace
+
+struct DisparityFilter::TableKey {
+  ZVDisparityParam params = {};
+  std::uint32_t max_depth = 0;
+  std::uint32_t min_depth = 0;
+  float inverse_depth_unit = 0;
+  float metadata_offset = 0;
+  double scale = 0;
+  double disparity_end = 0;
+  double depth_end = 0;
+
+  bool same_bits(const TableKey& other) const {
+    const auto bits = [](const auto& a, const auto& b) { return std::memcmp(&a, &b, sizeof a) == 0; };
+    return bits(params, other.params) && max_depth == other.max_depth && min_depth == other.min_depth &&
+           bits(inverse_depth_unit, other.inverse_depth_unit) &&
+           bits(metadata_offset, other.metadata_offset) && bits(scale, other.scale) &&
+           bits(disparity_end, other.disparity_end) && bits(depth_end, other.depth_end);
+  }
+};
+
+struct DisparityFilter::KeptTable {
+  TableKey key;
+  std::shared_ptr<DepthConverter> table;
+};
+
+DisparityFilter::DisparityFilter(std::uint32_t initial_max_depth, std::uint32_t initial_min_depth)
+    : max_depth(initial_max_depth),
+      min_depth(initial_min_depth),
+      kept_(std::make_unique<std::array<KeptTable, 3>>()) {}
+
+DisparityFilter::~DisparityFilter() = default;
+
+void DisparityFilter::update_depth_limits(const ConfigValues& values) {
+  const std::int32_t max = values.integer(0);
+  const std::int32_t min = values.integer(1);
+  const auto unit = static_cast<float>(values.number(2));
+  const auto is_depth = [](std::int32_t depth) { return depth >= 1 && depth <= 65535; };
+  if (!is_depth(max) || !is_depth(min) || !(unit <= 10.0f) || !(double{unit} >= 0.001)) return;
+  const std::lock_guard lock(lock_);
+  // A change of min_depth alone is dropped.
+  if (static_cast<std::uint32_t>(max) == max_depth && unit == depth_uint) return;
+  max_depth = static_cast<std::uint32_t>(max);
+  min_depth = static_cast<std::uint32_t>(min);
+  depth_uint = unit;
+  paramsDirty = true;
+}
+
+bool DisparityFilter::check_d2d_params_changed(ZVDisparityParam params) {
+  if (equal(params, lastParams) && !paramsDirty) return false;
+  inverseDepthUnit = 1.0f / depth_uint;
+  outputBitSize = bits_for(inverseDepthUnit * static_cast<float>(max_depth));
+  lastParams = params;
+  paramsDirty = false;
+  return true;
+}
+
+void DisparityFilter::calculate_d2d_lookup_table(zv_error** error) {
+  // Codes are 16 bits, so a longer table would never be read past that.
+  lutSize =
+      static_cast<std::uint32_t>(std::ldexp(1.0, lastParams.bitSize < 16 ? lastParams.bitSize : 16));
+  d2dLut = nullptr;
+  init_lookup_table(error);
+  if (!d2dLut) d2dLut = std::make_shared<DepthConverter>(lutSize);
+}
+
+template <typename Rule>
+void DisparityFilter::use_table(const Rule& rule, const TableKey& key) {
+  for (const KeptTable& kept : *kept_) {
+    if (kept.table && kept.key.same_bits(key)) {
+      d2dLut = kept.table;
+      return;
+    }
+  }
+  d2dLut = std::make_shared<DepthConverter>(rule, lutSize);
+  (*kept_)[next_kept_] = {key, d2dLut};
+  next_kept_ = (next_kept_ + 1) % kept_->size();
+}
+
+void DisparityFilter::build_stereo_table(bool inverted, double scale, double disparity_end,
+                                         double depth_end) {
+  const float offset = metadataDispOffset;
+  const StereoRule rule = {
+      .layout = inverted ? CodeLayout::inverted : CodeLayout::linear,
+      .scale = scale,
+      .focal_baseline = lastParams.fx * double{lastParams.baseline},
+      .unit = double{lastParams.unit * inverseDepthUnit},
+      .disparity_offset = double{lastParams.dispOffset},
+      .metadata_offset = double{offset},
+      .min_disparity = double{lastParams.minDisparity},
+      .disparity_end = disparity_end,
+      .invalid_disparity = static_cast<double>(lastParams.invalidDisp),
+      .limits = {double{inverseDepthUnit * static_cast<float>(min_depth)},
+                 double{inverseDepthUnit * static_cast<float>(max_depth)}, depth_end}};
+  use_table(rule, {lastParams, max_depth, min_depth, inverseDepthUnit, offset, scale, disparity_end,
+                   depth_end});
+}
+
+bool DisparityFilter::build_mono_table() {
+  const double scale = std::ldexp(1.0, lastParams.bitSize - 8);
+  const double slope = lastParams.zpd / (lastParams.fx * double{lastParams.baseline});
+  const double numerator = lastParams.zpd * (double{lastParams.unit} * double{inverseDepthUnit});
+  CodeLayout layout = CodeLayout::linear;
+  switch (lastParams.packMode) {
+    case 1:
+      layout = CodeLayout::inverted;
+      break;
+    case 2:
+      layout = CodeLayout::signed_14_bit;
+      break;
+    case 4:
+      break;
+    default:
+      return false;
+  }
+  const MonoRule rule = {.layout = layout,
+                         .scale = scale,
+                         .numerator = numerator,
+                         .slope = slope,
+                         .disparity_offset = double{lastParams.dispOffset},
+                         .limits = {double{inverseDepthUnit * static_cast<float>(min_depth)},
+                                    double{inverseDepthUnit * static_cast<float>(max_depth)}, 65536.0}};
+  use_table(rule, {lastParams, max_depth, min_depth, inverseDepthUnit, 0.0f, scale, 0.0, 65536.0});
+  return true;
+}
+
+void DisparityFilter::update_profile_cache(const FrameProcess& host) {
+  const zv_frame_t* depth = host.depth();
+  if (!cachedProfile) {
+    cachedProfile = host.profile_of(depth);
+    cachedBitSize = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
+    return;
+  }
+  const std::uint32_t width = host.call(zv_video_frame_get_width, depth);
+  const std::uint32_t height = host.call(zv_video_frame_get_height, depth);
+  const std::int32_t format = host.call(zv_frame_get_format, depth);
+  const zv_stream_profile_t* cached = cachedProfile.get();
+  const std::uint32_t cached_width = host.call(zv_video_stream_profile_get_width, cached);
+  const std::uint32_t cached_height = host.call(zv_video_stream_profile_get_height, cached);
+  const std::int32_t cached_format = host.call(zv_stream_profile_get_format, cached);
+  const std::uint8_t bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
+  if (width == cached_width && height == cached_height && format == cached_format &&
+      bits == cachedBitSize) {
+    return;
+  }
+  host.release(std::move(cachedProfile));
+  cachedProfile = host.profile_of(depth);
+  cachedBitSize = bits;
+}
+
+zv_frame_t* DisparityFilter::filter_process(const zv_frame_t* frame, zv_error** error) {
+  return process_frame(frame, error, [this](const FrameProcess& host) {
+    const zv_frame_t* depth = host.depth();
+    host.call(zv_frame_get_format, depth);
+    if (host.call(zv_video_frame_get_pixel_type, depth) != ZV_PIXEL_TYPE_DISPARITY)
+      return host.deliver_copy();
+    update_profile_cache(host);
+    const ZVDisparityParam params =
+        host.call(zv_disparity_based_stream_profile_get_disparity_param,
+                  static_cast<const zv_stream_profile_t*>(cachedProfile.get()));
+    constexpr std::int32_t kItem = ZV_METADATA_DISPARITY_CORRECTION;
+    metadataDispOffset = host.call(zv_frame_has_metadata, depth, kItem)
+                             ? static_cast<float>(host.call(zv_frame_get_metadata_value, depth, kItem))
+                             : 0.0f;
+
+    const std::lock_guard lock(lock_);
+    // A reset drops the table and leaves the parameters, so a missing table is rebuilt without a change.
+    if (check_d2d_params_changed(params) || !d2dLut) {
+      calculate_d2d_lookup_table(host.slot());
+      host.test();
+    }
+    return convert(host);
+  });
+}
+
+zv_frame_t* DisparityFilter::convert_at_same_size(const FrameProcess& host, bool packed_format) {
+  const zv_frame_t* depth = host.depth();
+  const std::uint32_t count = host.call(zv_frame_get_data_size, depth) / 2;
+  const std::uint8_t bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
+  FrameHandle output = host.create_like(depth, false);
+  host.call(zv_video_frame_set_pixel_type, output.get(), std::int32_t{ZV_PIXEL_TYPE_DEPTH});
+  const std::uint16_t* source = host.described_pixels(depth);
+  std::uint16_t* target = host.pixels(output.get(), count, 1);
+  match_bit_size(host, bits);
+  if (packed_format && host.call(zv_frame_get_format, depth) == ZV_FORMAT_PACKED_CODE) {
+    d2dLut->convert_packed(source, target, count);
+  } else {
+    d2dLut->convert(source, target, count);
+  }
+  set_depth_attributes(host, output.get());
+  return host.deliver(std::move(output));
+}
+
+void DisparityFilter::match_bit_size(const FrameProcess& host, std::uint8_t available_bits) {
+  if (available_bits == lastParams.bitSize) return;
+  lastParams.bitSize = available_bits;
+  calculate_d2d_lookup_table(host.slot());
+  host.test();
+}
+
+void DisparityFilter::clear_first_entry() {
+  if (d2dLut->entries()[0] == 0) return;
+  d2dLut = std::make_shared<DepthConverter>(*d2dLut);
+  d2dLut->clear_first_entry();
+}
+
+void DisparityFilter::set_depth_attributes(const FrameProcess& host, zv_frame_t* output) const {
+  host.call(zv_video_frame_set_pixel_available_bit_size, output,
+            static_cast<std::uint8_t>(outputBitSize));
+  host.call(zv_depth_frame_set_value_scale, output, 1.0f / inverseDepthUnit);
+}
+
+void DisparityFilter::reset_filter(zv_error**) {
+  const std::lock_guard lock(lock_);
+  d2dLut = nullptr;
+}
+
+void DisparityFilter::print_key_params() {
+  // The three single bytes go out as raw characters: readers of this print know them so.
+  const ZVDisparityParam& p = lastParams;
+  const auto raw = [](std::uint8_t byte) { return static_cast<char>(byte); };
+  std::cout << "d2dParameters: \n"
+            << "baseline:      " << float{p.baseline} << '\n'
+            << "bitSize:       " << raw(p.bitSize) << '\n'
+            << "dispIntPlace:  " << std::int32_t{p.dispIntPlace} << '\n'
+            << "dispOffset:    " << float{p.dispOffset} << '\n'
+            << "fx:            " << double{p.fx} << '\n'
+            << "invalidDisp:   " << std::int32_t{p.invalidDisp} << '\n'
+            << "isDualCamera:  " << raw(p.isDualCamera) << '\n'
+            << "minDisparity:  " << float{p.minDisparity} << '\n'
+            << "packMode:      " << raw(p.packMode) << '\n'
+            << "unit:          " << float{p.unit} << '\n'
+            << "zpd:           " << double{p.zpd} << '\n'
+            << "zpps:          " << double{p.zpps} << std::endl;
+}
+
+}  // namespace filterprocessor

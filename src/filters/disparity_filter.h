@@ -1,0 +1,96 @@
+#ifndef FILTERPROCESSOR_FILTERS_DISPARITY_FILTER_H
+#define FILTERPROCESSOR_FILTERS_DISPARITY_FILTER_H
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+#include "framework/host_handles.h"
+#include "framework/priv_filter.h"
+
+namespace filterprocessor {
+
+class ConfigValues;
+class DepthConverter;
+class FrameProcess;
+
+/// What the two filters that turn disparity into depth share: the conversion state, the decision when the
+/// table is rebuilt, the profile cache and the three parameters that both have. The table follows the
+/// parameters of the cached profile, the frame's disparity correction and the configuration.
+class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
+ public:
+  zv_frame_t* filter_process(const zv_frame_t* frame, zv_error** error) final;
+  /// Drops the table only.
+  void reset_filter(zv_error** error) final;
+  void print_key_params() final;
+
+ protected:
+  DisparityFilter(std::uint32_t initial_max_depth, std::uint32_t initial_min_depth);
+  ~DisparityFilter();
+
+  /// True when a rebuild is due; `params` is then stored and what follows from the limits recomputed.
+  bool check_d2d_params_changed(ZVDisparityParam params);
+  /// Rebuilds the table from the stored parameters. A rule's error is stored in `*error`, which must not
+  /// be null; the table is then all zero.
+  void calculate_d2d_lookup_table(zv_error** error);
+
+  /// Converts the depth frame to what the caller gets. Called with the lock held.
+  virtual zv_frame_t* convert(const FrameProcess& host) = 0;
+  /// Fills a table of `lutSize` entries by the filter's rule and makes it the current one.
+  virtual void init_lookup_table(zv_error** error) = 0;
+
+  /// Takes max_depth, min_depth and depth_uint from the first three values, or silently ignores them.
+  void update_depth_limits(const ConfigValues& values);
+
+  /// The stereo rule with the stored parameters, for a layout and a first depth without a place.
+  void build_stereo_table(bool inverted, double scale, double disparity_end, double depth_end);
+  /// The mono rule with the stored parameters; false for an unknown pack mode.
+  bool build_mono_table();
+
+  /// Converts every pixel. With `packed_format`, frames of that format keep their low 4 bits.
+  zv_frame_t* convert_at_same_size(const FrameProcess& host, bool packed_format);
+  /// Rebuilds the table for the frame's available bit size if the stored one differs.
+  void match_bit_size(const FrameProcess& host, std::uint8_t available_bits);
+  /// The current table, if there is one; there is inside convert().
+  const DepthConverter* d2d_lut() const { return d2dLut.get(); }
+  /// Makes code 0 stand for depth 0 until the next rebuild. Kept tables stay as they are.
+  void clear_first_entry();
+  /// Describes a converted frame: bit size and value scale.
+  void set_depth_attributes(const FrameProcess& host, zv_frame_t* output) const;
+
+  const ZVDisparityParam& last_params() const { return lastParams; }
+  const zv_stream_profile_t* cached_profile() const { return cachedProfile.get(); }
+
+ private:
+  /// Everything that enters a table, compared bit by bit.
+  struct TableKey;
+  struct KeptTable;
+
+  void update_profile_cache(const FrameProcess& host);
+  template <typename Rule>
+  void use_table(const Rule& rule, const TableKey& key);
+
+  std::recursive_mutex lock_;  // guards what follows down to lastParams
+  std::uint32_t max_depth;
+  std::uint32_t min_depth;
+  float depth_uint = 1.0f;
+  float inverseDepthUnit = 1.0f;
+  bool paramsDirty = false;
+  std::uint32_t outputBitSize = 0;
+  std::uint32_t lutSize = 0;
+  std::shared_ptr<DepthConverter> d2dLut;
+  ZVDisparityParam lastParams = {};
+
+  // A frame whose bit size differs from its profile's rebuilds twice, so the last few tables are kept.
+  std::unique_ptr<std::array<KeptTable, 3>> kept_;
+  std::size_t next_kept_ = 0;
+
+  std::atomic<float> metadataDispOffset = 0.0f;  // written before the lock is taken
+  ProfileHandle cachedProfile;                   // used by the processing thread alone
+  std::uint8_t cachedBitSize = 0;
+};
+
+}  // namespace filterprocessor
+
+#endif

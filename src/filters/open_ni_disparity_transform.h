@@ -1,0 +1,47 @@
+#ifndef FILTERPROCESSOR_FILTERS_OPEN_NI_DISPARITY_TRANSFORM_H
+#define FILTERPROCESSOR_FILTERS_OPEN_NI_DISPARITY_TRANSFORM_H
+
+#include "filters/disparity_filter.h"
+
+namespace filterprocessor {
+
+struct DepthSampling;
+
+/// Turns disparity frames into depth frames, always by the stereo rule of pack mode 1, and optionally
+/// samples a part of them at another scale into a frame of another size.
+class FILTERPROCESSOR_API OpenNIDisparityTransform : public DisparityFilter {
+ public:
+  OpenNIDisparityTransform();
+
+  const char* get_filter_config_schema(zv_error** error) override;
+  void update_filter_config(std::size_t argc, const char** argv, zv_error** error) override;
+
+  /// Samples `width` x `height` codes into the configured target size by the current table, in which code
+  /// 0 stands for depth 0 from then on. False when a size is 0 or the scale is below 0.001. There must be
+  /// a table.
+  bool frameSamplingProcess(const std::uint16_t* src, int width, int height, std::uint16_t* dst);
+
+ private:
+  zv_frame_t* convert(const FrameProcess& host) override;
+  void init_lookup_table(zv_error** error) override;
+  void stereo_camera_init_lookup_table(zv_error** error);
+
+  DepthSampling sampling() const;
+  bool sample(const DepthSampling& sampling, const std::uint16_t* src, std::uint32_t width,
+              std::uint32_t height, std::uint16_t* dst);
+  zv_frame_t* convert_sampled(const FrameProcess& host, const DepthSampling& sampling);
+
+  // Written by update_filter_config without the lock, and read once a frame.
+  std::atomic<float> scale = 0.0f;
+  std::atomic<std::int32_t> x_cut = 0;
+  std::atomic<std::int32_t> y_cut = 0;
+  std::atomic<std::int32_t> x_set = 0;
+  std::atomic<std::int32_t> y_set = 0;
+  std::atomic<std::int32_t> dst_width = 0;
+  std::atomic<std::int32_t> dst_height = 0;
+  std::atomic<bool> samplingEnabled = false;
+};
+
+}  // namespace filterprocessor
+
+#endif

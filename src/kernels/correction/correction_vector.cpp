@@ -1,0 +1,16 @@
+#include "kernels/correction/correction_vector.h"
+
+namespace filterprocessor::FILTERPROCESSOR_LEVEL {
+
+void clear_depth(std::uint16_t* pixels, std::size_t count, float scale, std::int32_t depth) {
+  const PixelRange range = pixels_of_depth(scale, depth);
+  if (range.empty) return;
+  const U16 first = U16::splat(range.first);
+  const U16 span = U16::splat(range.span);
+  const auto cleared = [=](U16 values) { return keep(~at_most(values - first, span), values); };
+  std::size_t i = 0;
+  for (; i + U16::lanes <= count; i += U16::lanes) cleared(U16::load(pixels + i)).store(pixels + i);
+  cleared(U16::load_first(pixels + i, count - i)).store_first(pixels + i, count - i);
+}
+
+}  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

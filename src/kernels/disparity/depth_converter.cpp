@@ -1,0 +1,142 @@
+#include "kernels/disparity/depth_converter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace filterprocessor {
+
+namespace {
+
+constexpr std::size_t kPackedCodes = 4096;
+
+std::uint16_t number_of(std::size_t code, bool signed_14_bit) {
+  const std::size_t sign = signed_14_bit && (code & 8192) != 0 ? 0xc000 : 0;
+  return static_cast<std::uint16_t>(signed_14_bit ? (code & 16383) | sign : code);
+}
+
+}  // namespace
+
+DepthConverter::DepthConverter(std::size_t size) : kernels_(&active_kernels()), table_(size) {}
+
+DepthConverter::DepthConverter(const StereoRule& rule, std::size_t size, const KernelSet& kernels)
+    : kernels_(&kernels), table_(size) {
+  kernels.depth_table.stereo(rule, table_.data(), size);
+  const double offsets = rule.disparity_offset + rule.metadata_offset;
+  const double depth_pixels = rule.focal_baseline * rule.unit;
+  shape_ = rule.layout == CodeLayout::inverted
+               ? Shape{-depth_pixels * rule.scale / 2,
+                       -(328.375 - rule.min_disparity + offsets) * rule.scale / 2, false}
+               : Shape{depth_pixels * rule.scale, offsets * rule.scale, false};
+}
+
+DepthConverter::DepthConverter(const MonoRule& rule, std::size_t size, const KernelSet& kernels)
+    : kernels_(&kernels), table_(size) {
+  kernels.depth_table.mono(rule, table_.data(), size);
+  const double offset = rule.disparity_offset + 1 / rule.slope;
+  const double depth_pixels = rule.numerator / rule.slope;
+  shape_ = rule.layout == CodeLayout::inverted
+               ? Shape{-depth_pixels * rule.scale / 2, -(200.375 + offset) * rule.scale / 2, false}
+               : Shape{depth_pixels * rule.scale, offset * rule.scale,
+                       rule.layout == CodeLayout::signed_14_bit};
+}
+
+void DepthConverter::clear_first_entry() {
+  if (table_.empty() || table_[0] == 0) return;
+  table_[0] = 0;
+  plain_ = {};
+  packed_ = {};
+}
+
+std::optional<DepthQuotient> DepthConverter::find_quotient(Compute compute, bool packed) const {
+  if (!shape_ || compute == nullptr) return std::nullopt;
+  constexpr double kLargest = 1e30;  // far below what 32-bit float holds; also refuses NaN
+  if (!(std::fabs(shape_->numerator) < kLargest) || !(std::fabs(shape_->offset) < kLargest))
+    return std::nullopt;
+  const std::size_t codes = std::min(table_.size(), packed ? kPackedCodes : kMaxDepthTable);
+
+  // The entries other than 0 must be one stretch of numbers with at most one code missing.
+  int first = 65536;
+  int last = -65536;
+  const auto number = [this](std::size_t code) {
+    const std::uint16_t bits = number_of(code, shape_->signed_14_bit);
+    return shape_->signed_14_bit ? static_cast<std::int16_t>(bits) : int{bits};
+  };
+  for (std::size_t code = 0; code < codes; ++code) {
+    if (table_[code] == 0) continue;
+    first = std::min(first, number(code));
+    last = std::max(last, number(code));
+  }
+  if (first > last) return std::nullopt;
+  std::size_t missing = 0;
+  auto hole = static_cast<std::uint16_t>(last + 1);
+  for (std::size_t code = 0; code < codes; ++code) {
+    if (table_[code] != 0 || number(code) < first || number(code) > last) continue;
+    hole = static_cast<std::uint16_t>(code);
+    if (++missing > 1) return std::nullopt;
+  }
+
+  DepthQuotient quotient = {.numerator = static_cast<float>(shape_->numerator),
+                            .offset = static_cast<float>(shape_->offset + first),
+                            .first = static_cast<std::uint16_t>(first),
+                            .span = static_cast<std::uint16_t>(last - first),
+                            .hole = hole,
+                            .last = static_cast<std::uint16_t>(codes - 1),
+                            .signed_14_bit = shape_->signed_14_bit};
+
+  // Every code of the image format, and what must come out.
+  const std::size_t inputs = packed ? kPackedCodes : kMaxDepthTable;
+  std::vector<std::uint16_t> code(inputs);
+  std::vector<std::uint16_t> expected(inputs);
+  for (std::size_t i = 0; i < inputs; ++i) {
+    const int depth = i < codes ? table_[i] : 0;
+    code[i] = static_cast<std::uint16_t>(packed ? i << 4 : i);
+    expected[i] = static_cast<std::uint16_t>(packed ? depth << 4 : depth);
+  }
+  const auto gives_the_table = [&] {
+    constexpr std::size_t kPart = 2048;
+    std::uint16_t depth[kPart];
+    for (std::size_t i = 0; i < inputs; i += kPart) {
+      compute(code.data() + i, depth, kPart, quotient);
+      if (!std::equal(depth, depth + kPart, expected.data() + i)) return false;
+    }
+    return true;
+  };
+  // The few quotients that lie next to an integer fall on the right side for some numerator in the
+  // neighbourhood.
+  constexpr int kNeighbours = 12;
+  float up = quotient.numerator;
+  float down = quotient.numerator;
+  for (int i = 0; i < kNeighbours; ++i) {
+    for (const float numerator : {up, down}) {
+      quotient.numerator = numerator;
+      if (gives_the_table()) return quotient;
+    }
+    up = std::nextafter(up, INFINITY);
+    down = std::nextafter(down, -INFINITY);
+  }
+  return std::nullopt;
+}
+
+void DepthConverter::apply(Shortcut& shortcut, bool packed, const std::uint16_t* source,
+                           std::uint16_t* target, std::size_t count) {
+  const DepthLookupKernels& lookup = kernels_->depth_lookup;
+  const Compute compute = packed ? lookup.packed_quotient : lookup.plain_quotient;
+  if (shortcut.uses < 2 && ++shortcut.uses == 2) shortcut.quotient = find_quotient(compute, packed);
+  if (shortcut.quotient) {
+    compute(source, target, count, *shortcut.quotient);
+  } else {
+    (packed ? lookup.packed_codes : lookup.plain_codes)(source, target, count, table_.data(),
+                                                        table_.size());
+  }
+}
+
+void DepthConverter::convert(const std::uint16_t* source, std::uint16_t* target, std::size_t count) {
+  apply(plain_, false, source, target, count);
+}
+
+void DepthConverter::convert_packed(const std::uint16_t* source, std::uint16_t* target,
+                                    std::size_t count) {
+  apply(packed_, true, source, target, count);
+}
+
+}  // namespace filterprocessor

@@ -1,0 +1,66 @@
+#ifndef FILTERPROCESSOR_KERNELS_DISPARITY_DEPTH_CONVERTER_H
+#define FILTERPROCESSOR_KERNELS_DISPARITY_DEPTH_CONVERTER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "kernels/disparity/depth_lookup.h"
+#include "kernels/disparity/depth_table.h"
+#include "kernels/kernel_set.h"
+
+namespace filterprocessor {
+
+/// A table of depth by disparity code, and the quickest way to apply it.
+class DepthConverter {
+ public:
+  /// `size` entries of 0.
+  explicit DepthConverter(std::size_t size);
+  /// `size` is at most kMaxDepthTable.
+  DepthConverter(const StereoRule& rule, std::size_t size, const KernelSet& kernels = active_kernels());
+  DepthConverter(const MonoRule& rule, std::size_t size, const KernelSet& kernels = active_kernels());
+
+  std::span<const std::uint16_t> entries() const { return table_; }
+  /// Makes code 0 stand for depth 0.
+  void clear_first_entry();
+
+  /// target = table[source] for `count` pixels; codes past the table give 0.
+  void convert(const std::uint16_t* source, std::uint16_t* target, std::size_t count);
+  /// The same for pixels whose high 12 bits hold the code and whose low 4 bits are carried through.
+  void convert_packed(const std::uint16_t* source, std::uint16_t* target, std::size_t count);
+
+  /// Whether convert() has found that computing gives every entry, and computes.
+  bool computes() const { return plain_.quotient.has_value(); }
+  bool computes_packed() const { return packed_.quotient.has_value(); }
+
+ private:
+  /// The rule as numerator / (code + offset), before rounding to 32-bit float.
+  struct Shape {
+    double numerator = 0;
+    double offset = 0;
+    bool signed_14_bit = false;
+  };
+  /// What is known about computing instead of loading. A table may serve one frame only, so the question
+  /// is put at its second use.
+  struct Shortcut {
+    int uses = 0;
+    std::optional<DepthQuotient> quotient;
+  };
+  using Compute = decltype(DepthLookupKernels::plain_quotient);
+
+  std::optional<DepthQuotient> find_quotient(Compute compute, bool packed) const;
+  void apply(Shortcut& shortcut, bool packed, const std::uint16_t* source, std::uint16_t* target,
+             std::size_t count);
+
+  const KernelSet* kernels_;
+  std::vector<std::uint16_t> table_;
+  std::optional<Shape> shape_;
+  Shortcut plain_;
+  Shortcut packed_;
+};
+
+}  // namespace filterprocessor
+
+#endif

@@ -1,0 +1,42 @@
+#ifndef FILTERPROCESSOR_KERNELS_DISPARITY_DEPTH_LOOKUP_H
+#define FILTERPROCESSOR_KERNELS_DISPARITY_DEPTH_LOOKUP_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace filterprocessor {
+
+/// Depth as a quotient in 32-bit float. With k = code - first in 16 bits, an entry is trunc(numerator /
+/// (k + offset)) where k <= span and the code is not `hole`, and 0 elsewhere. With `signed_14_bit` the
+/// code of k is the sign-extended 14-bit number in it, and codes above `last` give 0. Cheaper than
+/// loading an entry a pixel, and used only where a comparison of every code has shown that a level's
+/// arithmetic gives the table.
+struct DepthQuotient {
+  float numerator;
+  float offset;
+  std::uint16_t first;
+  std::uint16_t span;
+  std::uint16_t hole;
+  std::uint16_t last;
+  bool signed_14_bit;
+};
+
+/// Conversion of codes to depth at one level. `source` and `target` hold `count` pixels and do not
+/// overlap.
+struct DepthLookupKernels {
+  /// target = table[code]; codes past the table give 0.
+  void (*plain_codes)(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
+                      const std::uint16_t* table, std::size_t size);
+  /// The code stands in the high 12 bits and the low 4 are carried through.
+  void (*packed_codes)(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
+                       const std::uint16_t* table, std::size_t size);
+  /// The same by a quotient; null at levels that have no way to do it faster.
+  void (*plain_quotient)(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
+                         const DepthQuotient& quotient);
+  void (*packed_quotient)(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
+                          const DepthQuotient& quotient);
+};
+
+}  // namespace filterprocessor
+
+#endif

@@ -1,0 +1,96 @@
+#include "filters/hardware_d2d_correction_filter.h"
+
+#include "support/filter_driver.h"
+
+namespace filterprocessor {
+namespace {
+
+using Pixels = std::vector<std::uint16_t>;
+
+/// fx times baseline is 46000, so a correction of 8 gives 5750.
+devhost::FrameSpec corrected(std::int64_t correction, Pixels pixels = {5749, 5750, 5751, 0}) {
+  devhost::FrameSpec spec;
+  spec.width = static_cast<std::uint32_t>(pixels.size());
+  spec.height = 1;
+  spec.pixels = std::move(pixels);
+  spec.metadata[32] = correction;
+  spec.disparity.fx = 920;
+  spec.disparity.baseline = 50;
+  return spec;
+}
+
+Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& spec) {
+  const devhost::Frame output = filter.process(devhost::make_frame(spec));
+  EXPECT_EQ(filter.last_error(), kNoError);
+  return output ? devhost::inspect(output.get()).pixels : Pixels{};
+}
+
+const Pixels kCleared = {5749, 0, 5751, 0};
+
+TEST(HardwareD2DCorrectionFilter, ClearsTheDepthOfEmptyDisparities) {
+  FilterDriver filter("HardwareD2DCorrectionFilter");
+  EXPECT_EQ(filter.schema(), "");
+  EXPECT_EQ(filter.update({"any", "thing"}), kNoError);
+  EXPECT_EQ(filtered(filter, corrected(8)), kCleared);
+  const devhost::Frame set = filter.process(devhost::make_frame_set(devhost::make_frame(corrected(8))));
+  ASSERT_TRUE(set);
+  EXPECT_EQ(devhost::inspect(devhost::depth_frame_of(set.get()).get()).pixels, kCleared);
+}
+
+TEST(HardwareD2DCorrectionFilter, CopiesFramesThatHaveNothingToCorrect) {
+  FilterDriver filter("HardwareD2DCorrectionFilter");
+  devhost::FrameSpec spec = corrected(8);
+  spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+  EXPECT_EQ(filtered(filter, spec), spec.pixels);
+  EXPECT_EQ(filtered(filter, corrected(0)), spec.pixels);
+  spec = corrected(8);
+  spec.metadata.clear();
+  EXPECT_EQ(filtered(filter, spec), spec.pixels);
+  EXPECT_EQ(filtered(filter, corrected(8)), kCleared);
+}
+
+TEST(HardwareD2DCorrectionFilter, TruncatesTheScaledPixelAndRoundsTheDepth) {
+  FilterDriver filter("HardwareD2DCorrectionFilter");
+  devhost::FrameSpec spec = corrected(8, {57499, 57500, 57509, 57510});
+  spec.value_scale = 0.1f;
+  Pixels expected = spec.pixels;
+  for (std::uint16_t& p : expected) {
+    if (static_cast<int>(0.1f * static_cast<float>(p)) == 5750) p = 0;
+  }
+  EXPECT_EQ(filtered(filter, spec), expected);
+  EXPECT_EQ(expected[2], 0);
+  spec = corrected(2, {1000, 1001, 1000});
+  spec.disparity.fx = 2001;
+  spec.disparity.baseline = 1;
+  spec.format = 3;  // a new profile
+  EXPECT_EQ(filtered(filter, spec), (Pixels{1000, 0, 1000})) << "1000.5 rounds away from zero";
+}
+
+TEST(HardwareD2DCorrectionFilter, KeepsTheDepthUnderANewProfileUntilTheCorrectionChanges) {
+  FilterDriver filter("HardwareD2DCorrectionFilter");
+  EXPECT_EQ(filtered(filter, corrected(8)), kCleared);
+  devhost::FrameSpec spec = corrected(8);
+  spec.format = 1;
+  spec.disparity.fx = 919.84;
+  EXPECT_EQ(filtered(filter, spec), kCleared);
+  spec.metadata[32] = 0;
+  EXPECT_EQ(filtered(filter, spec), spec.pixels);
+  spec.metadata[32] = 8;
+  EXPECT_EQ(filtered(filter, spec), (Pixels{0, 5750, 5751, 0}));
+}
+
+TEST(HardwareD2DCorrectionFilter, ResetForgetsEverythingAndPrintsIt) {
+  HardwareD2DCorrectionFilter filter;
+  const devhost::LiveObjects before = devhost::live_objects();
+  const devhost::Frame frame = devhost::make_frame(corrected(8));
+  devhost::Frame(filter.filter_process(frame.get(), nullptr));
+  EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }),
+            "disp_offset: 8\ninvalid_depth: 5750\nfb: 46000\n");
+  filter.reset_filter(nullptr);
+  EXPECT_EQ(devhost::live_objects().profiles, before.profiles + 1) << "the frame's own";
+  EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }),
+            "disp_offset: 0\ninvalid_depth: 0\nfb: 0\n");
+}
+
+}  // namespace
+}  // namespace filterprocessor
