@@ -1,0 +1,25 @@
+#ifndef FILTERPROCESSOR_FRAMEWORK_FRAME_INFO_PRINT_H
+#define FILTERPROCESSOR_FRAMEWORK_FRAME_INFO_PRINT_H
+
+#include <iostream>
+
+#include "framework/priv_filter.h"
+
+namespace filterprocessor {
+
+/// Writes the lines of "current_frame_info: " to standard output. `Bits` is what the fraction bits are written as: int for
+/// a number, unsigned char for one raw character.
+template <typename Bits>
+void print_frame_info(const IPrivFilter::FrameInfoInner& info) {
+  std::cout << "current_frame_info: " << std::endl
+            << "width:      " << info.width << '\n'
+            << "height:     " << info.height << '\n'
+            << "bxf:        " << info.bxf << '\n'
+            << "depth_flag: " << info.depth_flag << '\n'
+            << "depth_unit: " << info.depth_unit << '\n'
+            << "fraction_bit_size: " << static_cast<Bits>(info.fraction_bit_size) << '\n';
+}
+
+}  // namespace filterprocessor
+
+#endif
