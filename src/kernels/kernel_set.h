@@ -3,6 +3,7 @@
 
 #include "kernels/hole_filling/hole_filling.h"
 #include "kernels/level.h"
+#include "kernels/speckle/speckle.h"
 
 namespace filterprocessor {
 
@@ -10,6 +11,7 @@ namespace filterprocessor {
 struct KernelSet {
   Level level;
   HoleFillingKernels hole_filling;
+  SpeckleKernels speckle;
 };
 
 /// The kernels of a level, or null when they are not compiled for this processor family.

@@ -1,9 +1,10 @@
 #include "kernels/hole_filling/hole_filling_vector.h"
 #include "kernels/kernel_set.h"
+#include "kernels/speckle/speckle_plain.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
 extern const KernelSet kernels;
-const KernelSet kernels = {Level::FILTERPROCESSOR_LEVEL, hole_filling};
+const KernelSet kernels = {Level::FILTERPROCESSOR_LEVEL, hole_filling, plain::speckle};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL
