@@ -71,11 +71,11 @@ void add_disparity_rows() {
   add_conversion("disparity to depth, fractional offset", {848, 480}, 14, 0.37, false);
 
   // A table has 65536 entries, as many as this image has pixels.
-  Row stereo("stereo table, 65536 entries", {256, 256, std::vector<std::uint16_t>(kMaxDepthTable)});
+  Row stereo("stereo table, 65536 entries", Image(256, 256));
   stereo.add_levels([rule = stereo_rule(16, 0)](const KernelSet& kernels, std::uint16_t* table) {
     kernels.depth_table.stereo(rule, table, kMaxDepthTable);
   });
-  Row mono("mono table, 65536 entries", {256, 256, std::vector<std::uint16_t>(kMaxDepthTable)});
+  Row mono("mono table, 65536 entries", Image(256, 256));
   mono.add_levels([rule = mono_rule()](const KernelSet& kernels, std::uint16_t* table) {
     kernels.depth_table.mono(rule, table, kMaxDepthTable);
   });

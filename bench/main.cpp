@@ -89,8 +89,8 @@ int main(int argc, char** argv) {
   filterprocessor::bench::add_hole_filling_rows();
 
   const auto scene =
-      filterprocessor::bench::figures_of(filterprocessor::bench::stereo_scene(848, 480), 30);
-  std::printf("scene at 848x480: %.1f %% holes, %.3f runs a pixel at a threshold of 30\n",
+      filterprocessor::bench::figures_of(filterprocessor::bench::stereo_scene(848, 480), 80);
+  std::printf("scene at 848x480: %.1f %% holes, %.3f runs a pixel at a threshold of 80\n",
               100 * scene.hole_share, scene.runs_per_pixel);
   TableReporter table;
   benchmark::RunSpecifiedBenchmarks(&table);

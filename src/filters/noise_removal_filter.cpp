@@ -100,16 +100,18 @@ zv_frame_t* NoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_error
     FrameHandle output = host.create_like(depth, true);
     std::uint16_t* pixels = host.pixels(output.get(), width, height);
     int status = -1;
-    // A failed configuration is not tried again for the same kind of frame and can leave no buffer, or an older one.
+    // A failed configuration is not tried again for the same kind of frame and can leave no buffer, or an
+    // older one.
     if (buffer && buffer_width == width && buffer_height == height) {
       const bool is_disparity = pixel_type == ZV_PIXEL_TYPE_DISPARITY;
-      const std::uint16_t invalid =
-          is_disparity ? invalid_code(disparity->packMode, disparity->isDualCamera != 0) : std::uint16_t{0};
+      const std::uint16_t invalid = is_disparity
+                                        ? invalid_code(disparity->packMode, disparity->isDualCamera != 0)
+                                        : std::uint16_t{0};
       const auto table_size = static_cast<std::uint8_t>(is_disparity ? 0 : table.entries.size());
       status = depth_api_softfilter(buffer.get(), pixels, nullptr, static_cast<std::int32_t>(width),
                                     static_cast<std::int32_t>(height),
-                                    is_disparity ? nullptr : table.entries.data(), table.shift, table_size,
-                                    working.min_diff, working.max_size, 4, 4, invalid, 1);
+                                    is_disparity ? nullptr : table.entries.data(), table.shift,
+                                    table_size, working.min_diff, working.max_size, 4, 4, invalid, 1);
     }
     host.release(std::move(profile));
     if (status != 0) {
@@ -134,11 +136,13 @@ void NoiseRemovalFilter::updateConfig(const FrameInfoInner& info, zv_error** err
   working = anchor;
   if (info.width == 0 || info.height == 0) return refuse("frame_info.width||frame_info.height");
   const bool other_size = info.width != anchor.width || info.height != anchor.height;
-  if (other_size && info.depth_flag == ZV_PIXEL_TYPE_DEPTH && !(info.bxf > 0)) return refuse("frame_info.bxf");
+  if (other_size && info.depth_flag == ZV_PIXEL_TYPE_DEPTH && !(info.bxf > 0))
+    return refuse("frame_info.bxf");
   if (info.depth_flag != ZV_PIXEL_TYPE_DISPARITY && !(info.depth_unit > 0)) {
     return refuse("frame_info.depth_unit");
   }
-  if (!buffer || buffer_width != info.width || buffer_height != info.height) allocate(info.width, info.height);
+  if (!buffer || buffer_width != info.width || buffer_height != info.height)
+    allocate(info.width, info.height);
 
   const float sx = static_cast<float>(info.width) / static_cast<float>(anchor.width);
   const float sy = static_cast<float>(info.height) / static_cast<float>(anchor.height);

@@ -10,8 +10,8 @@
 
 namespace filterprocessor {
 
-/// Removes speckles: small regions cut off from their surroundings by jumps in value. The parameters are given for an
-/// anchor resolution and rescaled to each frame's.
+/// Removes speckles: small regions cut off from their surroundings by jumps in value. The parameters are
+/// given for an anchor resolution and rescaled to each frame's.
 class FILTERPROCESSOR_API NoiseRemovalFilter : public IPrivFilter {
  public:
   const char* get_filter_config_schema(zv_error** error) override;
@@ -25,7 +25,8 @@ class FILTERPROCESSOR_API NoiseRemovalFilter : public IPrivFilter {
   void update_anchor_fraction_bitsize(std::uint8_t bits);
   /// Whether the configuration was last applied for another kind of frame.
   bool check_frame_info_changed(const FrameInfoInner& info) const;
-  /// Computes the working parameters, the work buffer and the table for frames like `info`. A failure is stored in
+  /// Computes the working parameters, the work buffer and the table for frames like `info`. A failure is
+  /// stored in
   /// `*error`, which must not be null, and leaves what was computed before it.
   void updateConfig(const FrameInfoInner& info, zv_error** error);
   /// 0, or 1 when the frame's unit or geometry gives no table.

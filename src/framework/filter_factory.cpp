@@ -3,6 +3,7 @@
 #include "filters/disparity_transform.h"
 #include "filters/hardware_d2d_correction_filter.h"
 #include "filters/hole_filling_filter.h"
+#include "filters/noise_removal_filter.h"
 #include "filters/open_ni_disparity_transform.h"
 
 namespace filterprocessor {
@@ -24,7 +25,7 @@ std::mutex FilterFactory::instanceMutex_;
 FilterFactory::FilterFactory()
     : entries_{{"DisparityTransform", create<DisparityTransform>},
                {"HoleFillingFilter", create<HoleFillingFilter>},
-               {"NoiseRemovalFilter", not_yet},
+               {"NoiseRemovalFilter", create<NoiseRemovalFilter>},
                {"SpatialAdvancedFilter", not_yet},
                {"TemporalFilter", not_yet},
                {"DepthResize", not_yet},

@@ -7,8 +7,8 @@
 
 namespace filterprocessor {
 
-/// Writes the lines of "current_frame_info: " to standard output. `Bits` is what the fraction bits are written as: int for
-/// a number, unsigned char for one raw character.
+/// Writes the lines of "current_frame_info: " to standard output. `Bits` is what the fraction bits are
+/// written as: int for a number, unsigned char for one raw character.
 template <typename Bits>
 void print_frame_info(const IPrivFilter::FrameInfoInner& info) {
   std::cout << "current_frame_info: " << std::endl

@@ -6,6 +6,7 @@
 #include "kernels/disparity/depth_table.h"
 #include "kernels/hole_filling/hole_filling.h"
 #include "kernels/level.h"
+#include "kernels/speckle/speckle.h"
 
 namespace filterprocessor {
 
@@ -16,6 +17,7 @@ struct KernelSet {
   DepthTableKernels depth_table;
   DepthLookupKernels depth_lookup;
   HoleFillingKernels hole_filling;
+  SpeckleKernels speckle;
 };
 
 /// The kernels of a level, or null when they are not compiled for this processor family.

@@ -3,10 +3,16 @@
 #include "kernels/disparity/depth_table_plain.h"
 #include "kernels/hole_filling/hole_filling_plain.h"
 #include "kernels/kernel_set.h"
+#include "kernels/speckle/speckle_plain.h"
 
 namespace filterprocessor::plain {
 
 extern const KernelSet kernels;
-const KernelSet kernels = {Level::scalar, correction, depth_table, depth_lookup, hole_filling};
+const KernelSet kernels = {.level = Level::scalar,
+                           .correction = correction,
+                           .depth_table = depth_table,
+                           .depth_lookup = depth_lookup,
+                           .hole_filling = hole_filling,
+                           .speckle = speckle};
 
 }  // namespace filterprocessor::plain

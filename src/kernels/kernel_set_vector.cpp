@@ -3,11 +3,16 @@
 #include "kernels/disparity/depth_table_vector.h"
 #include "kernels/hole_filling/hole_filling_vector.h"
 #include "kernels/kernel_set.h"
+#include "kernels/speckle/speckle_vector.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
 extern const KernelSet kernels;
-const KernelSet kernels = {Level::FILTERPROCESSOR_LEVEL, correction, depth_table, depth_lookup,
-                           hole_filling};
+const KernelSet kernels = {.level = Level::FILTERPROCESSOR_LEVEL,
+                           .correction = correction,
+                           .depth_table = depth_table,
+                           .depth_lookup = depth_lookup,
+                           .hole_filling = hole_filling,
+                           .speckle = speckle};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -2,6 +2,7 @@
 #include "filterprocessor/filter_processor.h"
 #include "filterprocessor/hole_filling.h"
 #include "filterprocessor/host.h"
+#include "filterprocessor/speckle.h"
 
 int headers_are_c11(void);
 int headers_are_c11(void) {

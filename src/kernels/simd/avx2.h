@@ -88,6 +88,25 @@ struct U16 {
   U16 last() const {
     return {_mm256_permute4x64_epi64(_mm256_shuffle_epi8(v, _mm256_set1_epi16(0x0f0e)), 0xff)};
   }
+  /// The odd lanes of the two vectors, those of `a` first.
+  static U16 odd_lanes(U16 a, U16 b) {
+    const __m256i packed = _mm256_packus_epi32(_mm256_srli_epi32(a.v, 16), _mm256_srli_epi32(b.v, 16));
+    return {_mm256_permute4x64_epi64(packed, 0xd8)};
+  }
+  /// Every odd lane twice.
+  U16 odd_doubled() const {
+    return {_mm256_shuffle_epi8(v, _mm256_broadcastsi128_si256(_mm_setr_epi8(
+                                       2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15)))};
+  }
+  /// Entries that lookup() takes from a table.
+  static constexpr std::size_t table_entries = 8;
+  /// The entries of `table`, a vector's worth, at indices below `table_entries`.
+  static U16 lookup(U16 table, U16 index) {
+    const __m256i low = _mm256_permute4x64_epi64(table.v, 0x44);
+    const __m256i bytes = _mm256_add_epi16(_mm256_mullo_epi16(index.v, _mm256_set1_epi16(0x0202)),
+                                           _mm256_set1_epi16(0x0100));
+    return {_mm256_shuffle_epi8(low, bytes)};
+  }
 };
 
 inline U16 operator&(U16 a, U16 b) { return {_mm256_and_si256(a.v, b.v)}; }
@@ -192,6 +211,37 @@ inline Mask64 operator<(F64 a, F64 b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_LT_
 inline Mask64 operator>(F64 a, F64 b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_GT_OQ)}; }
 inline Mask64 operator<=(F64 a, F64 b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_LE_OQ)}; }
 inline Mask64 operator>=(F64 a, F64 b) { return {_mm256_cmp_pd(a.v, b.v, _CMP_GE_OQ)}; }
+
+inline U16 operator>>(U16 a, unsigned count) {
+  return {_mm256_srl_epi16(a.v, _mm_cvtsi32_si128(static_cast<int>(count)))};
+}
+inline U16 min(U16 a, U16 b) { return {_mm256_min_epu16(a.v, b.v)}; }
+inline U16 add_saturated(U16 a, U16 b) { return {_mm256_adds_epu16(a.v, b.v)}; }
+inline U16 subtract_saturated(U16 a, U16 b) { return {_mm256_subs_epu16(a.v, b.v)}; }
+inline Mask16 equal(U16 a, U16 b) { return {_mm256_cmpeq_epi16(a.v, b.v)}; }
+
+/// The flags of 64 lanes in order, the first in the lowest bit.
+inline std::uint64_t bits_of(const Mask16 (&masks)[4]) {
+  const auto half = [](Mask16 a, Mask16 b) {
+    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packs_epi16(a.v, b.v), 0xd8);
+    return static_cast<std::uint32_t>(_mm256_movemask_epi8(bytes));
+  };
+  return half(masks[0], masks[1]) | std::uint64_t{half(masks[2], masks[3])} << 32;
+}
+/// Writes `base` + the positions of the set bits, ascending, and up to 64 values of no meaning.
+/// @return the number of set bits
+inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::uint16_t* to) {
+  const auto count = static_cast<std::size_t>(__builtin_popcountll(bits));
+  std::size_t done = 0;
+  do {
+    for (std::size_t i = 0; i < 4; ++i) {
+      to[done + i] = static_cast<std::uint16_t>(base + static_cast<unsigned>(_tzcnt_u64(bits)));
+      bits &= bits - 1;
+    }
+    done += 4;
+  } while (done < count);
+  return count;
+}
 
 }  // namespace filterprocessor::avx2
 

@@ -82,6 +82,17 @@ struct U16 {
   }
   /// Every lane gets the last value.
   U16 last() const { return last_of_groups(); }
+  /// The odd lanes of the two vectors, those of `a` first.
+  static U16 odd_lanes(U16 a, U16 b) { return {vuzp2q_u16(a.v, b.v)}; }
+  /// Every odd lane twice.
+  U16 odd_doubled() const { return {vtrn2q_u16(v, v)}; }
+  /// Entries that lookup() takes from a table.
+  static constexpr std::size_t table_entries = 8;
+  /// The entries of `table`, a vector's worth, at indices below `table_entries`.
+  static U16 lookup(U16 table, U16 index) {
+    const uint16x8_t bytes = vmlaq_n_u16(vdupq_n_u16(0x0100), index.v, 0x0202);
+    return {vreinterpretq_u16_u8(vqtbl1q_u8(vreinterpretq_u8_u16(table.v), vreinterpretq_u8_u16(bytes)))};
+  }
 };
 
 inline U16 operator&(U16 a, U16 b) { return {vandq_u16(a.v, b.v)}; }
@@ -174,6 +185,41 @@ inline Mask64 operator<(F64 a, F64 b) { return {vcltq_f64(a.v, b.v)}; }
 inline Mask64 operator>(F64 a, F64 b) { return {vcgtq_f64(a.v, b.v)}; }
 inline Mask64 operator<=(F64 a, F64 b) { return {vcleq_f64(a.v, b.v)}; }
 inline Mask64 operator>=(F64 a, F64 b) { return {vcgeq_f64(a.v, b.v)}; }
+
+inline U16 operator>>(U16 a, unsigned count) {
+  return {vshlq_u16(a.v, vdupq_n_s16(static_cast<std::int16_t>(-static_cast<int>(count))))};
+}
+inline U16 min(U16 a, U16 b) { return {vminq_u16(a.v, b.v)}; }
+inline U16 add_saturated(U16 a, U16 b) { return {vqaddq_u16(a.v, b.v)}; }
+inline U16 subtract_saturated(U16 a, U16 b) { return {vqsubq_u16(a.v, b.v)}; }
+inline Mask16 equal(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
+
+/// The flags of 64 lanes in order, the first in the lowest bit.
+inline std::uint64_t bits_of(const Mask16 (&masks)[8]) {
+  static constexpr std::uint8_t weights[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
+  const uint8x16_t weight = vld1q_u8(weights);
+  const auto weighted = [&](Mask16 a, Mask16 b) {
+    return vandq_u8(vuzp1q_u8(vreinterpretq_u8_u16(a.v), vreinterpretq_u8_u16(b.v)), weight);
+  };
+  const uint8x16_t first = vpaddq_u8(weighted(masks[0], masks[1]), weighted(masks[2], masks[3]));
+  const uint8x16_t second = vpaddq_u8(weighted(masks[4], masks[5]), weighted(masks[6], masks[7]));
+  const uint8x16_t sums = vpaddq_u8(first, second);
+  return vgetq_lane_u64(vreinterpretq_u64_u8(vpaddq_u8(sums, sums)), 0);
+}
+/// Writes `base` + the positions of the set bits, ascending, and up to 64 values of no meaning.
+/// @return the number of set bits
+inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::uint16_t* to) {
+  const auto count = static_cast<std::size_t>(__builtin_popcountll(bits));
+  std::size_t done = 0;
+  do {
+    for (std::size_t i = 0; i < 4; ++i) {
+      to[done + i] = static_cast<std::uint16_t>(base + __builtin_ctzll(bits | std::uint64_t{1} << 63));
+      bits &= bits - 1;
+    }
+    done += 4;
+  } while (done < count);
+  return count;
+}
 
 }  // namespace filterprocessor::neon
 

@@ -1,0 +1,17 @@
+#ifndef FILTERPROCESSOR_KERNELS_SPECKLE_SPECKLE_PLAIN_H
+#define FILTERPROCESSOR_KERNELS_SPECKLE_SPECKLE_PLAIN_H
+
+#include "kernels/speckle/speckle.h"
+
+namespace filterprocessor::plain {
+
+SpeckleKernels::Remove speckle_full, speckle_pyramid;
+SpeckleKernels::Downsample speckle_downsample;
+SpeckleKernels::Upsample speckle_upsample;
+
+inline constexpr SpeckleKernels speckle = {speckle_full, speckle_pyramid, speckle_downsample,
+                                           speckle_upsample};
+
+}  // namespace filterprocessor::plain
+
+#endif
