@@ -8,10 +8,10 @@ target_include_directories(FilterProcessor INTERFACE
 install(TARGETS FilterProcessor EXPORT FilterProcessor LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/filterprocessor DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 # The filter classes, for C++ callers that link the library directly.
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/filters ${PROJECT_SOURCE_DIR}/src/framework
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/filterprocessor/classes
-        FILES_MATCHING PATTERN "*_filter.h" PATTERN "*_transform.h" PATTERN "depth_resize.h" PATTERN "priv_filter.h"
-        PATTERN "host_handles.h")
+set(classes_dir ${CMAKE_INSTALL_INCLUDEDIR}/filterprocessor/classes)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/filters DESTINATION ${classes_dir} FILES_MATCHING PATTERN "*.h")
+install(FILES ${PROJECT_SOURCE_DIR}/src/framework/priv_filter.h ${PROJECT_SOURCE_DIR}/src/framework/host_handles.h
+        DESTINATION ${classes_dir}/framework)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/FilterProcessor)
 install(EXPORT FilterProcessor NAMESPACE FilterProcessor:: FILE FilterProcessorTargets.cmake
