@@ -1,0 +1,222 @@
+#include "filters/noise_removal_filter.h"
+
+#include <cstring>
+
+#include "filterprocessor/speckle.h"
+#include "scenes.h"
+#include "support/filter_driver.h"
+
+namespace filterprocessor {
+namespace {
+
+using FrameInfo = IPrivFilter::FrameInfoInner;
+using Pixels = std::vector<std::uint16_t>;
+
+constexpr const char* kName = "NoiseRemovalFilter";
+ErrorTexts out_of_range(const char* name) {
+  return {"params out of range", "update_filter_config", name, 4};
+}
+ErrorTexts invalid(const char* field) { return {"invalid params", "updateConfig", field, 4}; }
+const ErrorTexts kKernel = {"noise removal filter error", "filter_process", "NoiseRemovalFilter", 0};
+
+devhost::FrameSpec room(int width, int height) {
+  devhost::FrameSpec spec;
+  spec.width = static_cast<std::uint32_t>(width);
+  spec.height = static_cast<std::uint32_t>(height);
+  spec.pixels = bench::stereo_scene(width, height).pixels;
+  spec.disparity.fx = 800;
+  spec.disparity.baseline = 50;
+  spec.disparity.dispIntPlace = 8;
+  spec.disparity.packMode = 2;
+  spec.disparity.isDualCamera = 1;
+  return spec;
+}
+
+/// What the kernel makes of the frame with these parameters; a null table means the fixed threshold.
+Pixels despeckled(const devhost::FrameSpec& spec, std::vector<std::uint16_t> table, std::uint8_t shift,
+                  int max_diff, int max_size, std::uint16_t invalid_value = 0) {
+  Pixels pixels = spec.pixels;
+  std::vector<std::uint8_t> buffer(9 * pixels.size() + 1);
+  depth_api_softfilter(buffer.data(), pixels.data(), nullptr, static_cast<int>(spec.width),
+                       static_cast<int>(spec.height), table.empty() ? nullptr : table.data(), shift,
+                       static_cast<std::uint8_t>(table.size()), max_diff, max_size, 4, 4, invalid_value,
+                       1);
+  return pixels;
+}
+
+Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& spec) {
+  const devhost::Frame output = filter.process(devhost::make_frame(spec));
+  EXPECT_EQ(filter.last_error(), kNoError);
+  return output ? devhost::inspect(output.get()).pixels : Pixels{};
+}
+
+/// t = 256/256 * 500 * 500 / 40000 = 6.25, times 1, 4, 9, ...
+const std::vector<std::uint16_t> kTable = {6, 25, 56, 100, 156, 225, 306};
+
+TEST(NoiseRemovalFilter, ScalesTheSizeLimitWithTheAreaOfTheFrame) {
+  struct Case {
+    int width, height, max_size;
+  };
+  for (const Case& c : {Case{848, 480, 80}, {424, 240, 20}, {640, 400, 50}, {100, 70, 1}}) {
+    FilterDriver filter(kName);
+    const devhost::FrameSpec spec = room(c.width, c.height);
+    const Pixels result = filtered(filter, spec);
+    EXPECT_EQ(result, despeckled(spec, kTable, 9, 0, c.max_size)) << c.width << " x " << c.height;
+    if (c.width > 100) {
+      EXPECT_NE(result, spec.pixels);
+    }
+  }
+  NoiseRemovalFilter filter;
+  zv_error* error = nullptr;
+  filter.updateConfig({.width = 1280, .height = 800, .depth_flag = 0, .bxf = 40000}, &error);
+  const std::string printed = FilterDriver::output_of([&] { filter.print_key_params(); });
+  EXPECT_NE(printed.find("current_filter_params: \nwidth:    1280\nheight:   800\nmax_size: 201\n"),
+            std::string::npos);
+}
+
+TEST(NoiseRemovalFilter, RescalesTheDifferenceByFractionBits) {
+  FilterDriver filter(kName);
+  devhost::FrameSpec spec = room(424, 240);
+  spec.bits = 12;  // 4 fraction bits: the difference becomes 16, and the table stays
+  EXPECT_EQ(filtered(filter, spec), despeckled(spec, kTable, 9, 0, 20));
+  spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+  EXPECT_EQ(filtered(filter, spec), despeckled(spec, {}, 0, 16, 20));
+  spec.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
+  EXPECT_EQ(filtered(filter, spec), despeckled(spec, {256, 512, 768, 1024, 1280, 1536, 1792}, 9, 0, 20));
+  spec.pixel_type = 7;  // an empty table: only equal neighbours join
+  EXPECT_EQ(filtered(filter, spec), despeckled(spec, Pixels(7), 9, 0, 20));
+  EXPECT_EQ(filter.update({"80", "10000", "848", "480"}), kNoError);
+  spec.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
+  EXPECT_EQ(filtered(filter, spec),
+            despeckled(spec, {10000, 20000, 30000, 40000, 50000, 60000, 4464}, 9, 0, 20))
+      << "entries keep their low 16 bits";
+}
+
+TEST(NoiseRemovalFilter, KnowsTheInvalidCodeOfEachCamera) {
+  struct Case {
+    std::uint8_t dual, mode;
+    std::uint16_t invalid_value;
+  };
+  for (const Case& c : {Case{1, 2, 0}, {1, 4, 0}, {0, 1, 0}, {0, 4, 65532}, {0, 2, 8192}, {0, 3, 8192}}) {
+    FilterDriver filter(kName);
+    devhost::FrameSpec spec = room(120, 80);
+    spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+    spec.disparity.isDualCamera = c.dual;
+    spec.disparity.packMode = c.mode;
+    EXPECT_EQ(filtered(filter, spec), despeckled(spec, {}, 0, 256, 1, c.invalid_value));
+  }
+}
+
+TEST(NoiseRemovalFilter, ShiftFollowsTheDepthUnit) {
+  DepthDifferenceTable table;
+  const auto shift = [&](double unit) {
+    EXPECT_TRUE(table.update({.depth_unit = unit, .depth_flag = 0, .bxf = 40000}, 160));
+    return int{table.shift};
+  };
+  EXPECT_EQ(shift(0.05), 13);
+  EXPECT_EQ(shift(0.1), 12);
+  EXPECT_EQ(shift(0.5), 10);
+  EXPECT_EQ(shift(10.0), 6);
+  EXPECT_EQ(shift(1.0), 9);
+  EXPECT_EQ(table.entries, (std::array<std::uint16_t, 7>{3, 15, 35, 62, 97, 140, 191}));
+  EXPECT_FALSE(table.update({.depth_flag = 0, .bxf = 0}, 160));
+  EXPECT_FALSE(table.update({.depth_unit = 0, .depth_flag = 0, .bxf = 1}, 160));
+  EXPECT_EQ(table.entries[6], 191) << "a failure changes nothing";
+  EXPECT_TRUE(table.update({.depth_unit = 1e-9, .depth_flag = 0, .bxf = 1e-9f}, 10000));
+  EXPECT_TRUE(table.update({.depth_flag = 5}, 160));
+  EXPECT_EQ(table.entries, (std::array<std::uint16_t, 7>{}));
+  EXPECT_EQ(table.shift, 13) << "kept";
+}
+
+TEST(NoiseRemovalFilter, ChecksItsParametersInOrderAndStoresAllOrNone) {
+  FilterDriver filter(kName);
+  EXPECT_EQ(filter.update({"0", "0", "0", "0"}), out_of_range("max_size"));
+  EXPECT_EQ(filter.update({"1001", "1", "1", "1"}), out_of_range("max_size"));
+  EXPECT_EQ(filter.update({"1000", "10001", "1", "1"}), out_of_range("min_diff"));
+  EXPECT_EQ(filter.update({"1000", "-1", "1", "1"}), out_of_range("min_diff"));
+  EXPECT_EQ(filter.update({"1000", "10000", "1281", "1"}), out_of_range("width"));
+  EXPECT_EQ(filter.update({"1000", "10000", "1280", "1025"}), out_of_range("height"));
+  EXPECT_EQ(filter.update({"1"}), kBadCount);
+  const devhost::FrameSpec spec = room(424, 240);
+  EXPECT_EQ(filtered(filter, spec), despeckled(spec, kTable, 9, 0, 20));
+  EXPECT_EQ(filter.update({"1000", "128", "1280", "1024"}), kNoError);
+  EXPECT_EQ(filtered(filter, spec), despeckled(spec, {3, 12, 28, 50, 78, 112, 153}, 9, 0, 77));
+  filter.reset();
+  EXPECT_EQ(filtered(filter, spec), despeckled(spec, kTable, 9, 0, 20));
+}
+
+TEST(NoiseRemovalFilter, AFailedConfigurationIsNotRetriedForTheSameKindOfFrame) {
+  struct Case {
+    const char* field;
+    float baseline, value_scale;
+    std::uint32_t width;
+  };
+  for (const Case& c : {Case{"frame_info.bxf", 0, 1, 424},
+                        {"frame_info.depth_unit", 50, 0, 424},
+                        {"frame_info.width||frame_info.height", 50, 1, 0}}) {
+    FilterDriver filter(kName);
+    devhost::FrameSpec good = room(424, 240);
+    devhost::FrameSpec bad = good;
+    bad.disparity.baseline = c.baseline;
+    bad.value_scale = c.value_scale;
+    bad.width = c.width;
+    const std::string printed =
+        FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
+    EXPECT_EQ(filter.last_error(), invalid(c.field));
+    EXPECT_NE(printed.find(std::string("call: updateConfig(") + c.field + ")"), std::string::npos);
+    FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
+    EXPECT_EQ(filter.last_error(), kKernel) << "there is no buffer to work in";
+    EXPECT_EQ(filtered(filter, good), despeckled(good, kTable, 9, 0, 20));
+  }
+}
+
+TEST(NoiseRemovalFilter, NeverUsesTheBufferOfAnotherSize) {
+  FilterDriver filter(kName);
+  EXPECT_FALSE(filtered(filter, room(100, 70)).empty());
+  devhost::FrameSpec larger = room(200, 140);
+  larger.disparity.fx = 0;  // refused before a buffer is made
+  FilterDriver::output_of([&] {
+    EXPECT_FALSE(filter.process(devhost::make_frame(larger)));
+    EXPECT_EQ(filter.last_error(), invalid("frame_info.bxf"));
+    EXPECT_FALSE(filter.process(devhost::make_frame(larger)));
+    EXPECT_EQ(filter.last_error(), kKernel);
+  });
+  larger.pixels.clear();
+  larger.width = larger.height = 4000000000u;
+  larger.disparity.fx = 800;
+  EXPECT_FALSE(filter.process(devhost::make_frame(larger)));
+  EXPECT_EQ(filter.last_error(), kBadFrame);
+}
+
+TEST(NoiseRemovalFilter, CallsTheHostInOrder) {
+  FilterDriver filter(kName);
+  const devhost::Frame set = devhost::make_frame_set(devhost::make_frame(room(100, 70)));
+  devhost::start_call_log();
+  EXPECT_TRUE(filter.process(set));
+  EXPECT_EQ(devhost::stop_call_log(),
+            (std::vector<std::string>{
+                "zv_frame_get_type", "zv_frameset_get_depth_frame", "zv_frame_get_format",
+                "zv_video_frame_get_pixel_type", "zv_video_frame_get_width", "zv_video_frame_get_height",
+                "zv_depth_frame_get_value_scale", "zv_frame_get_stream_profile",
+                "zv_disparity_based_stream_profile_get_disparity_param",
+                "zv_video_frame_get_pixel_available_bit_size", "zv_create_frame_from_other_frame",
+                "zv_frame_get_data", "zv_frame_get_data_size", "zv_delete_stream_profile",
+                "zv_create_frame_from_other_frame", "zv_frameset_push_frame"}));
+}
+
+TEST(NoiseRemovalFilter, PrintsItsStateWithItsBytesRaw) {
+  NoiseRemovalFilter filter;
+  devhost::FrameSpec spec = room(424, 240);
+  const devhost::Frame frame = devhost::make_frame(spec);
+  const devhost::Frame output(filter.filter_process(frame.get(), nullptr));
+  const std::string expected =
+      "anchor_params: \nwidth:    848\nheight:   480\nmax_size: 80\nmin_diff: 256\n"
+      "current_filter_params: \nwidth:    424\nheight:   240\nmax_size: 20\nmin_diff: 256\n"
+      "current_frame_info: \nwidth:      424\nheight:     240\nbxf:        40000\ndepth_flag: "
+      "0\ndepth_unit: 1\n"
+      "fraction_bit_size: \x08\ndepth_diff_lut: \n6 25 56 100 156 225 306 \ndepth_shift: \x09\n";
+  EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }), expected);
+}
+
+}  // namespace
+}  // namespace filterprocessor
