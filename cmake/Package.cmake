@@ -9,7 +9,7 @@ install(TARGETS FilterProcessor EXPORT FilterProcessor LIBRARY DESTINATION ${CMA
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/filterprocessor DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 # The filter classes, for C++ callers that link the library directly.
 set(classes_dir ${CMAKE_INSTALL_INCLUDEDIR}/filterprocessor/classes)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/filters DESTINATION ${classes_dir} FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/filters ${PROJECT_SOURCE_DIR}/src/common DESTINATION ${classes_dir} FILES_MATCHING PATTERN "*.h")
 install(FILES ${PROJECT_SOURCE_DIR}/src/framework/priv_filter.h ${PROJECT_SOURCE_DIR}/src/framework/host_handles.h
         DESTINATION ${classes_dir}/framework)
 

@@ -1,8 +1,6 @@
 #include "filters/noise_removal_filter.h"
 
 #include <iostream>
-#include <limits>
-#include <new>
 #include <optional>
 
 #include "common/saturate.h"
@@ -102,13 +100,13 @@ zv_frame_t* NoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_error
     int status = -1;
     // A failed configuration is not tried again for the same kind of frame and can leave no buffer, or an
     // older one.
-    if (buffer && buffer_width == width && buffer_height == height) {
+    if (buffer.fits(width, height)) {
       const bool is_disparity = pixel_type == ZV_PIXEL_TYPE_DISPARITY;
       const std::uint16_t invalid = is_disparity
                                         ? invalid_code(disparity->packMode, disparity->isDualCamera != 0)
                                         : std::uint16_t{0};
       const auto table_size = static_cast<std::uint8_t>(is_disparity ? 0 : table.entries.size());
-      status = depth_api_softfilter(buffer.get(), pixels, nullptr, static_cast<std::int32_t>(width),
+      status = depth_api_softfilter(buffer.data(), pixels, nullptr, static_cast<std::int32_t>(width),
                                     static_cast<std::int32_t>(height),
                                     is_disparity ? nullptr : table.entries.data(), table.shift,
                                     table_size, working.min_diff, working.max_size, 4, 4, invalid, 1);
@@ -141,8 +139,8 @@ void NoiseRemovalFilter::updateConfig(const FrameInfoInner& info, zv_error** err
   if (info.depth_flag != ZV_PIXEL_TYPE_DISPARITY && !(info.depth_unit > 0)) {
     return refuse("frame_info.depth_unit");
   }
-  if (!buffer || buffer_width != info.width || buffer_height != info.height)
-    allocate(info.width, info.height);
+  // One byte more than the kernels need, for any that flags one region a pixel from label 1 on.
+  buffer.fit(info.width, info.height, 9, 1);
 
   const float sx = static_cast<float>(info.width) / static_cast<float>(anchor.width);
   const float sy = static_cast<float>(info.height) / static_cast<float>(anchor.height);
@@ -166,22 +164,8 @@ int NoiseRemovalFilter::updateDepthDiffLut(const FrameInfoInner& info) {
   return table.update(info, working.min_diff) ? 0 : 1;
 }
 
-void NoiseRemovalFilter::allocate(std::uint64_t width, std::uint64_t height) {
-  buffer.reset();
-  // One byte more than the kernels need, for any that flags one region a pixel from label 1 on.
-  constexpr std::uint64_t kMost = (std::numeric_limits<std::size_t>::max() - 1) / 9;
-  if (width > kMost / height) throw std::bad_alloc();
-  const std::uint64_t bytes = 9 * width * height + 1;
-  // Cleared pages come from the system untouched, so a frame that only claims to be large costs nothing.
-  buffer.reset(static_cast<std::uint8_t*>(std::calloc(bytes, 1)));
-  if (!buffer) throw std::bad_alloc();
-  buffer_width = width;
-  buffer_height = height;
-  buffer_size = bytes;
-}
-
 void NoiseRemovalFilter::reset_filter(zv_error**) {
-  buffer.reset();
+  buffer.release();
   anchor = {};
   last_frame_info = {.width = 848, .height = 480};
   working = anchor;

@@ -1,10 +1,9 @@
 #ifndef FILTERPROCESSOR_FILTERS_NOISE_REMOVAL_FILTER_H
 #define FILTERPROCESSOR_FILTERS_NOISE_REMOVAL_FILTER_H
 
-#include <cstdlib>
-#include <memory>
 #include <mutex>
 
+#include "common/zeroed_buffer.h"
 #include "filters/depth_difference_table.h"
 #include "framework/priv_filter.h"
 
@@ -42,23 +41,16 @@ class FILTERPROCESSOR_API NoiseRemovalFilter : public IPrivFilter {
 
     bool operator==(const Parameters&) const = default;
   };
-  struct Free {
-    void operator()(std::uint8_t* bytes) const { std::free(bytes); }
-  };
 
   void configure(const FrameInfoInner& info, zv_error** error);
-  void allocate(std::uint64_t width, std::uint64_t height);
 
   std::recursive_mutex lock_;
-  std::uint64_t buffer_width = 0;
-  std::uint64_t buffer_height = 0;
-  std::uint64_t buffer_size = 0;  ///< bytes
   bool config_changed = false;
   Parameters anchor;
   Parameters working;
   FrameInfoInner current_frame_info = {.fraction_bit_size = 6};
   FrameInfoInner last_frame_info = {.width = 848, .height = 480};
-  std::unique_ptr<std::uint8_t, Free> buffer;
+  ZeroedBuffer<std::uint8_t> buffer;
   DepthDifferenceTable table;
 };
 
