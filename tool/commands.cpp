@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <iomanip>
+#include <memory>
 #include <ostream>
 #include <stdexcept>
 
 #include <nlohmann/json.hpp>
 
+#include "camera_file.h"
 #include "chain.h"
 #include "failure.h"
 #include "files.h"
@@ -15,8 +17,9 @@
 #include "frame_source.h"
 #include "outputs.h"
 #include "plugin.h"
+#include "progress.h"
+#include "report.h"
 #include "run.h"
-#include "table.h"
 
 namespace zvfilter {
 
@@ -84,6 +87,7 @@ std::int32_t pixel_type_code(const std::string& text) {
 
 FrameAttributes frame_attributes(const RunOptions& options) {
   FrameAttributes attributes;
+  if (options.camera) attributes.camera = read_camera_file(*options.camera);
   if (options.value_scale) {
     attributes.value_scale = static_cast<float>(positive("--value-scale", *options.value_scale));
   }
@@ -144,31 +148,30 @@ ChainLink make_link(const Plugin& plugin, const std::string& text, std::ostream&
 
 void note_nominal_camera(const std::vector<ChainLink>& links, const FrameAttributes& attributes,
                          std::ostream& notes) {
+  const std::int32_t pixel_type = attributes.pixel_type.value_or(ZV_PIXEL_TYPE_DEPTH);
   const bool needed = std::any_of(links.begin(), links.end(), [&](const ChainLink& link) {
-    return uses_geometry(link.filter.name(), attributes.pixel_type);
+    return uses_geometry(link.filter.name(), pixel_type);
   });
-  if (!needed || (attributes.baseline && attributes.fx)) return;
-  const int fraction_bits = std::max(attributes.bits - FrameAttributes::kDisparityIntegerBits, 0);
+  if (!needed || attributes.camera || (attributes.baseline && attributes.fx)) return;
+  const int fraction_bits =
+      std::max(attributes.bits.value_or(16) - FrameAttributes::kDisparityIntegerBits, 0);
   notes << "zvfilter: note: the files carry no stereo geometry; assuming a nominal camera with ";
   if (!attributes.baseline) notes << "baseline " << FrameAttributes::kNominalBaseline << " mm, ";
   if (!attributes.fx) notes << "fx " << FrameAttributes::kNominalFocalPerWidth << " times the width, ";
   notes << fraction_bits << " fraction bits (--baseline, --fx and --bits set them)\n";
 }
 
-double median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  const std::size_t middle = values.size() / 2;
-  return values.size() % 2 != 0 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
-}
-
-void print_statistics(const std::vector<FilterStatistics>& statistics, std::ostream& out) {
-  Table table({"filter", "frames", "valid before", "valid after", "changed", "median ms"});
-  for (const FilterStatistics& s : statistics) {
-    table.add({s.name, concat(s.frames), concat(s.valid_before), concat(s.valid_after),
-               s.changed ? concat(*s.changed) : "-",
-               concat(std::fixed, std::setprecision(3), median(s.milliseconds))});
+std::unique_ptr<FrameSource> open_source(const RunOptions& options, const FrameAttributes& attributes) {
+  const std::optional<Size> size = raw_size(options);
+  for (const std::string& input : options.inputs) {
+    if (!input.starts_with(kCameraInput)) continue;
+    if (options.inputs.size() > 1) fail_usage(input + " has to be the only input");
+    if (options.truth) fail_usage("--truth is for files; " + input + " brings its own");
+    return std::make_unique<CameraSource>(make_camera_request(parse_camera_input(input)), attributes);
   }
-  table.print(out);
+  std::vector<std::filesystem::path> truth;
+  if (options.truth) truth = collect_inputs({*options.truth});
+  return std::make_unique<FileSource>(collect_inputs(options.inputs), truth, size, attributes);
 }
 
 }  // namespace
@@ -202,20 +205,42 @@ void run_command(const std::optional<std::string>& plugin_file, const RunOptions
                  std::ostream& out, std::ostream& notes) {
   const FrameAttributes attributes = frame_attributes(options);
   const OutputSettings settings = output_settings(options);
-  const std::optional<Size> size = raw_size(options);
   const Plugin plugin = open_plugin(plugin_file);
   std::vector<ChainLink> links;
   for (const std::string& text : options.filters) links.push_back(make_link(plugin, text, notes));
-  FileSource source(collect_inputs(options.inputs), size, attributes);
-  const std::vector<OutputFiles> outputs = plan_outputs(source, settings);
-  note_nominal_camera(links, attributes, notes);
+  const std::unique_ptr<FrameSource> source = open_source(options, attributes);
+  const std::vector<OutputFiles> outputs = plan_outputs(*source, settings);
+  if (source->reads_files()) note_nominal_camera(links, attributes, notes);
 
   std::vector<Filter> chain;
   for (ChainLink& link : links) {
     if (link.values) link.filter.configure(*link.values);
     chain.push_back(std::move(link.filter));
   }
-  print_statistics(run_chain(chain, source, outputs, options.frame_set), out);
+  print_results(run_chain(chain, *source, outputs, options.frame_set), out);
+}
+
+void camera_command(const CameraCommandOptions& options, std::ostream& out) {
+  if (options.output.empty()) fail_usage("the folder for the frames has no name");
+  const CameraRequest request = make_camera_request(options.settings);
+  const std::filesystem::path folder = options.output, truth = folder / "truth";
+  CameraSource source(request, {});
+  make_folder(truth);
+  Progress progress(source.count());
+  for (std::size_t i = 0; i < source.count(); ++i) {
+    SourceFrame made = source.load(i);
+    const std::string name = camera_frame_stem(i) + ".png";
+    if (i == 0) {
+      const std::string camera = camera_json(made.frame);
+      write_whole(folder / "camera.json", Bytes(camera.begin(), camera.end()));
+    }
+    write_whole(folder / name, encode_png(FrameImage(std::move(made.frame)).image));
+    write_whole(truth / name, encode_png(*made.truth));
+    progress.show(i + 1);
+  }
+  out << source.count() << (source.count() == 1 ? " frame" : " frames") << " of " << request.config.width
+      << 'x' << request.config.height << " and camera.json in " << folder.string() << ", true depth in "
+      << truth.string() << '\n';
 }
 
 }  // namespace zvfilter

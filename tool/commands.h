@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "camera_options.h"
+
 namespace zvfilter {
 
 /// The options of `run` as they were typed.
@@ -22,6 +24,14 @@ struct RunOptions {
   bool frame_set = false;
   std::optional<std::string> baseline;
   std::optional<std::string> fx;
+  std::optional<std::string> camera;
+  std::optional<std::string> truth;
+};
+
+/// The options of `camera` as they were typed.
+struct CameraCommandOptions {
+  std::vector<CameraSetting> settings;
+  std::string output;
 };
 
 /// Each command takes the plug-in's path, or nothing for the program's own, and throws Failure.
@@ -31,6 +41,8 @@ void schema_command(const std::optional<std::string>& plugin, const std::string&
 /// @param notes takes warnings and notes, one line each, beginning with "zvfilter: "
 void run_command(const std::optional<std::string>& plugin, const RunOptions& options, std::ostream& out,
                  std::ostream& notes);
+/// Needs no plug-in.
+void camera_command(const CameraCommandOptions& options, std::ostream& out);
 
 }  // namespace zvfilter
 

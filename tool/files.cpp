@@ -100,6 +100,12 @@ std::vector<fs::path> collect_inputs(const std::vector<std::string>& inputs) {
   return files;
 }
 
+void make_folder(const fs::path& folder) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) fail_run(concat(folder.string(), ": cannot be made: ", error.message()));
+}
+
 Bytes read_whole(const fs::path& file) {
   Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
   if (!descriptor) fail_system(file, "cannot be read");

@@ -17,6 +17,9 @@ inline constexpr const char* kPreviewSuffix = "_preview.png";
 /// @throws Failure for an input that is missing, is of no known format or holds no image
 std::vector<std::filesystem::path> collect_inputs(const std::vector<std::string>& inputs);
 
+/// @throws Failure when the folder is not there and cannot be made
+void make_folder(const std::filesystem::path& folder);
+
 /// @throws Failure
 Bytes read_whole(const std::filesystem::path& file);
 

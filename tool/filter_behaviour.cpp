@@ -81,7 +81,7 @@ constexpr Traits kTraits[] = {
     {"DepthResize", false, Geometry::unused},
     {"EdgeNoiseRemovalFilter", false, Geometry::unused},
     {"HardwareD2DCorrectionFilter", true,
-     Geometry::unused},  // used with a correction, which no file carries
+     Geometry::unused},  // used with a correction, which no image file carries
     {"OpenNIDisparityTransform", false, Geometry::of_disparity},
 };
 

@@ -17,7 +17,16 @@ struct Arguments {
   bool json = false;
   std::string filter;
   zvfilter::RunOptions run;
+  zvfilter::CameraCommandOptions camera;
 };
+
+constexpr const char* kRunFooter =
+    "Two rows of the second table, which needs the true depth, are before and after a filter:\n"
+    "  coverage      pixels that are valid\n"
+    "  median, p95   absolute error over the valid pixels whose true depth is known\n"
+    "  off > 5 %     those of them that miss it by more than 5 %\n"
+    "  flicker       median change from one frame to the next where the true depth stays the same\n"
+    "A dash: the frames are disparity, have changed their size, or there is nothing to measure.";
 
 void describe_run(CLI::App& command, zvfilter::RunOptions& run) {
   command
@@ -29,16 +38,35 @@ void describe_run(CLI::App& command, zvfilter::RunOptions& run) {
       ->allow_extra_args(false)
       ->type_name("FILTER");
   command
-      .add_option("INPUT", run.inputs,
-                  "Images (.png, .pgm, .npy, .raw, .bin) or folders of them, in name order")
+      .add_option(
+          "INPUT", run.inputs,
+          "Images (.png, .pgm, .npy, .raw, .bin) or folders of them, in name order; or camera:, the "
+          "virtual camera itself, with any options of zvfilter camera, such as "
+          "camera:frames=30,size=640x400,pack-mode=1,mono")
       ->required()
       ->type_name("");
   command.add_option("-o,--output", run.output, "Folder for the results")->required()->type_name("DIR");
   command
       .add_option("--format", run.format, "Format of the results: png, pgm, npy, raw; else the input's")
       ->type_name("FORMAT");
-  command.add_flag("--preview", run.preview, "Also write a colour picture of before and after");
+  command.add_flag(
+      "--preview", run.preview,
+      "Also write a colour picture of before and after, from near in blue to far in red: both in one "
+      "range or, where their pixel types differ, each in its own");
   command.add_option("--size", run.size, "Size of raw files")->type_name("WxH");
+  command
+      .add_option(
+          "--camera", run.camera,
+          "The camera.json that says what the frames carry beside their pixels: pixel type, bits, value "
+          "scale, format, disparity parameters, intrinsics, metadata. Options below replace what it says")
+      ->type_name("FILE");
+  command
+      .add_option(
+          "--truth", run.truth,
+          "Folder with the true depth in millimetres (0: not known), a file of the same name in any "
+          "format for each input; camera: brings its own")
+      ->type_name("DIR");
+  command.footer(kRunFooter);
   command.add_option("--value-scale", run.value_scale, "Millimetres a unit, 1 by default")
       ->type_name("NUMBER");
   command.add_option("--bits", run.bits, "Bits of a pixel, 16 by default")->type_name("N");
@@ -50,6 +78,28 @@ void describe_run(CLI::App& command, zvfilter::RunOptions& run) {
   command.add_option("--baseline", run.baseline, "Distance of the two viewpoints in millimetres")
       ->type_name("NUMBER");
   command.add_option("--fx", run.fx, "Focal length in pixels")->type_name("NUMBER");
+}
+
+void describe_camera(CLI::App& command, zvfilter::CameraCommandOptions& camera) {
+  command.add_option("-o,--output", camera.output, "Folder for the frames, camera.json and truth/")
+      ->required()
+      ->type_name("DIR");
+  for (const zvfilter::CameraOption& option : zvfilter::camera_options()) {
+    const std::string name(option.name), flag = "--" + name, help(option.help);
+    if (option.value_name.empty()) {
+      command.add_flag_callback(
+          flag,
+          [&camera, name, flag] {
+            camera.settings.push_back({name, "", flag});
+          },
+          help);
+      continue;
+    }
+    const auto keep = [&camera, name, flag](const std::string& value) {
+      camera.settings.push_back({name, value, flag + ' ' + value});
+    };
+    command.add_option_function<std::string>(flag, keep, help)->type_name(std::string(option.value_name));
+  }
 }
 
 int run_program(int argc, char** argv) {
@@ -66,6 +116,11 @@ int run_program(int argc, char** argv) {
   schema->add_option("NAME", arguments.filter, "The filter")->required()->type_name("");
   CLI::App* run = app.add_subcommand("run", "Run a chain of filters on a sequence of images");
   describe_run(*run, arguments.run);
+  CLI::App* camera = app.add_subcommand("camera",
+                                        "Write disparity frames of a virtual stereo camera, its "
+                                        "parameters (camera.json) and the true depth in "
+                                        "millimetres (truth/)");
+  describe_camera(*camera, arguments.camera);
 
   try {
     app.parse(argc, argv);
@@ -75,13 +130,14 @@ int run_program(int argc, char** argv) {
     if (app.get_subcommands().empty() && !app.remaining().empty()) {
       const std::string unknown = app.remaining().front();
       zvfilter::fail_usage((unknown.starts_with('-') ? "unknown option " : "unknown command ") + unknown +
-                           "; " + zvfilter::suggest(unknown, {"list", "schema", "run"}));
+                           "; " + zvfilter::suggest(unknown, {"list", "schema", "run", "camera"}));
     }
     zvfilter::fail_usage(std::string(problem.what()) + "; see zvfilter --help");
   }
   if (list->parsed()) zvfilter::list_command(arguments.plugin, arguments.json, std::cout);
   if (schema->parsed()) zvfilter::schema_command(arguments.plugin, arguments.filter, std::cout);
   if (run->parsed()) zvfilter::run_command(arguments.plugin, arguments.run, std::cout, std::cerr);
+  if (camera->parsed()) zvfilter::camera_command(arguments.camera, std::cout);
   std::cout.flush();
   if (!std::cout) zvfilter::fail_run("standard output cannot be written");
   return 0;

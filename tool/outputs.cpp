@@ -29,8 +29,9 @@ std::vector<OutputFiles> plan_outputs(const FrameSource& source, const OutputSet
   std::map<FileIdentity, std::string> inputs;
   for (std::size_t i = 0; i < source.count(); ++i) {
     const FrameName name = source.name(i);
-    if (const auto file = name.file.empty() ? std::nullopt : identity(name.file))
-      inputs[*file] = name.label;
+    for (const fs::path& file : name.files) {
+      if (const auto known = identity(file)) inputs[*known] = file.string();
+    }
   }
 
   std::map<fs::path, std::string> planned;

@@ -24,27 +24,46 @@ constexpr std::array<Rgb, 11> kAnchors = {{{48, 20, 62},
                                            {212, 54, 8},
                                            {124, 6, 4}}};
 
+constexpr std::int32_t kFarthest = 65535;  // distance rank
+
 struct Range {
   double low;
   double high;
 };
 
-Range robust_range(const Image& before, const Image& after) {
-  std::vector<std::uint64_t> histogram(65536);
-  for (const Image* image : {&before, &after}) {
-    for (const std::uint16_t pixel : image->pixels) ++histogram[pixel];
-  }
+Range robust_range(std::initializer_list<const FrameImage*> frames) {
+  std::vector<std::uint64_t> histogram(2 * kFarthest + 1);  // of distance ranks
   std::uint64_t valid = 0;
-  for (std::size_t value = 1; value < histogram.size(); ++value) valid += histogram[value];
-  // The smallest value with more than `rank` valid pixels up to it.
-  const auto value_at = [&](std::uint64_t rank) {
-    std::size_t value = 0;
-    for (std::uint64_t seen = 0; seen <= rank && value + 1 < histogram.size();)
-      seen += histogram[++value];
-    return static_cast<double>(value);
-  };
+  for (const FrameImage* frame : frames) {
+    const PixelReader reader(frame->attributes);
+    for (const std::uint16_t pixel : frame->image.pixels) {
+      const auto rank = reader.distance_rank(pixel);
+      if (!rank) continue;
+      ++histogram[static_cast<std::size_t>(*rank + kFarthest)];
+      ++valid;
+    }
+  }
   if (valid == 0) return {0, 1};
-  return {value_at(valid / 50), value_at(valid - 1 - valid / 50)};
+  // The smallest rank with more than `place` valid pixels up to it.
+  const auto rank_at = [&](std::uint64_t place) {
+    std::size_t at = 0;
+    for (std::uint64_t seen = histogram[0]; seen <= place; seen += histogram[at]) ++at;
+    return static_cast<double>(at) - kFarthest;
+  };
+  return {rank_at(valid / 50), rank_at(valid - 1 - valid / 50)};
+}
+
+/// Of every pixel value; invalid ones stay black.
+std::vector<Rgb> colors_of(const FrameImage& frame, const Range& range) {
+  const PixelReader reader(frame.attributes);
+  std::vector<Rgb> colors(65536);
+  for (std::size_t value = 0; value < colors.size(); ++value) {
+    const auto rank = reader.distance_rank(static_cast<std::uint16_t>(value));
+    if (!rank) continue;
+    const double offset = *rank - range.low;
+    colors[value] = rainbow(range.high > range.low ? offset / (range.high - range.low) : 0.5 + offset);
+  }
+  return colors;
 }
 
 void paint(const Image& image, const std::vector<Rgb>& colors, std::uint32_t left, ColorImage& picture) {
@@ -69,17 +88,15 @@ Rgb rainbow(double value) {
   return color;
 }
 
-ColorImage preview(const Image& before, const Image& after) {
-  const Range range = robust_range(before, after);
-  std::vector<Rgb> colors(65536);  // of every pixel value; that of 0 stays black
-  for (std::size_t value = 1; value < colors.size(); ++value) {
-    const double offset = static_cast<double>(value) - range.low;
-    colors[value] = rainbow(range.high > range.low ? offset / (range.high - range.low) : 0.5 + offset);
-  }
-  ColorImage picture{before.width + kGap + after.width, std::max(before.height, after.height), {}};
+ColorImage preview(const FrameImage& before, const FrameImage& after) {
+  const bool same_unit = before.attributes.pixel_type == after.attributes.pixel_type;
+  const Range all = robust_range({&before, &after});
+  const auto range_of = [&](const FrameImage& frame) { return same_unit ? all : robust_range({&frame}); };
+  const std::uint32_t start = before.image.width + kGap;
+  ColorImage picture{start + after.image.width, std::max(before.image.height, after.image.height), {}};
   picture.pixels.resize(std::size_t{3} * picture.width * picture.height);
-  paint(before, colors, 0, picture);
-  paint(after, colors, before.width + kGap, picture);
+  paint(before.image, colors_of(before, range_of(before)), 0, picture);
+  paint(after.image, colors_of(after, range_of(after)), start, picture);
   return picture;
 }
 

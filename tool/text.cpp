@@ -53,6 +53,10 @@ std::optional<std::int32_t> parse_integer(std::string_view text) {
   return parse_whole<std::int32_t>(text);
 }
 
+std::optional<std::uint64_t> parse_unsigned(std::string_view text) {
+  return parse_whole<std::uint64_t>(text);
+}
+
 std::optional<double> parse_number(std::string_view text) {
   const auto value = parse_whole<double>(text);
   return value && std::isfinite(*value) ? value : std::nullopt;

@@ -24,6 +24,8 @@ std::vector<std::string_view> split(std::string_view text, char separator);
 
 /// A whole decimal integer of 32 bits, or nothing. A sign is allowed, blanks and anything else are not.
 std::optional<std::int32_t> parse_integer(std::string_view text);
+/// As parse_integer(), from 0 up and of 64 bits.
+std::optional<std::uint64_t> parse_unsigned(std::string_view text);
 /// A finite decimal number, or nothing.
 std::optional<double> parse_number(std::string_view text);
 

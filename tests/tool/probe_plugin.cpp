@@ -10,8 +10,8 @@ struct zv_priv_filter_t {
 
 namespace {
 
-const char* const kNames[] = {"MissingFilter", "FailingFilter", "SilentFilter", "EchoFilter",
-                              "CroppingFilter"};
+const char* const kNames[] = {"MissingFilter", "FailingFilter",  "SilentFilter",
+                              "EchoFilter",    "CroppingFilter", "ConvertingFilter"};
 
 void destroy(PrivFilterContext* context) {
   delete context->filter;
@@ -67,14 +67,16 @@ zv_frame_t* process(zv_priv_filter_t* filter, const zv_frame_t* frame, zv_error*
   if (filter->index <= 2) return nullptr;
   if (filter->index == 4) return crop(frame, error);
   describe(filter, frame, error);
-  return zv_create_frame_from_other_frame(frame, true, error);
+  zv_frame_t* output = zv_create_frame_from_other_frame(frame, true, error);
+  if (filter->index == 5) zv_video_frame_set_pixel_type(output, ZV_PIXEL_TYPE_DEPTH, error);
+  return output;
 }
 
 }  // namespace
 
 extern "C" {
 
-int32_t zv_get_filter_count() { return 5; }
+int32_t zv_get_filter_count() { return 6; }
 const char* zv_get_filter_name(int32_t index) { return kNames[index]; }
 
 PrivFilterContext* zv_create_filter(int32_t index) {

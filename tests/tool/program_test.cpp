@@ -199,6 +199,113 @@ TEST_F(Program, RefusesPluginsThatAreNone) {
                  "lacks the function zv_create_filter");
 }
 
+TEST_F(Program, CameraFilesAndTheCameraItselfGiveTheSameResults) {
+  const std::map<std::string, std::string> option_forms = {
+      {"", ""},
+      {",pack-mode=1,correction=-3", "--pack-mode 1 --correction -3"},
+      {",pack-mode=4", "--pack-mode 4"},
+      {",pixel-format=34,mono", "--pixel-format 34 --mono"},
+  };
+  for (const auto& [in_input, typed] : option_forms) {
+    SCOPED_TRACE(typed);
+    fs::remove_all(folder_ / "cam");
+    const Outcome made = run("camera -o cam --frames 2 --size 96x64 --seed 5 " + typed);
+    ASSERT_EQ(made.status, 0) << made.err;
+    EXPECT_EQ(listing("cam"),
+              (Names{"camera.json", "disparity_0000.png", "disparity_0001.png", "truth"}));
+    EXPECT_EQ(listing("cam/truth"), (Names{"disparity_0000.png", "disparity_0001.png"}));
+
+    const std::string filters = "run -f EchoFilter -f ConvertingFilter --preview ";
+    const Outcome files = run_probe(filters + "cam --camera cam/camera.json --truth cam/truth -o a");
+    const Outcome itself = run_probe(concat(filters, "-o b camera:frames=2,size=96x64,seed=5", in_input));
+    EXPECT_EQ(itself.status, 0) << itself.err;
+    EXPECT_EQ(files.err + itself.err, "");
+    const auto except_times = [](const std::string& out) {
+      return out.substr(0, out.find("\nfilter ")).append(out.substr(out.find("\nafter ")));
+    };
+    EXPECT_EQ(except_times(files.out), except_times(itself.out));
+    EXPECT_EQ(listing("a"), listing("b"));
+    EXPECT_EQ(listing("a").size(), 4u);
+    for (const std::string& name : listing("a"))
+      EXPECT_EQ(text_of(folder_ / "a" / name), text_of(folder_ / "b" / name));
+    EXPECT_EQ(get("a/disparity_0001.png"), get("cam/disparity_0001.png"));
+    EXPECT_NE(get("cam/disparity_0000.png"), get("cam/disparity_0001.png"));
+    EXPECT_MENTIONS(files.out, ", type 2, scale 1, baseline 50, fx 67.2\n");
+    EXPECT_MENTIONS(files.out, "\n(input)                  -  ");
+    EXPECT_MENTIONS(files.out, "\nEchoFilter               -  ");
+    EXPECT_EQ(files.out.find("\nConvertingFilter         -  "), std::string::npos);
+  }
+}
+
+TEST_F(Program, OptionsReplaceWhatTheCameraSays) {
+  ASSERT_EQ(run("camera -o cam --frames 1 --size 64x48").status, 0);
+  const std::string replaced =
+      " --bits 12 --pixel-type linear --value-scale 0.25 --baseline 75 --fx 400 -o results";
+  for (const char* input : {"cam --camera cam/camera.json", "camera:frames=1,size=64x48"}) {
+    const Outcome outcome = run_probe(concat("run -f EchoFilter ", input, replaced));
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_MENTIONS(outcome.out, "bits 12, type 4, scale 0.25, baseline 75, fx 400\n");
+  }
+}
+
+TEST_F(Program, ComparesEveryStageWithTheTruth) {
+  fs::create_directory(folder_ / "truth");
+  put("in/a.png", Image{2, 2, {1000, 0, 1040, 1200}});
+  put("in/b.pgm", Image{2, 2, {1010, 0, 1040, 1200}});
+  put("truth/a.npy", Image{2, 2, {1000, 1000, 1000, 1000}});
+  put("truth/b.raw", Image{2, 2, {1000, 1000, 1001, 0}});
+  const Outcome outcome = run_probe(
+      "run -f ConvertingFilter -f CroppingFilter in -o results --truth truth --size 2x2 --baseline 1 "
+      "--fx 1");
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_MENTIONS(outcome.out,
+                  "\nafter             coverage  median error mm  p95 error mm  off > 5 %  flicker mm\n"
+                  "(input)            75.00 %             39.0         200.0    20.00 %        10.0\n"
+                  "ConvertingFilter   75.00 %             39.0         200.0    20.00 %        10.0\n"
+                  "CroppingFilter           -                -             -          -           -\n");
+}
+
+TEST_F(Program, RefusesWrongCamerasAndTruths) {
+  put("in/a.png", kHoles);
+  put("in/b.png", kHoles);
+  fs::create_directory(folder_ / "truth");
+  put("truth/a.png", kHoles);
+  put("broken.json", Bytes{'{'});
+  const std::map<std::string, std::string> wrong_content = {
+      {"in/a.png --camera broken.json", "broken.json: is no JSON: "},
+      {"in/a.png --camera nowhere.json", "nowhere.json: cannot be read: "},
+      {"in --truth truth", "in/b.png: has no truth; expected a file named b in truth"},
+      {"in/a.png --truth in/none", "in/none: no such file or folder"},
+  };
+  for (const auto& [arguments, part] : wrong_content) {
+    SCOPED_TRACE(arguments);
+    expect_refused(run("run -f HoleFillingFilter -o results " + arguments), 1, part);
+  }
+  const std::map<std::string, std::string> wrong_usage = {
+      {"run -f HoleFillingFilter -o results camera:bist=12",
+       "camera: unknown option \"bist\"; did you mean bits?"},
+      {"run -f HoleFillingFilter -o results camera: in", "camera: has to be the only input"},
+      {"run -f HoleFillingFilter -o results camera: --truth truth",
+       "--truth is for files; camera: brings its own"},
+      {"run -f HoleFillingFilter -o truth in/a.png --truth truth", "would replace the input truth/a.png"},
+      {"camera -o results --pack-mode 3 --mono",
+       "--pack-mode 3: camera pack_mode has to be 1, 2 or 4 with"},
+      {"camera -o results --frames 0", "--frames 0: expected 1 to 10000"},
+      {"camera -o ''", "the folder for the frames has no name"},
+      {"camera", "--output is required"},
+  };
+  for (const auto& [arguments, part] : wrong_usage) {
+    SCOPED_TRACE(arguments);
+    expect_refused(run(arguments), 2, part);
+  }
+  put("truth/a.pgm", Image{1, 1, {1}});
+  expect_refused(run("run -f HoleFillingFilter -o results in/a.png --truth truth"), 2,
+                 "would both be the truth of in/a.png");
+  fs::remove(folder_ / "truth/a.png");
+  expect_refused(run("run -f HoleFillingFilter -o results in/a.png --truth truth"), 1,
+                 "truth/a.pgm: is 1x1; expected 3x3, the size of in/a.png");
+}
+
 TEST_F(Program, RefusesWrongUsage) {
   put("in/a.png", kHoles);
   put("in/a.pgm", kHoles);
