@@ -13,6 +13,16 @@ double ratio(std::uint64_t part, std::uint64_t whole) {
   return static_cast<double>(part) / static_cast<double>(whole);
 }
 
+/// In millimetres, 0 where invalid.
+std::vector<double> depth_of(const FrameImage& frame) {
+  const PixelReader reader(frame.attributes);
+  const auto scale = static_cast<double>(frame.attributes.value_scale);
+  std::vector<double> depth(frame.image.pixels.size());
+  std::transform(frame.image.pixels.begin(), frame.image.pixels.end(), depth.begin(),
+                 [&](std::uint16_t pixel) { return reader.distance_rank(pixel).value_or(0) * scale; });
+  return depth;
+}
+
 }  // namespace
 
 void Distribution::add(double millimetres) {
@@ -34,39 +44,34 @@ std::optional<double> Distribution::quantile(double part) const {
 }
 
 void Accuracy::add(const FrameImage& frame, const Image& truth) {
-  const Image& depth = frame.image;
-  if (frame.attributes.pixel_type == ZV_PIXEL_TYPE_DISPARITY || depth.width != truth.width ||
-      depth.height != truth.height) {
+  if (frame.attributes.pixel_type == ZV_PIXEL_TYPE_DISPARITY || frame.image.width != truth.width ||
+      frame.image.height != truth.height) {
     comparable_ = false;
   }
   if (!comparable_) return;
-  const auto scale = static_cast<double>(frame.attributes.value_scale);
-  add_errors(depth, truth, scale);
-  if (depth.width == last_depth_.width && depth.height == last_depth_.height) {
-    add_changes(depth, truth, scale);
-  }
-  last_depth_ = depth;
+  std::vector<double> depth = depth_of(frame);
+  add_errors(depth, truth);
+  if (truth.width == last_truth_.width && truth.height == last_truth_.height) add_changes(depth, truth);
+  last_depth_ = std::move(depth);
   last_truth_ = truth;
-  last_scale_ = scale;
 }
 
-void Accuracy::add_errors(const Image& depth, const Image& truth, double scale) {
-  pixels_ += depth.pixels.size();
-  for (std::size_t i = 0; i < depth.pixels.size(); ++i) {
-    if (depth.pixels[i] == 0) continue;
+void Accuracy::add_errors(const std::vector<double>& depth, const Image& truth) {
+  pixels_ += depth.size();
+  for (std::size_t i = 0; i < depth.size(); ++i) {
+    if (depth[i] == 0) continue;
     ++valid_;
     if (truth.pixels[i] == 0) continue;
-    const double error = std::abs(depth.pixels[i] * scale - truth.pixels[i]);
+    const double error = std::abs(depth[i] - truth.pixels[i]);
     errors_.add(error);
     off_ += 20 * error > truth.pixels[i];
   }
 }
 
-void Accuracy::add_changes(const Image& depth, const Image& truth, double scale) {
-  for (std::size_t i = 0; i < depth.pixels.size(); ++i) {
+void Accuracy::add_changes(const std::vector<double>& depth, const Image& truth) {
+  for (std::size_t i = 0; i < depth.size(); ++i) {
     const bool still = truth.pixels[i] != 0 && truth.pixels[i] == last_truth_.pixels[i];
-    if (!still || depth.pixels[i] == 0 || last_depth_.pixels[i] == 0) continue;
-    changes_.add(std::abs(depth.pixels[i] * scale - last_depth_.pixels[i] * last_scale_));
+    if (still && depth[i] != 0 && last_depth_[i] != 0) changes_.add(std::abs(depth[i] - last_depth_[i]));
   }
 }
 

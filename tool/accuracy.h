@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
 #include "frame_image.h"
 
@@ -39,14 +40,14 @@ class Accuracy {
   std::optional<double> flicker() const;
 
  private:
-  void add_errors(const Image& depth, const Image& truth, double scale);
-  void add_changes(const Image& depth, const Image& truth, double scale);
+  void add_errors(const std::vector<double>& depth, const Image& truth);
+  void add_changes(const std::vector<double>& depth, const Image& truth);
 
   bool comparable_ = true;
   std::uint64_t pixels_ = 0, valid_ = 0, off_ = 0;
   Distribution errors_, changes_;
-  Image last_depth_, last_truth_;
-  double last_scale_ = 1;
+  std::vector<double> last_depth_;  // millimetres, 0 where invalid
+  Image last_truth_;
 };
 
 }  // namespace zvfilter

@@ -174,6 +174,23 @@ std::unique_ptr<FrameSource> open_source(const RunOptions& options, const FrameA
   return std::make_unique<FileSource>(collect_inputs(options.inputs), truth, size, attributes);
 }
 
+void write_camera_frames(CameraSource& source, const std::filesystem::path& folder,
+                         const std::filesystem::path& truth) {
+  make_folder(truth);
+  Progress progress(source.count());
+  for (std::size_t i = 0; i < source.count(); ++i) {
+    SourceFrame made = source.load(i);
+    if (i == 0) {
+      const std::string camera = camera_json(made.frame);
+      write_whole(folder / "camera.json", Bytes(camera.begin(), camera.end()));
+    }
+    const std::string name = camera_frame_stem(i) + ".png";
+    write_whole(folder / name, encode_png(FrameImage(std::move(made.frame)).image));
+    write_whole(truth / name, encode_png(*made.truth));
+    progress.show(i + 1);
+  }
+}
+
 }  // namespace
 
 void list_command(const std::optional<std::string>& plugin_file, bool json, std::ostream& out) {
@@ -225,19 +242,7 @@ void camera_command(const CameraCommandOptions& options, std::ostream& out) {
   const CameraRequest request = make_camera_request(options.settings);
   const std::filesystem::path folder = options.output, truth = folder / "truth";
   CameraSource source(request, {});
-  make_folder(truth);
-  Progress progress(source.count());
-  for (std::size_t i = 0; i < source.count(); ++i) {
-    SourceFrame made = source.load(i);
-    const std::string name = camera_frame_stem(i) + ".png";
-    if (i == 0) {
-      const std::string camera = camera_json(made.frame);
-      write_whole(folder / "camera.json", Bytes(camera.begin(), camera.end()));
-    }
-    write_whole(folder / name, encode_png(FrameImage(std::move(made.frame)).image));
-    write_whole(truth / name, encode_png(*made.truth));
-    progress.show(i + 1);
-  }
+  write_camera_frames(source, folder, truth);
   out << source.count() << (source.count() == 1 ? " frame" : " frames") << " of " << request.config.width
       << 'x' << request.config.height << " and camera.json in " << folder.string() << ", true depth in "
       << truth.string() << '\n';

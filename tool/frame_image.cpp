@@ -17,16 +17,12 @@ FrameImage::FrameImage(devhost::FrameSpec frame) : attributes(std::move(frame)) 
   image = {attributes.width, attributes.height, std::exchange(attributes.pixels, {})};
 }
 
-PixelReader::PixelReader(const devhost::FrameSpec& frame) {
-  if (frame.pixel_type != ZV_PIXEL_TYPE_DISPARITY) {
-    code_ = Code::depth;
-    return;
-  }
-  if (frame.format == ZV_FORMAT_PACKED_CODE) confidence_bits_ = 4;
-  code_ = frame.disparity.packMode == 1                ? Code::growing
-          : devhost::has_signed_codes(frame.disparity) ? Code::two_complement
-                                                       : Code::falling;
-}
+PixelReader::PixelReader(const devhost::FrameSpec& frame)
+    : code_(frame.pixel_type != ZV_PIXEL_TYPE_DISPARITY  ? Code::depth
+            : frame.disparity.packMode == 1              ? Code::growing
+            : devhost::has_signed_codes(frame.disparity) ? Code::two_complement
+                                                         : Code::falling),
+      confidence_bits_(frame.format == ZV_FORMAT_PACKED_CODE ? 4 : 0) {}
 
 std::optional<std::int32_t> PixelReader::distance_rank(std::uint16_t pixel) const {
   const std::int32_t code = pixel >> confidence_bits_;

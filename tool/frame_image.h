@@ -12,7 +12,7 @@ namespace zvfilter {
 /// A frame's pixels and what tells their meaning.
 struct FrameImage {
   explicit FrameImage(Image pixels) : image(std::move(pixels)) {}
-  /// Without width x height pixels the image has none.
+  /// @param frame with width x height pixels
   explicit FrameImage(devhost::FrameSpec frame);
 
   Image image;
@@ -24,13 +24,14 @@ class PixelReader {
  public:
   explicit PixelReader(const devhost::FrameSpec& frame);
 
-  /// A number that grows with the distance, from -65535 to 65535; nothing for an invalid pixel.
+  /// A number that grows with the distance, from -65535 to 65535: the depth itself where the frame is
+  /// depth. Nothing for an invalid pixel.
   std::optional<std::int32_t> distance_rank(std::uint16_t pixel) const;
 
  private:
   enum class Code { depth, growing, falling, two_complement };  // with the distance
   Code code_;
-  int confidence_bits_ = 0;  // below the code
+  int confidence_bits_;  // below the code or depth
 };
 
 std::uint64_t count_valid(const FrameImage& frame);

@@ -43,6 +43,16 @@ TEST(Accuracy, MeasuresValidPixelsWithATruth) {
   EXPECT_EQ(accuracy.flicker(), 5);  // of 0, 5, 6 and 100
 }
 
+TEST(Accuracy, ReadsTheDepthOfPackedPixels) {
+  FrameImage frame = depth({3, 1, {100 * 16 + 15, 7, 90 * 16}});  // the second is confidence alone
+  frame.attributes.format = ZV_FORMAT_PACKED_CODE;
+  Accuracy accuracy;
+  accuracy.add(frame, {3, 1, {100, 100, 100}});
+  EXPECT_DOUBLE_EQ(accuracy.coverage().value(), 2.0 / 3);
+  EXPECT_EQ(accuracy.median(), 0);
+  EXPECT_EQ(accuracy.percentile95(), 10);
+}
+
 TEST(Accuracy, SeesFlickerOnlyWhereThePixelIsStill) {
   Accuracy accuracy;
   accuracy.add(depth({5, 1, {100, 100, 0, 100, 100}}), {5, 1, {100, 100, 100, 0, 100}});
