@@ -286,7 +286,8 @@ uint32_t zv_frame_get_data_size(const zv_frame_t* frame, zv_error** error) {
 }
 
 void zv_frame_update_data(zv_frame_t* frame, const void* data, uint32_t size, zv_error** error) {
-  if (!Call(__func__, error).needs(frame, "frame")) return;
+  Call call(__func__, error);
+  if (!call.needs(frame, "frame") || (size != 0 && !call.needs(data, "data"))) return;
   if (size != frame->data.size()) {
     const auto* bytes = static_cast<const unsigned char*>(data);
     frame->data = size != 0 ? std::vector(bytes, bytes + size) : std::vector<unsigned char>{};

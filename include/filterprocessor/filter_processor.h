@@ -8,13 +8,14 @@
  * `destroy` once.
  *
  * Rules that hold for every function here:
- * - Threads: any thread. Two threads may drive different filters freely; for one filter, `update_config`
- * and `process` may run at the same time where the filter has a lock of its own (all but
- * `HoleFillingFilter`, `DepthResize`, `TemporalFilter` and `HardwareD2DCorrectionFilter`).
+ * - Threads: any thread. Different filters are independent. One filter is driven by one thread at a time,
+ * but for `update_config`, which may run beside `process` where the filter has a lock of its own (all but
+ *   `HoleFillingFilter`, `DepthResize`, `TemporalFilter` and `HardwareD2DCorrectionFilter`).
  * - Errors: failures are reported by storing a new host error in `*error`. A null `error` is accepted:
- * the operation does the same work and the report is lost. `*error` should be null on entry; a host error
+ * the operation does the same work and the report is lost. `*error` should be null on entry; an error
  * that is already there is taken for a failure of the first host call.
- * - No exception leaves these functions, save std::bad_alloc from zv_create_filter().
+ * - No exception leaves these functions, save std::bad_alloc from zv_get_filter_count(),
+ *   zv_get_filter_name() and zv_create_filter().
  */
 #ifndef FILTERPROCESSOR_FILTER_PROCESSOR_H
 #define FILTERPROCESSOR_FILTER_PROCESSOR_H
@@ -66,8 +67,10 @@ FILTERPROCESSOR_API const char* zv_priv_filter_get_config_schema(zv_priv_filter_
                                                                  zv_error** error);
 
 /**
- * Sets every parameter from `argc` texts in schema order, which are read before the call returns.
- * Fails when the count is wrong or a value is outside its range. Null `filter`: nothing.
+ * Sets every parameter from `argc` texts in schema order, which are read before the call returns. A text
+ * that is not a number reads as 0. Fails when the count is wrong or a value is refused; some filters have
+ * stored the values before the refused one by then. The disparity transforms ignore bad depth limits in
+ * silence, and `HardwareD2DCorrectionFilter` ignores everything. Null `filter`: nothing.
  */
 FILTERPROCESSOR_API void zv_priv_filter_update_config(zv_priv_filter_t* filter, size_t argc,
                                                       const char** argv, zv_error** error);
@@ -80,7 +83,10 @@ FILTERPROCESSOR_API void zv_priv_filter_update_config(zv_priv_filter_t* filter, 
 FILTERPROCESSOR_API zv_frame_t* zv_priv_filter_process(zv_priv_filter_t* filter, const zv_frame_t* frame,
                                                        zv_error** error);
 
-/** Returns the filter to its initial parameters and drops its history. Null `filter`: nothing. */
+/**
+ * Returns the filter to its initial parameters and drops its history; the two disparity transforms drop
+ * their table only. Null `filter`: nothing.
+ */
 FILTERPROCESSOR_API void zv_priv_filter_reset(zv_priv_filter_t* filter, zv_error** error);
 
 /** The commit that the library was built from: seven lower-case hexadecimal digits. */

@@ -14,7 +14,7 @@ FILTERPROCESSOR_BEGIN_C
 /** Where a hole's value comes from. */
 enum {
   DEPTH_API_HOLE_FILL_TOP = 0,     /**< the pixel above */
-  DEPTH_API_HOLE_FILL_SMALLER = 1, /**< the smallest of the pixels above, below and to the left */
+  DEPTH_API_HOLE_FILL_SMALLER = 1, /**< the smallest valid pixel above, below or to the left */
   DEPTH_API_HOLE_FILL_LARGER = 2   /**< the largest of them */
 };
 
@@ -22,9 +22,9 @@ enum {
  * Fills the holes (pixels of value 0) of an image from their neighbours, in place.
  *
  * Rows are filled from the top down and, in modes 1 and 2, from left to right, so a filled pixel fills
- * its successors. In modes 1 and 2 the first and last rows never change, every eighth pixel of a row (x =
- * 0, 8,
- * ...) takes the pixel to its left alone, and in mode 1 the value 65535 counts as a hole too.
+ * its successors. In modes 1 and 2 the first and last rows never change, and a hole at every eighth pixel
+ * of a row, from the first on, takes the pixel to its left alone. Where there is no valid neighbour a
+ * hole stays 0. In mode 1 the value 65535 counts as a hole too.
  *
  * @param depth   `width` x `height` pixels, row after row without gaps; may be null only when there are
  * none

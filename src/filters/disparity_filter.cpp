@@ -1,5 +1,6 @@
 #include "filters/disparity_filter.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <iostream>
@@ -84,8 +85,7 @@ bool DisparityFilter::check_d2d_params_changed(ZVDisparityParam params) {
 
 void DisparityFilter::calculate_d2d_lookup_table(zv_error** error) {
   // Codes are 16 bits, so a longer table would never be read past that.
-  lutSize =
-      static_cast<std::uint32_t>(std::ldexp(1.0, lastParams.bitSize < 16 ? lastParams.bitSize : 16));
+  lutSize = 1u << std::min<unsigned>(lastParams.bitSize, 16);
   d2dLut = nullptr;
   init_lookup_table(error);
   if (!d2dLut) d2dLut = std::make_shared<DepthConverter>(lutSize);
@@ -104,11 +104,11 @@ void DisparityFilter::use_table(const Rule& rule, const TableKey& key) {
   next_kept_ = (next_kept_ + 1) % kept_->size();
 }
 
-void DisparityFilter::build_stereo_table(bool inverted, double scale, double disparity_end,
-                                         double depth_end) {
+void DisparityFilter::use_stereo_rule(CodeLayout layout, double scale, double disparity_end,
+                                      double depth_end) {
   const float offset = metadataDispOffset;
   const StereoRule rule = {
-      .layout = inverted ? CodeLayout::inverted : CodeLayout::linear,
+      .layout = layout,
       .scale = scale,
       .focal_baseline = lastParams.fx * double{lastParams.baseline},
       .unit = double{lastParams.unit * inverseDepthUnit},
@@ -123,7 +123,7 @@ void DisparityFilter::build_stereo_table(bool inverted, double scale, double dis
                    depth_end});
 }
 
-bool DisparityFilter::build_mono_table() {
+bool DisparityFilter::use_mono_rule() {
   const double scale = std::ldexp(1.0, lastParams.bitSize - 8);
   const double slope = lastParams.zpd / (lastParams.fx * double{lastParams.baseline});
   const double numerator = lastParams.zpd * (double{lastParams.unit} * double{inverseDepthUnit});
@@ -178,7 +178,7 @@ void DisparityFilter::update_profile_cache(const FrameProcess& host) {
 zv_frame_t* DisparityFilter::filter_process(const zv_frame_t* frame, zv_error** error) {
   return process_frame(frame, error, [this](const FrameProcess& host) {
     const zv_frame_t* depth = host.depth();
-    host.call(zv_frame_get_format, depth);
+    const std::int32_t format = host.call(zv_frame_get_format, depth);
     if (host.call(zv_video_frame_get_pixel_type, depth) != ZV_PIXEL_TYPE_DISPARITY)
       return host.deliver_copy();
     update_profile_cache(host);
@@ -196,20 +196,20 @@ zv_frame_t* DisparityFilter::filter_process(const zv_frame_t* frame, zv_error** 
       calculate_d2d_lookup_table(host.slot());
       host.test();
     }
-    return convert(host);
+    return convert(host, format);
   });
 }
 
-zv_frame_t* DisparityFilter::convert_at_same_size(const FrameProcess& host, bool packed_format) {
+zv_frame_t* DisparityFilter::convert_at_same_size(const FrameProcess& host, bool packed) {
   const zv_frame_t* depth = host.depth();
   const std::uint32_t count = host.call(zv_frame_get_data_size, depth) / 2;
   const std::uint8_t bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
   FrameHandle output = host.create_like(depth, false);
   host.call(zv_video_frame_set_pixel_type, output.get(), std::int32_t{ZV_PIXEL_TYPE_DEPTH});
-  const std::uint16_t* source = host.described_pixels(depth);
+  const std::uint16_t* source = host.described_pixels(depth, count);
   std::uint16_t* target = host.pixels(output.get(), count, 1);
   match_bit_size(host, bits);
-  if (packed_format && host.call(zv_frame_get_format, depth) == ZV_FORMAT_PACKED_CODE) {
+  if (packed) {
     d2dLut->convert_packed(source, target, count);
   } else {
     d2dLut->convert(source, target, count);
@@ -240,11 +240,15 @@ void DisparityFilter::set_depth_attributes(const FrameProcess& host, zv_frame_t*
 void DisparityFilter::reset_filter(zv_error**) {
   const std::lock_guard lock(lock_);
   d2dLut = nullptr;
+  kept_->fill({});
 }
 
 void DisparityFilter::print_key_params() {
   // The three single bytes go out as raw characters: readers of this print know them so.
-  const ZVDisparityParam& p = lastParams;
+  const ZVDisparityParam p = [this] {
+    const std::lock_guard lock(lock_);
+    return lastParams;
+  }();
   const auto raw = [](std::uint8_t byte) { return static_cast<char>(byte); };
   std::cout << "d2dParameters: \n"
             << "baseline:      " << float{p.baseline} << '\n'

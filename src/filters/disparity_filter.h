@@ -12,6 +12,7 @@
 namespace filterprocessor {
 
 class ConfigValues;
+enum class CodeLayout;
 class DepthConverter;
 class FrameProcess;
 
@@ -36,20 +37,22 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
   void calculate_d2d_lookup_table(zv_error** error);
 
   /// Converts the depth frame to what the caller gets. Called with the lock held.
-  virtual zv_frame_t* convert(const FrameProcess& host) = 0;
+  virtual zv_frame_t* convert(const FrameProcess& host, std::int32_t format) = 0;
   /// Fills a table of `lutSize` entries by the filter's rule and makes it the current one.
   virtual void init_lookup_table(zv_error** error) = 0;
 
   /// Takes max_depth, min_depth and depth_uint from the first three values, or silently ignores them.
   void update_depth_limits(const ConfigValues& values);
 
-  /// The stereo rule with the stored parameters, for a layout and a first depth without a place.
-  void build_stereo_table(bool inverted, double scale, double disparity_end, double depth_end);
-  /// The mono rule with the stored parameters; false for an unknown pack mode.
-  bool build_mono_table();
+  /// Makes the table of the stereo rule with the stored parameters the current one; see StereoRule for
+  /// the arguments.
+  void use_stereo_rule(CodeLayout layout, double scale, double disparity_end, double depth_end);
+  /// The same for the mono rule; false for an unknown pack mode.
+  bool use_mono_rule();
 
-  /// Converts every pixel. With `packed_format`, frames of that format keep their low 4 bits.
-  zv_frame_t* convert_at_same_size(const FrameProcess& host, bool packed_format);
+  /// Converts every pixel. `packed`: the code stands in the high 12 bits and the low 4 are carried
+  /// through.
+  zv_frame_t* convert_at_same_size(const FrameProcess& host, bool packed);
   /// Rebuilds the table for the frame's available bit size if the stored one differs.
   void match_bit_size(const FrameProcess& host, std::uint8_t available_bits);
   /// The current table, if there is one; there is inside convert().
@@ -71,7 +74,7 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
   template <typename Rule>
   void use_table(const Rule& rule, const TableKey& key);
 
-  std::recursive_mutex lock_;  // guards what follows down to lastParams
+  std::recursive_mutex lock_;  // guards what follows down to next_kept_
   std::uint32_t max_depth;
   std::uint32_t min_depth;
   float depth_uint = 1.0f;

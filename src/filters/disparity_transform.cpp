@@ -4,6 +4,7 @@
 
 #include "framework/config_values.h"
 #include "framework/errors.h"
+#include "kernels/disparity/depth_table.h"
 
 namespace filterprocessor {
 
@@ -40,18 +41,19 @@ void DisparityTransform::stereo_camera_init_lookup_table(zv_error** error) {
   }
   const int integer_bits = mode == 3 ? 10 : 8;
   // The packed format keeps depth in 12 bits.
-  build_stereo_table(mode == 1, std::ldexp(1.0, last_params().bitSize - integer_bits),
-                     mode == 3 ? 1024.0 : 256.0, format == ZV_FORMAT_PACKED_CODE ? 4096.0 : 65536.0);
+  use_stereo_rule(mode == 1 ? CodeLayout::inverted : CodeLayout::linear,
+                  std::ldexp(1.0, last_params().bitSize - integer_bits), mode == 3 ? 1024.0 : 256.0,
+                  format == ZV_FORMAT_PACKED_CODE ? 4096.0 : 65536.0);
 }
 
 void DisparityTransform::mono_camera_init_lookup_table(zv_error** error) {
-  if (build_mono_table()) return;
+  if (use_mono_rule()) return;
   report_error(error, "Unsupported disparity data pack type error", "mono_camera_init_lookup_table",
                "mono_camera_init_lookup_table");
 }
 
-zv_frame_t* DisparityTransform::convert(const FrameProcess& host) {
-  return convert_at_same_size(host, true);
+zv_frame_t* DisparityTransform::convert(const FrameProcess& host, std::int32_t format) {
+  return convert_at_same_size(host, format == ZV_FORMAT_PACKED_CODE);
 }
 
 }  // namespace filterprocessor

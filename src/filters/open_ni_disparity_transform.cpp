@@ -76,11 +76,11 @@ void OpenNIDisparityTransform::init_lookup_table(zv_error** error) {
 }
 
 void OpenNIDisparityTransform::stereo_camera_init_lookup_table(zv_error**) {
-  build_stereo_table(true, std::ldexp(1.0, last_params().bitSize - 8), 256.0, 65536.0);
+  use_stereo_rule(CodeLayout::inverted, std::ldexp(1.0, last_params().bitSize - 8), 256.0, 65536.0);
 }
 
-zv_frame_t* OpenNIDisparityTransform::convert(const FrameProcess& host) {
-  return samplingEnabled ? convert_sampled(host, sampling()) : convert_at_same_size(host, false);
+zv_frame_t* OpenNIDisparityTransform::convert(const FrameProcess& host, std::int32_t format) {
+  return samplingEnabled ? convert_sampled(host, format, sampling()) : convert_at_same_size(host, false);
 }
 
 DepthSampling OpenNIDisparityTransform::sampling() const {
@@ -93,12 +93,11 @@ DepthSampling OpenNIDisparityTransform::sampling() const {
           .y_set = y_set};
 }
 
-zv_frame_t* OpenNIDisparityTransform::convert_sampled(const FrameProcess& host,
+zv_frame_t* OpenNIDisparityTransform::convert_sampled(const FrameProcess& host, std::int32_t format,
                                                       const DepthSampling& target) {
   const zv_frame_t* depth = host.depth();
   host.call(zv_frame_get_data_size, depth);
   const std::uint8_t bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
-  const std::int32_t format = host.call(zv_frame_get_format, depth);
   const auto fail_sampling = [&] {
     host.fail("Frame sampling process error", "filter_process", "frameType");
   };

@@ -17,19 +17,21 @@ class FILTERPROCESSOR_API OpenNIDisparityTransform : public DisparityFilter {
   void update_filter_config(std::size_t argc, const char** argv, zv_error** error) override;
 
   /// Samples `width` x `height` codes into the configured target size by the current table, in which code
-  /// 0 stands for depth 0 from then on. False when a size is 0 or the scale is below 0.001. There must be
-  /// a table.
+  /// 0 stands for depth 0 from then on. False when a size is 0, the scale is below 0.001 or there is no
+  /// table.
+  /// @throws std::bad_alloc
   bool frameSamplingProcess(const std::uint16_t* src, int width, int height, std::uint16_t* dst);
 
  private:
-  zv_frame_t* convert(const FrameProcess& host) override;
+  zv_frame_t* convert(const FrameProcess& host, std::int32_t format) override;
   void init_lookup_table(zv_error** error) override;
   void stereo_camera_init_lookup_table(zv_error** error);
 
   DepthSampling sampling() const;
   bool sample(const DepthSampling& sampling, const std::uint16_t* src, std::uint32_t width,
               std::uint32_t height, std::uint16_t* dst);
-  zv_frame_t* convert_sampled(const FrameProcess& host, const DepthSampling& sampling);
+  zv_frame_t* convert_sampled(const FrameProcess& host, std::int32_t format,
+                              const DepthSampling& sampling);
 
   // Written by update_filter_config without the lock, and read once a frame.
   std::atomic<float> scale = 0.0f;

@@ -1,5 +1,7 @@
 #include "framework/host_calls.h"
 
+#include <algorithm>
+
 namespace filterprocessor {
 
 FrameHandle HostCalls::create_like(const zv_frame_t* other, bool copy_data) const {
@@ -46,10 +48,10 @@ std::uint16_t* HostCalls::pixels(const zv_frame_t* frame, std::uint64_t width,
   return static_cast<std::uint16_t*>(data);
 }
 
-std::uint16_t* HostCalls::described_pixels(const zv_frame_t* frame) const {
-  const std::uint32_t width = call(zv_video_frame_get_width, frame);
-  const std::uint32_t height = call(zv_video_frame_get_height, frame);
-  return pixels(frame, width, height);
+std::uint16_t* HostCalls::described_pixels(const zv_frame_t* frame, std::uint64_t count) const {
+  const std::uint64_t width = call(zv_video_frame_get_width, frame);
+  const std::uint64_t height = call(zv_video_frame_get_height, frame);
+  return pixels(frame, std::max(width * height, count), 1);
 }
 
 void HostCalls::fail(const char* message, const char* function, const char* arguments,

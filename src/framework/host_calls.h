@@ -67,8 +67,9 @@ class HostCalls {
   /// them.
   std::uint16_t* pixels(const zv_frame_t* frame, std::uint64_t width, std::uint64_t height) const;
 
-  /// The samples of a frame that describes their number itself.
-  std::uint16_t* described_pixels(const zv_frame_t* frame) const;
+  /// The samples of a frame: as many as it describes itself and at least `count`, or the operation ends
+  /// as above.
+  std::uint16_t* described_pixels(const zv_frame_t* frame, std::uint64_t count = 0) const;
 
   /// Reports an error of the filter's own and ends the operation.
   [[noreturn]] void fail(const char* message, const char* function, const char* arguments,

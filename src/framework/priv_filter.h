@@ -13,7 +13,7 @@ namespace filterprocessor {
 /// made for its concrete class.
 ///
 /// Errors are reported by storing a host error in `*error`; a null `error` is accepted and loses the
-/// report. No operation throws, save std::bad_alloc from a constructor.
+/// report. These operations do not throw.
 class FILTERPROCESSOR_API IPrivFilter {
  public:
   /// The depth frame that a filter's derived state was built for.
@@ -35,7 +35,7 @@ class FILTERPROCESSOR_API IPrivFilter {
   virtual void update_filter_config(std::size_t argc, const char** argv, zv_error** error) = 0;
   /// A new frame (a set for a set), owned by the caller, or null. The input is never changed.
   virtual zv_frame_t* filter_process(const zv_frame_t* frame, zv_error** error) = 0;
-  /// Back to the initial parameters, without history.
+  /// Back to the initial parameters, without history; what exactly is the filter's choice.
   virtual void reset_filter(zv_error** error) = 0;
   /// Writes the current parameters to standard output.
   virtual void print_key_params() = 0;

@@ -53,6 +53,9 @@ bool machine_runs(Level level) {
 }
 
 Level choose_level(const char* wish) {
+#if defined(__x86_64__)
+  __builtin_cpu_init();  // this may run before the program's constructors
+#endif
   Level best = Level::scalar;
   for (const Level level : kCompiled) {
     if (machine_runs(level)) best = level;

@@ -83,21 +83,21 @@ std::optional<DepthQuotient> DepthConverter::find_quotient(Compute compute, bool
                             .last = static_cast<std::uint16_t>(codes - 1),
                             .signed_14_bit = shape_->signed_14_bit};
 
-  // Every code of the image format, and what must come out.
+  // Every code of the image format must give its entry.
   const std::size_t inputs = packed ? kPackedCodes : kMaxDepthTable;
-  std::vector<std::uint16_t> code(inputs);
-  std::vector<std::uint16_t> expected(inputs);
-  for (std::size_t i = 0; i < inputs; ++i) {
-    const int depth = i < codes ? table_[i] : 0;
-    code[i] = static_cast<std::uint16_t>(packed ? i << 4 : i);
-    expected[i] = static_cast<std::uint16_t>(packed ? depth << 4 : depth);
-  }
   const auto gives_the_table = [&] {
-    constexpr std::size_t kPart = 2048;
+    constexpr std::size_t kPart = 1024;
+    std::uint16_t code[kPart];
     std::uint16_t depth[kPart];
-    for (std::size_t i = 0; i < inputs; i += kPart) {
-      compute(code.data() + i, depth, kPart, quotient);
-      if (!std::equal(depth, depth + kPart, expected.data() + i)) return false;
+    for (std::size_t begin = 0; begin < inputs; begin += kPart) {
+      for (std::size_t i = 0; i < kPart; ++i) {
+        code[i] = static_cast<std::uint16_t>(packed ? (begin + i) << 4 : begin + i);
+      }
+      compute(code, depth, kPart, quotient);
+      for (std::size_t i = 0; i < kPart; ++i) {
+        const int entry = begin + i < codes ? table_[begin + i] : 0;
+        if (depth[i] != static_cast<std::uint16_t>(packed ? entry << 4 : entry)) return false;
+      }
     }
     return true;
   };

@@ -53,6 +53,7 @@ struct U16 {
   /// Reads `count` values (at most `lanes`) and sets the other lanes to 0.
   static U16 load_first(const std::uint16_t* from, std::size_t count) {
     if (count == lanes) return load(from);
+    if (count == 0) return zero();  // `from` may be null
     alignas(32) std::uint16_t values[lanes] = {};
     std::memcpy(values, from, count * sizeof *from);
     return load(values);
@@ -60,6 +61,7 @@ struct U16 {
   void store(std::uint16_t* to) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), v); }
   void store_first(std::uint16_t* to, std::size_t count) const {
     if (count == lanes) return store(to);
+    if (count == 0) return;
     alignas(32) std::uint16_t values[lanes];
     store(values);
     std::memcpy(to, values, count * sizeof *to);

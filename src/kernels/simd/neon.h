@@ -50,6 +50,7 @@ struct U16 {
   /// Reads `count` values (at most `lanes`) and sets the other lanes to 0.
   static U16 load_first(const std::uint16_t* from, std::size_t count) {
     if (count == lanes) return load(from);
+    if (count == 0) return zero();  // `from` may be null
     std::uint16_t values[lanes] = {};
     std::memcpy(values, from, count * sizeof *from);
     return load(values);
@@ -57,6 +58,7 @@ struct U16 {
   void store(std::uint16_t* to) const { vst1q_u16(to, v); }
   void store_first(std::uint16_t* to, std::size_t count) const {
     if (count == lanes) return store(to);
+    if (count == 0) return;
     std::uint16_t values[lanes];
     store(values);
     std::memcpy(to, values, count * sizeof *to);
