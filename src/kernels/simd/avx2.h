@@ -95,20 +95,18 @@ struct U16 {
   }
   /// Every odd lane twice.
   U16 odd_doubled() const {
-    return {_mm256_shuffle_epi8(
-        v, _mm256_broadcastsi128_si256(
-               _mm_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15)))};
+    return {_mm256_shuffle_epi8(v, _mm256_broadcastsi128_si256(_mm_setr_epi8(
+                                       2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15)))};
   }
   /// Entries that lookup() takes from a table.
   static constexpr std::size_t table_entries = 8;
   /// The entries of `table`, a vector's worth, at indices below `table_entries`.
   static U16 lookup(U16 table, U16 index) {
     const __m256i low = _mm256_permute4x64_epi64(table.v, 0x44);
-    const __m256i bytes =
-        _mm256_add_epi16(_mm256_mullo_epi16(index.v, _mm256_set1_epi16(0x0202)), _mm256_set1_epi16(0x0100));
+    const __m256i bytes = _mm256_add_epi16(_mm256_mullo_epi16(index.v, _mm256_set1_epi16(0x0202)),
+                                           _mm256_set1_epi16(0x0100));
     return {_mm256_shuffle_epi8(low, bytes)};
   }
-
 };
 
 inline U16 max(U16 a, U16 b) { return {_mm256_max_epu16(a.v, b.v)}; }
@@ -122,7 +120,6 @@ inline U16 complement_nonzero(U16 a) {
   return {_mm256_andnot_si256(_mm256_or_si256(a.v, a.is_zero().v), _mm256_set1_epi16(-1))};
 }
 
-
 inline U16 operator-(U16 a, U16 b) { return {_mm256_sub_epi16(a.v, b.v)}; }
 inline U16 operator&(U16 a, U16 b) { return {_mm256_and_si256(a.v, b.v)}; }
 inline U16 operator>>(U16 a, unsigned count) {
@@ -132,6 +129,7 @@ inline U16 min(U16 a, U16 b) { return {_mm256_min_epu16(a.v, b.v)}; }
 inline U16 add_saturated(U16 a, U16 b) { return {_mm256_adds_epu16(a.v, b.v)}; }
 inline U16 subtract_saturated(U16 a, U16 b) { return {_mm256_subs_epu16(a.v, b.v)}; }
 inline Mask16 equal(U16 a, U16 b) { return {_mm256_cmpeq_epi16(a.v, b.v)}; }
+inline Mask16 differ(U16 a, U16 b) { return ~equal(a, b); }
 inline Mask16 at_most(U16 a, U16 b) { return equal(min(a, b), a); }
 
 /// The flags of 64 lanes in order, the first in the lowest bit.
@@ -155,6 +153,18 @@ inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::
     done += 4;
   } while (done < count);
   return count;
+}
+
+/// Writes the first `count` lanes, 1 to all, of a vector of equal values.
+inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) {
+  // Overlapping stores: reading what stands there would wait for a neighbour's store.
+  const auto four = static_cast<std::uint64_t>(_mm256_extract_epi64(value.v, 0));
+  if (count < 4) {
+    to[0] = to[count / 2] = to[count - 1] = static_cast<std::uint16_t>(four);
+    return;
+  }
+  for (std::size_t i = 0; i + 4 < count; i += 4) std::memcpy(to + i, &four, sizeof four);
+  std::memcpy(to + count - 4, &four, sizeof four);
 }
 
 }  // namespace filterprocessor::avx2

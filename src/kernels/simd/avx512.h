@@ -75,34 +75,36 @@ struct U16 {
   /// The odd lanes of the two vectors, those of `a` first.
   static U16 odd_lanes(U16 a, U16 b) {
     const __m512i index = _mm512_add_epi16(
-        _mm512_slli_epi16(_mm512_cvtepu8_epi16(_mm256_setr_epi8(
-                              0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21,
-                              22, 23, 24, 25, 26, 27, 28, 29, 30, 31)),
+        _mm512_slli_epi16(_mm512_cvtepu8_epi16(_mm256_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12,
+                                                                13, 14, 15, 16, 17, 18, 19, 20, 21, 22,
+                                                                23, 24, 25, 26, 27, 28, 29, 30, 31)),
                           1),
         _mm512_set1_epi16(1));
     return {_mm512_permutex2var_epi16(a.v, index, b.v)};
   }
   /// Every odd lane twice.
   U16 odd_doubled() const {
-    return {_mm512_shuffle_epi8(
-        v, _mm512_broadcast_i32x4(_mm_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15)))};
+    return {_mm512_shuffle_epi8(v, _mm512_broadcast_i32x4(_mm_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11,
+                                                                        10, 11, 14, 15, 14, 15)))};
   }
   /// Entries that lookup() takes from a table.
   static constexpr std::size_t table_entries = 32;
   /// The entries of `table`, a vector's worth, at indices below `table_entries`.
   static U16 lookup(U16 table, U16 index) { return {_mm512_permutexvar_epi16(index.v, table.v)}; }
-
 };
 
 inline U16 max(U16 a, U16 b) { return {_mm512_max_epu16(a.v, b.v)}; }
 /// a or b by lane, whichever is larger where flagged; a elsewhere.
-inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {_mm512_mask_max_epu16(a.v, mask.bits, a.v, b.v)}; }
-inline U16 select(Mask16 mask, U16 yes, U16 no) { return {_mm512_mask_blend_epi16(mask.bits, no.v, yes.v)}; }
+inline U16 max_where(Mask16 mask, U16 a, U16 b) {
+  return {_mm512_mask_max_epu16(a.v, mask.bits, a.v, b.v)};
+}
+inline U16 select(Mask16 mask, U16 yes, U16 no) {
+  return {_mm512_mask_blend_epi16(mask.bits, no.v, yes.v)};
+}
 /// 65535 - a; 0 where a is 0.
 inline U16 complement_nonzero(U16 a) {
   return {_mm512_maskz_sub_epi16(_mm512_test_epi16_mask(a.v, a.v), _mm512_set1_epi16(-1), a.v)};
 }
-
 
 inline U16 operator-(U16 a, U16 b) { return {_mm512_sub_epi16(a.v, b.v)}; }
 inline U16 operator&(U16 a, U16 b) { return {_mm512_and_si512(a.v, b.v)}; }
@@ -113,6 +115,7 @@ inline U16 min(U16 a, U16 b) { return {_mm512_min_epu16(a.v, b.v)}; }
 inline U16 add_saturated(U16 a, U16 b) { return {_mm512_adds_epu16(a.v, b.v)}; }
 inline U16 subtract_saturated(U16 a, U16 b) { return {_mm512_subs_epu16(a.v, b.v)}; }
 inline Mask16 equal(U16 a, U16 b) { return {_mm512_cmpeq_epi16_mask(a.v, b.v)}; }
+inline Mask16 differ(U16 a, U16 b) { return {_mm512_cmpneq_epi16_mask(a.v, b.v)}; }
 inline Mask16 at_most(U16 a, U16 b) { return {_mm512_cmple_epu16_mask(a.v, b.v)}; }
 
 /// The flags of 64 lanes in order, the first in the lowest bit.
@@ -122,9 +125,9 @@ inline std::uint64_t bits_of(const Mask16 (&masks)[2]) {
 /// Writes `base` + the positions of the set bits, ascending, and up to 64 values of no meaning.
 /// @return the number of set bits
 inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::uint16_t* to) {
-  const __m512i index = _mm512_set_epi64(0x3f3e3d3c3b3a3938, 0x3736353433323130, 0x2f2e2d2c2b2a2928,
-                                         0x2726252423222120, 0x1f1e1d1c1b1a1918, 0x1716151413121110,
-                                         0x0f0e0d0c0b0a0908, 0x0706050403020100);
+  const __m512i index =
+      _mm512_set_epi64(0x3f3e3d3c3b3a3938, 0x3736353433323130, 0x2f2e2d2c2b2a2928, 0x2726252423222120,
+                       0x1f1e1d1c1b1a1918, 0x1716151413121110, 0x0f0e0d0c0b0a0908, 0x0706050403020100);
   const __m512i found = _mm512_maskz_compress_epi8(bits, index);
   const __m512i start = _mm512_set1_epi16(static_cast<short>(base));
   const auto widened = [&](__m256i part) { return _mm512_add_epi16(_mm512_cvtepu8_epi16(part), start); };
@@ -133,6 +136,9 @@ inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::
   if (count > 32) _mm512_storeu_si512(to + 32, widened(_mm512_extracti64x4_epi64(found, 1)));
   return count;
 }
+
+/// Writes the first `count` lanes, 1 to all, of a vector of equal values.
+inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) { value.store_first(to, count); }
 
 }  // namespace filterprocessor::avx512
 

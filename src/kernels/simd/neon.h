@@ -93,7 +93,6 @@ struct U16 {
     const uint16x8_t bytes = vmlaq_n_u16(vdupq_n_u16(0x0100), index.v, 0x0202);
     return {vreinterpretq_u16_u8(vqtbl1q_u8(vreinterpretq_u8_u16(table.v), vreinterpretq_u8_u16(bytes)))};
   }
-
 };
 
 inline U16 max(U16 a, U16 b) { return {vmaxq_u16(a.v, b.v)}; }
@@ -102,7 +101,6 @@ inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {vmaxq_u16(a.v, vandq_u
 inline U16 select(Mask16 mask, U16 yes, U16 no) { return {vbslq_u16(mask.v, yes.v, no.v)}; }
 /// 65535 - a; 0 where a is 0.
 inline U16 complement_nonzero(U16 a) { return {vmvnq_u16(vorrq_u16(a.v, a.is_zero().v))}; }
-
 
 inline U16 operator-(U16 a, U16 b) { return {vsubq_u16(a.v, b.v)}; }
 inline U16 operator&(U16 a, U16 b) { return {vandq_u16(a.v, b.v)}; }
@@ -113,6 +111,7 @@ inline U16 min(U16 a, U16 b) { return {vminq_u16(a.v, b.v)}; }
 inline U16 add_saturated(U16 a, U16 b) { return {vqaddq_u16(a.v, b.v)}; }
 inline U16 subtract_saturated(U16 a, U16 b) { return {vqsubq_u16(a.v, b.v)}; }
 inline Mask16 equal(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
+inline Mask16 differ(U16 a, U16 b) { return ~equal(a, b); }
 inline Mask16 at_most(U16 a, U16 b) { return {vcleq_u16(a.v, b.v)}; }
 
 /// The flags of 64 lanes in order, the first in the lowest bit.
@@ -122,10 +121,8 @@ inline std::uint64_t bits_of(const Mask16 (&masks)[8]) {
   const auto weighted = [&](Mask16 a, Mask16 b) {
     return vandq_u8(vuzp1q_u8(vreinterpretq_u8_u16(a.v), vreinterpretq_u8_u16(b.v)), weight);
   };
-  const uint8x16_t first =
-      vpaddq_u8(weighted(masks[0], masks[1]), weighted(masks[2], masks[3]));
-  const uint8x16_t second =
-      vpaddq_u8(weighted(masks[4], masks[5]), weighted(masks[6], masks[7]));
+  const uint8x16_t first = vpaddq_u8(weighted(masks[0], masks[1]), weighted(masks[2], masks[3]));
+  const uint8x16_t second = vpaddq_u8(weighted(masks[4], masks[5]), weighted(masks[6], masks[7]));
   const uint8x16_t sums = vpaddq_u8(first, second);
   return vgetq_lane_u64(vreinterpretq_u64_u8(vpaddq_u8(sums, sums)), 0);
 }
@@ -142,6 +139,18 @@ inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::
     done += 4;
   } while (done < count);
   return count;
+}
+
+/// Writes the first `count` lanes, 1 to all, of a vector of equal values.
+inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) {
+  // Overlapping stores: reading what stands there would wait for a neighbour's store.
+  const auto four = static_cast<std::uint64_t>(vgetq_lane_u64(vreinterpretq_u64_u16(value.v), 0));
+  if (count < 4) {
+    to[0] = to[count / 2] = to[count - 1] = static_cast<std::uint16_t>(four);
+    return;
+  }
+  for (std::size_t i = 0; i + 4 < count; i += 4) std::memcpy(to + i, &four, sizeof four);
+  std::memcpy(to + count - 4, &four, sizeof four);
 }
 
 }  // namespace filterprocessor::neon

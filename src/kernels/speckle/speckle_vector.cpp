@@ -1,6 +1,6 @@
 #include "kernels/speckle/speckle_vector.h"
 
-#include <type_traits>
+#include <initializer_list>
 
 #include "kernels/speckle/speckle_plain.h"
 #include "kernels/speckle/speckle_regions.h"
@@ -20,19 +20,26 @@ void with_threshold(const SpeckleThreshold& threshold, Run run) {
   run(LongTableThreshold(table));
 }
 
-/// Sets `count` pixels; `room` pixels from the first on belong to the image.
-void fill(std::uint16_t* pixels, std::size_t count, std::size_t room, U16 value, std::uint16_t scalar) {
-  for (; count > kLanes; count -= kLanes, pixels += kLanes, room -= kLanes) value.store(pixels);
-  if (room >= kLanes) return value.store_where(Mask16::first(count), pixels, U16::load(pixels));
-  for (std::size_t i = 0; i < count; ++i) pixels[i] = scalar;
+/// Sets `count` pixels, at least one.
+void fill(std::uint16_t* pixels, std::size_t count, U16 value) {
+  for (; count > kLanes; count -= kLanes, pixels += kLanes) value.store(pixels);
+  fill_first(value, pixels, count);
 }
 
 /// The largest limit that a region is compared with.
 std::int32_t largest(const SpeckleLimit& limit) { return limit.map != nullptr ? 65535 : limit.max_size; }
 
-/// Prepares the lattice of odd rows and columns: copies it row by row into a small image and smooths the blocks,
-/// as if all regions were kept. Smoothing needs no regions, changes no lattice pixel, and where a region is
-/// removed afterwards its blocks are set whole.
+/// Visits the runs to remove. `limit_at` gives the limit for a region's first pixel.
+template <typename Regions, typename LimitAt, typename Visit>
+void remove(Regions& regions, const SpeckleLimit& limit, LimitAt limit_at, Visit visit) {
+  if (limit.map == nullptr) return regions.visit_runs_of_regions_up_to(limit.max_size, visit);
+  regions.judge([&](std::size_t first, std::int32_t size) { return size <= limit_at(first); });
+  regions.visit_runs_of_regions_up_to(1, visit);
+}
+
+/// Prepares the lattice of odd rows and columns: copies it row by row into a small image and smooths the
+/// blocks, as if all regions were kept. Smoothing needs no regions, changes no lattice pixel, and where a
+/// region is removed afterwards its blocks are set whole.
 template <typename Threshold>
 class Lattice {
  public:
@@ -76,7 +83,8 @@ class Lattice {
   }
 
   /// Smooths a row of blocks. @return the lower row, which holds the lattice pixels
-  U16 smooth(std::uint16_t* upper, std::uint16_t* lower, U16 upper_values, U16 lower_values, U16 invalid) const {
+  U16 smooth(std::uint16_t* upper, std::uint16_t* lower, U16 upper_values, U16 lower_values,
+             U16 invalid) const {
     const U16 centers = lower_values.odd_doubled();
     // Around an invalid center everything that differs becomes invalid.
     const Reach reach(centers, select(equal(centers, invalid), U16::zero(), threshold_.of(centers)));
@@ -97,67 +105,59 @@ class Lattice {
 
 }  // namespace
 
-void speckle_full(const SpeckleImage& image, const SpeckleThreshold& threshold, const SpeckleLimit& limit) {
+void speckle_full(const SpeckleImage& image, const SpeckleThreshold& threshold,
+                  const SpeckleLimit& limit) {
   if (limit.map == nullptr && limit.max_size < 1) return;
   if (!threshold.by_table && threshold.max_diff < 0) return plain::speckle_full(image, threshold, limit);
-  with_threshold(threshold, [&](const auto& vector_threshold) {
-    const std::size_t count = image.width * image.height;
-    Regions regions(image.pixels, image.width, image.height, image.invalid, vector_threshold,
-                    WorkSpace(image.work, 9 * count));
-    if (!regions.find(largest(limit), [](std::size_t) {})) return plain::speckle_full(image, threshold, limit);
-    const U16 invalid = U16::splat(image.invalid);
-    const auto remove = [&](std::size_t pixel, std::size_t length) {
-      fill(image.pixels + pixel, length, count - pixel, invalid, image.invalid);
-    };
-    if (limit.map == nullptr) {
-      regions.visit_removed([&](std::size_t, std::int32_t size) { return size <= limit.max_size; }, remove);
-    } else {
-      const RegionLimit limit_at(limit, image.width, image.height);
-      regions.visit_removed(
-          [&](std::size_t pixel, std::int32_t size) {
-            return size <= limit_at(pixel / image.width, pixel % image.width);
-          },
-          remove);
+  const std::size_t count = image.width * image.height;
+  with_threshold(threshold, [&](const auto& thresholds) {
+    Regions regions(image.pixels, image.width, image.height, image.invalid, thresholds);
+    if (!regions.find(largest(limit), WorkSpace(image.work, 9 * count), [](std::size_t) {})) {
+      return plain::speckle_full(image, threshold, limit);
     }
+    const RegionLimit limit_at(limit, image.width, image.height);
+    const auto place = [&](std::size_t pixel) {
+      return limit_at(pixel / image.width, pixel % image.width);
+    };
+    const U16 invalid = U16::splat(image.invalid);
+    remove(regions, limit, place, [&](std::size_t pixel, std::size_t length) {
+      fill(image.pixels + pixel, length, invalid);
+    });
   });
 }
 
-void speckle_pyramid(const SpeckleImage& image, const SpeckleThreshold& threshold, const SpeckleLimit& limit) {
-  if (!threshold.by_table && threshold.max_diff < 0) return plain::speckle_pyramid(image, threshold, limit);
-  with_threshold(threshold, [&](const auto& vector_threshold) {
-    using Threshold = std::remove_cvref_t<decltype(vector_threshold)>;
-    const std::size_t count = (image.width / 2) * (image.height / 2);
-    WorkSpace work(image.work, 9 * image.width * image.height);
-    std::uint16_t* pixels = work.take<std::uint16_t>(count);
-    Lattice lattice(image, pixels, vector_threshold);
-    if (limit.map == nullptr && limit.max_size < 1) return lattice.prepare(count);
+void speckle_pyramid(const SpeckleImage& image, const SpeckleThreshold& threshold,
+                     const SpeckleLimit& limit) {
+  if (!threshold.by_table && threshold.max_diff < 0)
+    return plain::speckle_pyramid(image, threshold, limit);
+  const std::size_t width = image.width / 2;
+  const std::size_t height = image.height / 2;
+  const std::size_t end = image.width * image.height;
+  WorkSpace work(image.work, 9 * end);
+  std::uint16_t* const pixels = work.take<std::uint16_t>(width * height);
+  with_threshold(threshold, [&](const auto& thresholds) {
+    Lattice lattice(image, pixels, thresholds);
+    if (limit.map == nullptr && limit.max_size < 1) return lattice.prepare(width * height);
 
-    const std::size_t width = lattice.width();
-    Regions<Threshold> regions(pixels, width, lattice.height(), image.invalid, vector_threshold, work);
-    const bool found = regions.find(largest(limit), [&](std::size_t batch) {
-      lattice.prepare((batch + 1) * Regions<Threshold>::kBatch + width + kWordBits);
+    Regions regions(pixels, width, height, image.invalid, thresholds);
+    const bool found = regions.find(largest(limit), work, [&](std::size_t batch) {
+      lattice.prepare((batch + 1) * regions.kBatch + width + 1);
     });
     // What has been smoothed already is smoothed the same way again.
     if (!found) return plain::speckle_pyramid(image, threshold, limit);
+    const RegionLimit limit_at(limit, image.width, image.height);
+    const auto place = [&](std::size_t pixel) {
+      return limit_at(2 * (pixel / width) + 1, 2 * (pixel % width) + 1);
+    };
     const U16 invalid = U16::splat(image.invalid);
     std::size_t row = 0;
-    const auto remove = [&](std::size_t pixel, std::size_t length) {
+    remove(regions, limit, place, [&](std::size_t pixel, std::size_t length) {
       while (pixel >= (row + 1) * width) ++row;
-      std::uint16_t* upper = image.pixels + 2 * row * image.width + 2 * (pixel - row * width);
-      const std::size_t room = image.pixels + image.width * image.height - upper;
-      fill(upper, 2 * length, room, invalid, image.invalid);
-      fill(upper + image.width, 2 * length, room - image.width, invalid, image.invalid);
-    };
-    if (limit.map == nullptr) {
-      regions.visit_removed([&](std::size_t, std::int32_t size) { return size <= limit.max_size; }, remove);
-    } else {
-      const RegionLimit limit_at(limit, image.width, image.height);
-      regions.visit_removed(
-          [&](std::size_t pixel, std::int32_t size) {
-            return size <= limit_at(2 * (pixel / width) + 1, 2 * (pixel % width) + 1);
-          },
-          remove);
-    }
+      const std::size_t upper = 2 * row * image.width + 2 * (pixel - row * width);
+      for (const std::size_t first : {upper, upper + image.width}) {
+        fill(image.pixels + first, 2 * length, invalid);
+      }
+    });
   });
 }
 

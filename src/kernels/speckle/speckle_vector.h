@@ -10,7 +10,8 @@ SpeckleKernels::Remove speckle_full, speckle_pyramid;
 SpeckleKernels::Downsample speckle_downsample;
 SpeckleKernels::Upsample speckle_upsample;
 
-inline constexpr SpeckleKernels speckle = {speckle_full, speckle_pyramid, speckle_downsample, speckle_upsample};
+inline constexpr SpeckleKernels speckle = {speckle_full, speckle_pyramid, speckle_downsample,
+                                           speckle_upsample};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL
 
