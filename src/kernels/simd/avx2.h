@@ -120,6 +120,14 @@ inline U16 complement_nonzero(U16 a) {
   return {_mm256_andnot_si256(_mm256_or_si256(a.v, a.is_zero().v), _mm256_set1_epi16(-1))};
 }
 
+/// The lanes of a and b in turn: of their lower halves, and of their upper halves.
+inline U16 interleave_low(U16 a, U16 b) {
+  return {_mm256_permute2x128_si256(_mm256_unpacklo_epi16(a.v, b.v), _mm256_unpackhi_epi16(a.v, b.v), 0x20)};
+}
+inline U16 interleave_high(U16 a, U16 b) {
+  return {_mm256_permute2x128_si256(_mm256_unpacklo_epi16(a.v, b.v), _mm256_unpackhi_epi16(a.v, b.v), 0x31)};
+}
+
 inline U16 operator-(U16 a, U16 b) { return {_mm256_sub_epi16(a.v, b.v)}; }
 inline U16 operator&(U16 a, U16 b) { return {_mm256_and_si256(a.v, b.v)}; }
 inline U16 operator>>(U16 a, unsigned count) {

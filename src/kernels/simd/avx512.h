@@ -106,6 +106,16 @@ inline U16 complement_nonzero(U16 a) {
   return {_mm512_maskz_sub_epi16(_mm512_test_epi16_mask(a.v, a.v), _mm512_set1_epi16(-1), a.v)};
 }
 
+/// The lanes of a and b in turn: of their lower halves, and of their upper halves.
+inline U16 interleave_low(U16 a, U16 b) {
+  const __m512i order = _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11);
+  return {_mm512_permutex2var_epi64(_mm512_unpacklo_epi16(a.v, b.v), order, _mm512_unpackhi_epi16(a.v, b.v))};
+}
+inline U16 interleave_high(U16 a, U16 b) {
+  const __m512i order = _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15);
+  return {_mm512_permutex2var_epi64(_mm512_unpacklo_epi16(a.v, b.v), order, _mm512_unpackhi_epi16(a.v, b.v))};
+}
+
 inline U16 operator-(U16 a, U16 b) { return {_mm512_sub_epi16(a.v, b.v)}; }
 inline U16 operator&(U16 a, U16 b) { return {_mm512_and_si512(a.v, b.v)}; }
 inline U16 operator>>(U16 a, unsigned count) {

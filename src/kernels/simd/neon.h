@@ -102,6 +102,10 @@ inline U16 select(Mask16 mask, U16 yes, U16 no) { return {vbslq_u16(mask.v, yes.
 /// 65535 - a; 0 where a is 0.
 inline U16 complement_nonzero(U16 a) { return {vmvnq_u16(vorrq_u16(a.v, a.is_zero().v))}; }
 
+/// The lanes of a and b in turn: of their lower halves, and of their upper halves.
+inline U16 interleave_low(U16 a, U16 b) { return {vzip1q_u16(a.v, b.v)}; }
+inline U16 interleave_high(U16 a, U16 b) { return {vzip2q_u16(a.v, b.v)}; }
+
 inline U16 operator-(U16 a, U16 b) { return {vsubq_u16(a.v, b.v)}; }
 inline U16 operator&(U16 a, U16 b) { return {vandq_u16(a.v, b.v)}; }
 inline U16 operator>>(U16 a, unsigned count) {

@@ -2,6 +2,8 @@
 #ifndef FILTERPROCESSOR_KERNELS_SPECKLE_SPECKLE_REGIONS_H
 #define FILTERPROCESSOR_KERNELS_SPECKLE_SPECKLE_REGIONS_H
 
+#include <initializer_list>
+
 #include "kernels/speckle/speckle_links.h"
 #include "kernels/speckle/work_space.h"
 
@@ -64,57 +66,40 @@ class Regions {
       prepare(batch);
       if (!add_batch(batch)) return false;
     }
-    add_sizes();
     return one_way_ == 0 || follow_one_way_links();
   }
 
-  /// Replaces the sizes of regions by verdicts: those that `is_removed(first pixel, size)` names get 1,
-  /// the others one above any limit.
-  template <typename IsRemoved>
-  void judge(IsRemoved is_removed) {
+  /// Calls `visit(first pixel, number of pixels)` for the runs of the regions to remove, in order: those
+  /// whose first pixel and size `is_removed` says so of, if `by_place`, else those of at most `limit`
+  /// pixels.
+  template <typename IsRemoved, typename Visit>
+  void visit_removed(std::int32_t limit, bool by_place, IsRemoved is_removed, Visit visit) {
     for (std::size_t batch = 0; batch < batches_; ++batch) {
-      for (std::size_t run = first_run_[batch]; run < first_run_[batch + 1]; ++run) {
-        if (runs_[run].node >= 0) continue;
-        const bool removed = is_removed(batch * kBatch + runs_[run].start, -runs_[run].node);
-        runs_[run].node = removed ? -1 : kOversize;
+      const std::size_t first_pixel = batch * kBatch;
+      const std::size_t count = list_starts(batch);
+      std::int32_t* const nodes = nodes_ + first_run_[batch];
+      for (std::size_t i = 0; by_place && i < count; ++i) {
+        if (nodes[i] >= 0) continue;
+        nodes[i] = is_removed(first_pixel + starts_list_[i], -nodes[i]) ? -1 : kNeverRemoved;
       }
-    }
-  }
-
-  /// Calls `visit(first pixel, number of pixels)` for the runs of all regions of at most `limit` pixels,
-  /// in order.
-  template <typename Visit>
-  void visit_runs_of_regions_up_to(std::int32_t limit, Visit visit) {
-    for (std::size_t batch = 0; batch < batches_; ++batch) {
-      const std::size_t first = first_run_[batch];
-      const std::size_t count = first_run_[batch + 1] - first;
+      const std::int32_t smallest = by_place ? -1 : -limit;
       std::size_t listed = 0;
       for (std::size_t i = 0; i < count; ++i) {
         // Parents come first, so theirs are sizes already.
-        const std::int32_t node = runs_[first + i].node;
-        const std::int32_t size =
-            runs_[choose(node < 0, static_cast<std::int32_t>(first + i), node)].node;
-        runs_[first + i].node = size;
-        starts_list_[listed] = static_cast<std::uint16_t>(i);
-        listed += size >= -limit;
+        const auto self = static_cast<std::int32_t>(first_run_[batch] + i);
+        nodes[i] = nodes_[choose(nodes[i] < 0, self, nodes[i])];
+        taking_list_[listed] = static_cast<std::uint16_t>(i);
+        listed += nodes[i] >= smallest;
       }
       for (std::size_t i = 0; i < listed; ++i) {
-        const Run& run = runs_[first + starts_list_[i]];
-        if (run.length != kInvalidRun) visit(batch * kBatch + run.start, std::size_t{run.length});
+        const std::size_t run = taking_list_[i];
+        const std::size_t start = starts_list_[run];
+        visit(first_pixel + start, starts_list_[run + 1] - start);
       }
     }
   }
 
  private:
-  /// Runs form disjoint sets as trees. While sets are united a run's node is its parent, an earlier run,
-  /// or itself in the root; then it is the root, or, in the root, the negative number of the set's
-  /// pixels.
-  struct Run {
-    std::int32_t node;
-    std::uint16_t start;   // in its batch
-    std::uint16_t length;  // or kInvalidRun
-  };
-
   /// A link from a set of runs to the set `to`. Those of one set form a ring.
   struct OneWayLink {
     std::uint32_t to;
@@ -128,8 +113,7 @@ class Regions {
     std::uint64_t to_left[kBatchWords], from_left[kBatchWords], to_up[kBatchWords], from_up[kBatchWords];
   };
 
-  static constexpr std::uint16_t kInvalidRun = 65535;
-  static constexpr std::int32_t kOversize = -2147483647;
+  static constexpr std::int32_t kNeverRemoved = -2147483647;  // as a node
   static constexpr std::size_t kListSlack = 64;  // what write_positions() may write past its result
 
   bool take_space(WorkSpace& work) {
@@ -145,10 +129,10 @@ class Regions {
       down_ = work.take<std::uint64_t>(count);
       batch_has_one_way_ = work.take<bool>(batches_);
     }
-    room_ = work.room<Run>();
-    runs_ = work.take<Run>(room_);
-    if (runs_ == nullptr || room_ == 0) return false;
-    ++runs_;  // the one before the first is where unite() and add_sizes() put what is not wanted
+    room_ = work.room<std::int32_t>();
+    nodes_ = work.take<std::int32_t>(room_);
+    if (nodes_ == nullptr || room_ == 0) return false;
+    ++nodes_;  // the one before the first is where join() puts what is not wanted
     --room_;
     for (std::size_t i = 0; i < lead; ++i) {
       valid_[i] = starts_[i] = 0;
@@ -172,6 +156,11 @@ class Regions {
   std::size_t words_in(std::size_t batch) const {
     const std::size_t left = (count_ + kWordBits - 1) / kWordBits - first_word(batch);
     return left < kBatchWords ? left : kBatchWords;
+  }
+
+  std::size_t pixels_in(std::size_t batch) const {
+    const std::size_t left = count_ - batch * kBatch;
+    return left < kBatch ? left : kBatch;
   }
 
   /// The bits of the pixels above, for `words` words.
@@ -261,7 +250,7 @@ class Regions {
     // A run takes the set of the first run above that it touches; only what it touches besides unites
     // sets.
     std::uint32_t run = first_run;
-    std::size_t listed = 0, taking = 0, uniting = 0;
+    std::size_t taking = 0, uniting = 0;
     FirstBits first_of_run, first_of_pair;
     for (std::size_t i = 0; i < words; ++i) {
       const std::uint64_t starts = starts_[first + i];
@@ -269,41 +258,25 @@ class Regions {
       const std::uint64_t unites = first_of_pair(masks.up[i], starts | masks.above[i]) & ~takes;
       const auto base = static_cast<std::uint16_t>(i * kWordBits);
       before_[first + i] = run;
-      const std::size_t here = write_positions(starts, base, starts_list_ + listed);
-      run += static_cast<std::uint32_t>(here);
-      listed += here;
+      run += static_cast<std::uint32_t>(write_positions(starts, base, starts_list_ + (run - first_run)));
       taking += write_positions(takes, base, taking_list_ + taking);
       uniting += write_positions(unites, base, uniting_list_ + uniting);
     }
     first_run_[batch + 1] = run;
     if (run > room_) return false;
     if constexpr (!Threshold::symmetric) {
-      std::size_t one_way = 0;
-      for (std::size_t i = 0; i < words; ++i) {
-        one_way += static_cast<std::size_t>(
-            __builtin_popcountll(masks.to_left[i]) + __builtin_popcountll(masks.from_left[i]) +
-            __builtin_popcountll(masks.to_up[i]) + __builtin_popcountll(masks.from_up[i]));
-      }
-      batch_has_one_way_[batch] = one_way != 0;
-      one_way_ += one_way;
-      // Not after the rest of the work, though rows of links may count as one.
-      if (one_way_ != 0 && 12 * run + 8 * one_way_ + 16 > sizeof(Run) * room_) return false;
+      if (!note_one_way(batch, masks)) return false;
     }
 
-    const std::size_t left = count_ - first_pixel;
-    starts_list_[listed] = static_cast<std::uint16_t>(left < kBatch ? left : kBatch);
-    Run* const runs = runs_ + first_run;
-    for (std::size_t i = 0; i < listed; ++i) {
-      const std::uint16_t start = starts_list_[i];
-      const auto length = static_cast<std::uint16_t>(starts_list_[i + 1] - start);
-      const bool invalid = pixels_[first_pixel + start] == invalid_;
-      const auto kind = static_cast<std::uint16_t>(-static_cast<int>(invalid));
-      runs[i] = {static_cast<std::int32_t>(first_run + i), start,
-                 static_cast<std::uint16_t>(length | kind)};
+    starts_list_[run - first_run] = static_cast<std::uint16_t>(pixels_in(batch));
+    std::int32_t* const nodes = nodes_ + first_run;
+    for (std::size_t i = 0; i < run - first_run; ++i) {
+      const bool invalid = pixels_[first_pixel + starts_list_[i]] == invalid_;
+      nodes[i] = choose(invalid, kNeverRemoved, starts_list_[i] - starts_list_[i + 1]);
     }
     for (std::size_t i = 0; i < taking; ++i) {
       const std::size_t pixel = first_pixel + taking_list_[i];
-      runs_[run_at(pixel)].node = runs_[run_at(pixel - width_)].node;
+      join(run_at(pixel), root_of(run_at(pixel - width_)));
     }
     if (joined_back_) unite(first_run, first_run - 1);
     for (std::size_t i = 0; i < uniting; ++i) {
@@ -313,45 +286,78 @@ class Regions {
     return true;
   }
 
+  /// Counts the one-way links of a batch. @return whether there may be room for all
+  bool note_one_way(std::size_t batch, const Masks& masks) {
+    std::size_t links = 0;
+    for (std::size_t i = 0; i < words_in(batch); ++i) {
+      for (const std::uint64_t bits :
+           {masks.to_left[i], masks.from_left[i], masks.to_up[i], masks.from_up[i]}) {
+        links += static_cast<std::size_t>(__builtin_popcountll(bits));
+      }
+    }
+    batch_has_one_way_[batch] = links != 0;
+    one_way_ += links;
+    // Better soon than late: at this rate to the end.
+    const std::size_t need =
+        first_run_[batch + 1] * 2 * sizeof(std::int32_t) + one_way_ * sizeof(OneWayLink);
+    const std::size_t part = batch + 1 < batches_ / 16 ? batches_ / 16 : batch + 1;
+    return one_way_ == 0 || need / part * batches_ + 16 <= room_ * sizeof(std::int32_t);
+  }
+
+  /// Lists where the runs of a batch start, and its end. @return the number of runs
+  std::size_t list_starts(std::size_t batch) {
+    std::size_t listed = 0;
+    for (std::size_t i = 0; i < words_in(batch); ++i) {
+      listed += write_positions(starts_[first_word(batch) + i], static_cast<std::uint16_t>(i * kWordBits),
+                                starts_list_ + listed);
+    }
+    starts_list_[listed] = static_cast<std::uint16_t>(pixels_in(batch));
+    return listed;
+  }
+
+  // Runs form disjoint sets as trees. A run's node is its parent, an earlier run, or, in the root, the
+  // negative number of the set's pixels. Numbers beyond the limit are not added up any further.
+
+  /// Puts the set of the root `child` into that of the root `root`, which is earlier.
+  void join(std::uint32_t child, std::uint32_t root) {
+    const std::int32_t size = nodes_[root];
+    const std::int32_t more = nodes_[child];
+    nodes_[child] = static_cast<std::int32_t>(root);
+    nodes_[choose(size >= -limit_, static_cast<std::int32_t>(root), -1)] = size + more;
+  }
+
   void unite(std::uint32_t a, std::uint32_t b) {
     a = root_of(a);
     b = root_of(b);
+    if (a == b) return;
     const std::uint32_t change = (a ^ b) & (0u - static_cast<std::uint32_t>(a > b));
-    runs_[b ^ change].node = static_cast<std::int32_t>(a ^ change);
+    join(b ^ change, a ^ change);
   }
 
   std::uint32_t root_of(std::uint32_t run) {
-    auto parent = static_cast<std::uint32_t>(runs_[run].node);
-    auto next = static_cast<std::uint32_t>(runs_[parent].node);
-    while (next != parent) {
-      runs_[run].node = static_cast<std::int32_t>(next);
-      run = next;
-      parent = static_cast<std::uint32_t>(runs_[run].node);
-      next = static_cast<std::uint32_t>(runs_[parent].node);
-    }
-    return parent;
+    const std::int32_t node = nodes_[run];
+    const auto self = static_cast<std::int32_t>(run);
+    const std::int32_t parent = choose(node < 0, self, node);
+    if (nodes_[parent] < 0) [[likely]]
+      return static_cast<std::uint32_t>(parent);
+    return find_root(run);
   }
 
-  /// Turns nodes into roots and, in the roots, sizes. Sizes beyond the limit are not added up any
-  /// further.
-  void add_sizes() {
-    const std::size_t count = first_run_[batches_];
-    for (std::size_t run = 0; run < count; ++run) {
-      const auto self = static_cast<std::int32_t>(run);
-      const std::int32_t parent = runs_[run].node;
-      const std::int32_t grandparent = runs_[parent].node;
-      const std::int32_t root = choose(grandparent < 0, parent, grandparent);
-      const std::int32_t length = runs_[run].length;
-      const std::int32_t size = runs_[root].node;
-      runs_[run].node = choose(root == self, -length, root);
-      runs_[choose((root != self) & (size >= -limit_), root, -1)].node = size - length;
+  std::uint32_t find_root(std::uint32_t run) {
+    for (std::int32_t parent = nodes_[run]; parent >= 0; parent = nodes_[run]) {
+      const std::int32_t grandparent = nodes_[parent];
+      if (grandparent < 0) return static_cast<std::uint32_t>(parent);
+      nodes_[run] = grandparent;
+      run = static_cast<std::uint32_t>(grandparent);
     }
+    return run;
   }
 
   /// Gives every set of runs to the first set from which one-way links lead to it.
   bool follow_one_way_links() {
     const std::uint32_t count = first_run_[batches_];
-    WorkSpace rest(reinterpret_cast<unsigned char*>(runs_ + count), (room_ - count) * sizeof(Run));
+    WorkSpace rest(reinterpret_cast<unsigned char*>(nodes_ + count),
+                   (room_ - count) * sizeof(std::int32_t));
     std::uint32_t* const last = rest.take<std::uint32_t>(count);  // of a set's ring; 0: none
     if (last == nullptr) return false;
     const std::size_t room = rest.room<OneWayLink>();
@@ -360,8 +366,8 @@ class Regions {
 
     std::uint32_t used = 1;
     const auto add = [&](std::uint32_t from_run, std::uint32_t to_run) {
-      const std::uint32_t from = set_of(from_run);
-      const std::uint32_t to = set_of(to_run);
+      const std::uint32_t from = root_of(from_run);
+      const std::uint32_t to = root_of(to_run);
       if (from == to) return true;
       if (used >= room) return false;
       const std::uint32_t before = last[from];
@@ -375,13 +381,13 @@ class Regions {
     }
 
     for (std::uint32_t set = 0; set < count; ++set) {
-      if (runs_[set].node >= 0 || last[set] == 0) continue;
+      if (nodes_[set] >= 0 || last[set] == 0) continue;
       std::uint32_t end = last[set];
       for (std::uint32_t link = links[end].next;; link = links[link].next) {
         const std::uint32_t to = links[link].to;
-        if (to > set && runs_[to].node < 0) {
-          runs_[set].node += runs_[to].node;
-          runs_[to].node = static_cast<std::int32_t>(set);
+        if (to > set && nodes_[to] < 0) {
+          nodes_[set] += nodes_[to];
+          nodes_[to] = static_cast<std::int32_t>(set);
           if (last[to] != 0) {  // the taken set's links come next
             const std::uint32_t first = links[last[to]].next;
             links[last[to]].next = links[link].next;
@@ -393,10 +399,6 @@ class Regions {
       }
     }
     return true;
-  }
-
-  std::uint32_t set_of(std::uint32_t run) const {
-    return runs_[run].node < 0 ? run : static_cast<std::uint32_t>(runs_[run].node);
   }
 
   /// Calls `add(from run, to run)` for the one-way links of a batch, once for the links between two runs
@@ -444,7 +446,7 @@ class Regions {
   std::uint32_t* before_ = nullptr;     // runs that start before the word
   std::uint32_t* first_run_ = nullptr;  // by batch
   bool* batch_has_one_way_ = nullptr;
-  Run* runs_ = nullptr;
+  std::int32_t* nodes_ = nullptr;  // by run
   std::size_t room_ = 0;
   std::size_t batches_ = 0;
   std::size_t one_way_ = 0;
