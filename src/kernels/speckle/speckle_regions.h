@@ -69,7 +69,7 @@ class Regions {
     return one_way_ == 0 || follow_one_way_links();
   }
 
-  /// Calls `visit(first pixel, number of pixels)` for the runs of the regions to remove, in order: those
+  /// Calls `visit(first pixel, number of pixels)` for the pixels of the regions to remove, in order: those
   /// whose first pixel and size `is_removed` says so of, if `by_place`, else those of at most `limit`
   /// pixels.
   template <typename IsRemoved, typename Visit>
@@ -91,10 +91,13 @@ class Regions {
         taking_list_[listed] = static_cast<std::uint16_t>(i);
         listed += nodes[i] >= smallest;
       }
-      for (std::size_t i = 0; i < listed; ++i) {
-        const std::size_t run = taking_list_[i];
-        const std::size_t start = starts_list_[run];
-        visit(first_pixel + start, starts_list_[run + 1] - start);
+      for (std::size_t i = 0; i < listed;) {
+        const std::size_t start = starts_list_[taking_list_[i]];
+        std::size_t end;
+        do {
+          end = starts_list_[taking_list_[i] + 1u];
+        } while (++i < listed && starts_list_[taking_list_[i]] == end);
+        visit(first_pixel + start, end - start);
       }
     }
   }

@@ -181,9 +181,13 @@ void speckle_pyramid(const SpeckleImage& image, const SpeckleThreshold& threshol
     std::size_t row = 0;
     remove(regions, limit, place, [&](std::size_t pixel, std::size_t length) {
       while (pixel >= (row + 1) * width) ++row;
-      const std::size_t upper = 2 * row * image.width + 2 * (pixel - row * width);
-      for (const std::size_t first : {upper, upper + image.width}) {
-        fill(image.pixels + first, 2 * length, invalid);
+      for (std::size_t col = pixel - row * width;; ++row, col = 0) {
+        const std::size_t here = length < width - col ? length : width - col;
+        std::uint16_t* const upper = image.pixels + 2 * row * image.width + 2 * col;
+        fill(upper, 2 * here, invalid);
+        fill(upper + image.width, 2 * here, invalid);
+        if (here == length) break;
+        length -= here;
       }
     });
   });
