@@ -157,6 +157,22 @@ inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) {
   std::memcpy(to + count - 4, &four, sizeof four);
 }
 
+/// Adds two numbers of `words` words, lowest first.
+inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum, std::size_t words) {
+  std::uint64_t carry = 0;
+  for (std::size_t i = 0; i < words; ++i) {
+    const std::uint64_t part = a[i] + b[i];
+    sum[i] = part + carry;
+    carry = static_cast<std::uint64_t>(part < a[i]) | static_cast<std::uint64_t>(sum[i] < part);
+  }
+}
+/// A bit for each of up to 64 words: whether it is not 0.
+inline std::uint64_t nonzero_words(const std::uint64_t* words, std::size_t count) {
+  std::uint64_t bits = 0;
+  for (std::size_t i = 0; i < count; ++i) bits |= std::uint64_t{words[i] != 0} << i;
+  return bits;
+}
+
 }  // namespace filterprocessor::neon
 
 #endif

@@ -12,18 +12,25 @@ namespace {
 
 /// Keeps the first bit of each stretch that begins with a bit of `starts`. The sum carries through a
 /// stretch from its first bit on, so a bit is the first exactly when nothing is carried into it.
-class FirstBits {
- public:
-  std::uint64_t operator()(std::uint64_t bits, std::uint64_t starts) {
-    const std::uint64_t sum = bits + (bits | ~starts);
-    const std::uint64_t carried = sum + carry_;
-    carry_ = static_cast<std::uint64_t>(sum < bits) | static_cast<std::uint64_t>(carried < sum);
-    return bits & (starts | ~carried);
-  }
+[[maybe_unused]] void keep_first_bits(const std::uint64_t* bits, const std::uint64_t* starts,
+                                      std::size_t words, std::uint64_t* first) {
+  std::uint64_t stretches[64];
+  for (std::size_t i = 0; i < words; ++i) stretches[i] = bits[i] | ~starts[i];
+  add_long(bits, stretches, first, words);
+  for (std::size_t i = 0; i < words; ++i) first[i] = bits[i] & (starts[i] | ~first[i]);
+}
 
- private:
-  std::uint64_t carry_ = 0;
-};
+/// Lists the positions of the set bits of up to 64 words, and up to 64 values of no meaning.
+/// @return the number of set bits
+[[maybe_unused]] std::size_t list_positions(const std::uint64_t* bits, std::size_t words,
+                                            std::uint16_t* to) {
+  std::size_t listed = 0;
+  for (std::uint64_t left = nonzero_words(bits, words); left != 0; left &= left - 1) {
+    const auto i = static_cast<std::size_t>(__builtin_ctzll(left));
+    listed += write_positions(bits[i], static_cast<std::uint16_t>(i * kWordBits), to + listed);
+  }
+  return listed;
+}
 
 /// Finds the regions of an image of `width` x `height` pixels without gaps between rows, taken as one
 /// sequence.
@@ -69,9 +76,9 @@ class Regions {
     return one_way_ == 0 || follow_one_way_links();
   }
 
-  /// Calls `visit(first pixel, number of pixels)` for the pixels of the regions to remove, in order: those
-  /// whose first pixel and size `is_removed` says so of, if `by_place`, else those of at most `limit`
-  /// pixels.
+  /// Calls `visit(first pixel, number of pixels)` for the pixels of the regions to remove, in order:
+  /// those whose first pixel and size `is_removed` says so of, if `by_place`, else those of at most
+  /// `limit` pixels.
   template <typename IsRemoved, typename Visit>
   void visit_removed(std::int32_t limit, bool by_place, IsRemoved is_removed, Visit visit) {
     for (std::size_t batch = 0; batch < batches_; ++batch) {
@@ -88,15 +95,15 @@ class Regions {
         // Parents come first, so theirs are sizes already.
         const auto self = static_cast<std::int32_t>(first_run_[batch] + i);
         nodes[i] = nodes_[choose(nodes[i] < 0, self, nodes[i])];
-        taking_list_[listed] = static_cast<std::uint16_t>(i);
+        joins_list_[listed] = static_cast<std::uint16_t>(i);
         listed += nodes[i] >= smallest;
       }
       for (std::size_t i = 0; i < listed;) {
-        const std::size_t start = starts_list_[taking_list_[i]];
+        const std::size_t start = starts_list_[joins_list_[i]];
         std::size_t end;
         do {
-          end = starts_list_[taking_list_[i] + 1u];
-        } while (++i < listed && starts_list_[taking_list_[i]] == end);
+          end = starts_list_[joins_list_[i] + 1u];
+        } while (++i < listed && starts_list_[joins_list_[i]] == end);
         visit(first_pixel + start, end - start);
       }
     }
@@ -250,20 +257,10 @@ class Regions {
     const std::size_t first_pixel = batch * kBatch;
     const std::uint32_t first_run = first_run_[batch];
 
-    // A run takes the set of the first run above that it touches; only what it touches besides unites
-    // sets.
     std::uint32_t run = first_run;
-    std::size_t taking = 0, uniting = 0;
-    FirstBits first_of_run, first_of_pair;
     for (std::size_t i = 0; i < words; ++i) {
-      const std::uint64_t starts = starts_[first + i];
-      const std::uint64_t takes = first_of_run(masks.up[i], starts);
-      const std::uint64_t unites = first_of_pair(masks.up[i], starts | masks.above[i]) & ~takes;
-      const auto base = static_cast<std::uint16_t>(i * kWordBits);
       before_[first + i] = run;
-      run += static_cast<std::uint32_t>(write_positions(starts, base, starts_list_ + (run - first_run)));
-      taking += write_positions(takes, base, taking_list_ + taking);
-      uniting += write_positions(unites, base, uniting_list_ + uniting);
+      run += static_cast<std::uint32_t>(__builtin_popcountll(starts_[first + i]));
     }
     first_run_[batch + 1] = run;
     if (run > room_) return false;
@@ -271,19 +268,28 @@ class Regions {
       if (!note_one_way(batch, masks)) return false;
     }
 
-    starts_list_[run - first_run] = static_cast<std::uint16_t>(pixels_in(batch));
+    list_starts(batch);
     std::int32_t* const nodes = nodes_ + first_run;
     for (std::size_t i = 0; i < run - first_run; ++i) {
       const bool invalid = pixels_[first_pixel + starts_list_[i]] == invalid_;
       nodes[i] = choose(invalid, kNeverRemoved, starts_list_[i] - starts_list_[i + 1]);
     }
+    // A run takes the set of the first run above that it touches; only what it touches besides unites
+    // sets.
+    std::uint64_t takes[kBatchWords], pairs[kBatchWords];
+    keep_first_bits(masks.up, starts_ + first, words, takes);
+    const std::size_t taking = list_positions(takes, words, joins_list_);
     for (std::size_t i = 0; i < taking; ++i) {
-      const std::size_t pixel = first_pixel + taking_list_[i];
+      const std::size_t pixel = first_pixel + joins_list_[i];
       join(run_at(pixel), root_of(run_at(pixel - width_)));
     }
     if (joined_back_) unite(first_run, first_run - 1);
+    for (std::size_t i = 0; i < words; ++i) masks.above[i] |= starts_[first + i];
+    keep_first_bits(masks.up, masks.above, words, pairs);
+    for (std::size_t i = 0; i < words; ++i) pairs[i] &= ~takes[i];
+    const std::size_t uniting = list_positions(pairs, words, joins_list_);
     for (std::size_t i = 0; i < uniting; ++i) {
-      const std::size_t pixel = first_pixel + uniting_list_[i];
+      const std::size_t pixel = first_pixel + joins_list_[i];
       unite(run_at(pixel), run_at(pixel - width_));
     }
     return true;
@@ -309,11 +315,7 @@ class Regions {
 
   /// Lists where the runs of a batch start, and its end. @return the number of runs
   std::size_t list_starts(std::size_t batch) {
-    std::size_t listed = 0;
-    for (std::size_t i = 0; i < words_in(batch); ++i) {
-      listed += write_positions(starts_[first_word(batch) + i], static_cast<std::uint16_t>(i * kWordBits),
-                                starts_list_ + listed);
-    }
+    const std::size_t listed = list_positions(starts_ + first_word(batch), words_in(batch), starts_list_);
     starts_list_[listed] = static_cast<std::uint16_t>(pixels_in(batch));
     return listed;
   }
@@ -384,7 +386,7 @@ class Regions {
     }
 
     for (std::uint32_t set = 0; set < count; ++set) {
-      if (nodes_[set] >= 0 || last[set] == 0) continue;
+      if (last[set] == 0 || nodes_[set] >= 0) continue;
       std::uint32_t end = last[set];
       for (std::uint32_t link = links[end].next;; link = links[link].next) {
         const std::uint32_t to = links[link].to;
@@ -410,10 +412,13 @@ class Regions {
   bool for_one_way_links(std::size_t batch, Add add) {
     Masks masks;
     scan(batch, masks);
-    FirstBits first_to_up, first_from_up;
-    for (std::size_t i = 0; i < words_in(batch); ++i) {
+    const std::size_t words = words_in(batch);
+    for (std::size_t i = 0; i < words; ++i) masks.above[i] |= starts_[first_word(batch) + i];
+    std::uint64_t to_up[kBatchWords], from_up[kBatchWords];
+    keep_first_bits(masks.to_up, masks.above, words, to_up);
+    keep_first_bits(masks.from_up, masks.above, words, from_up);
+    for (std::size_t i = 0; i < words; ++i) {
       const std::size_t first = (first_word(batch) + i) * kWordBits;
-      const std::uint64_t pairs = starts_[first / kWordBits] | masks.above[i];
       const auto each = [&](std::uint64_t bits, std::size_t back, bool forth) {
         for (; bits != 0; bits &= bits - 1) {
           const std::size_t pixel = first + static_cast<std::size_t>(__builtin_ctzll(bits));
@@ -424,8 +429,7 @@ class Regions {
         return true;
       };
       if (!each(masks.to_left[i], 1, true) || !each(masks.from_left[i], 1, false) ||
-          !each(first_to_up(masks.to_up[i], pairs), width_, true) ||
-          !each(first_from_up(masks.from_up[i], pairs), width_, false)) {
+          !each(to_up[i], width_, true) || !each(from_up[i], width_, false)) {
         return false;
       }
     }
@@ -455,8 +459,7 @@ class Regions {
   std::size_t one_way_ = 0;
 
   std::uint16_t starts_list_[kBatch + kListSlack];
-  std::uint16_t taking_list_[kBatch + kListSlack];
-  std::uint16_t uniting_list_[kBatch + kListSlack];
+  std::uint16_t joins_list_[kBatch + kListSlack];
 };
 
 }  // namespace
