@@ -221,7 +221,7 @@ class Regions {
     // What is behind the last pixel begins no run.
     if (first * kWordBits + end > count_)
       starts[words - 1] &= ~std::uint64_t{0} >> (first * kWordBits + end - count_);
-    joined_back_ = (starts[0] & 1) == 0;
+    joined_back_ = (valid[0] & ~starts[0] & 1) != 0;
     starts[0] |= 1;
 
     std::uint64_t above_valid[kBatchWords];
