@@ -17,7 +17,7 @@ struct General {
   U16 operator()(U16 code) const {
     const U16 number = code | (sign_extended_14(code) & is_signed);
     const U16 k = number - first;
-    return divide(k, without(at_most(k, span) & at_most(code, last), code == hole));
+    return divide(k, without(at_most(k, span) & at_most(code, last), equal(code, hole)));
   }
 
   U16 first, span, hole, last, is_signed;

@@ -123,9 +123,18 @@ inline U16 complement_nonzero(U16 a) {
   return {_mm256_andnot_si256(_mm256_or_si256(a.v, a.is_zero().v), _mm256_set1_epi16(-1))};
 }
 
+/// The lanes of a and b in turn: of their lower halves, and of their upper halves.
+inline U16 interleave_low(U16 a, U16 b) {
+  return {
+      _mm256_permute2x128_si256(_mm256_unpacklo_epi16(a.v, b.v), _mm256_unpackhi_epi16(a.v, b.v), 0x20)};
+}
+inline U16 interleave_high(U16 a, U16 b) {
+  return {
+      _mm256_permute2x128_si256(_mm256_unpacklo_epi16(a.v, b.v), _mm256_unpackhi_epi16(a.v, b.v), 0x31)};
+}
+
 inline U16 operator|(U16 a, U16 b) { return {_mm256_or_si256(a.v, b.v)}; }
 inline U16 operator-(U16 a, U16 b) { return {_mm256_sub_epi16(a.v, b.v)}; }
-inline Mask16 operator==(U16 a, U16 b) { return {_mm256_cmpeq_epi16(a.v, b.v)}; }
 /// The flags of a that b lacks.
 inline Mask16 without(Mask16 a, Mask16 b) { return {_mm256_andnot_si256(b.v, a.v)}; }
 /// a <= b, unsigned.
@@ -221,6 +230,7 @@ inline U16 min(U16 a, U16 b) { return {_mm256_min_epu16(a.v, b.v)}; }
 inline U16 add_saturated(U16 a, U16 b) { return {_mm256_adds_epu16(a.v, b.v)}; }
 inline U16 subtract_saturated(U16 a, U16 b) { return {_mm256_subs_epu16(a.v, b.v)}; }
 inline Mask16 equal(U16 a, U16 b) { return {_mm256_cmpeq_epi16(a.v, b.v)}; }
+inline Mask16 differ(U16 a, U16 b) { return ~equal(a, b); }
 
 /// The flags of 64 lanes in order, the first in the lowest bit.
 inline std::uint64_t bits_of(const Mask16 (&masks)[4]) {
@@ -243,6 +253,35 @@ inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::
     done += 4;
   } while (done < count);
   return count;
+}
+
+/// Writes the first `count` lanes, 1 to all, of a vector of equal values.
+inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) {
+  // Overlapping stores: reading what stands there would wait for a neighbour's store.
+  const auto four = static_cast<std::uint64_t>(_mm256_extract_epi64(value.v, 0));
+  if (count < 4) {
+    to[0] = to[count / 2] = to[count - 1] = static_cast<std::uint16_t>(four);
+    return;
+  }
+  for (std::size_t i = 0; i + 4 < count; i += 4) std::memcpy(to + i, &four, sizeof four);
+  std::memcpy(to + count - 4, &four, sizeof four);
+}
+
+/// Adds two numbers of `words` words, lowest first.
+inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum,
+                     std::size_t words) {
+  std::uint64_t carry = 0;
+  for (std::size_t i = 0; i < words; ++i) {
+    const std::uint64_t part = a[i] + b[i];
+    sum[i] = part + carry;
+    carry = static_cast<std::uint64_t>(part < a[i]) | static_cast<std::uint64_t>(sum[i] < part);
+  }
+}
+/// A bit for each of up to 64 words: whether it is not 0.
+inline std::uint64_t nonzero_words(const std::uint64_t* words, std::size_t count) {
+  std::uint64_t bits = 0;
+  for (std::size_t i = 0; i < count; ++i) bits |= std::uint64_t{words[i] != 0} << i;
+  return bits;
 }
 
 }  // namespace filterprocessor::avx2

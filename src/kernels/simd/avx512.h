@@ -107,9 +107,20 @@ inline U16 complement_nonzero(U16 a) {
   return {_mm512_maskz_sub_epi16(_mm512_test_epi16_mask(a.v, a.v), _mm512_set1_epi16(-1), a.v)};
 }
 
+/// The lanes of a and b in turn: of their lower halves, and of their upper halves.
+inline U16 interleave_low(U16 a, U16 b) {
+  const __m512i order = _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11);
+  return {
+      _mm512_permutex2var_epi64(_mm512_unpacklo_epi16(a.v, b.v), order, _mm512_unpackhi_epi16(a.v, b.v))};
+}
+inline U16 interleave_high(U16 a, U16 b) {
+  const __m512i order = _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15);
+  return {
+      _mm512_permutex2var_epi64(_mm512_unpacklo_epi16(a.v, b.v), order, _mm512_unpackhi_epi16(a.v, b.v))};
+}
+
 inline U16 operator|(U16 a, U16 b) { return {_mm512_or_si512(a.v, b.v)}; }
 inline U16 operator-(U16 a, U16 b) { return {_mm512_sub_epi16(a.v, b.v)}; }
-inline Mask16 operator==(U16 a, U16 b) { return {_mm512_cmpeq_epi16_mask(a.v, b.v)}; }
 /// The flags of a that b lacks.
 inline Mask16 without(Mask16 a, Mask16 b) { return {a.bits & ~b.bits}; }
 /// a <= b, unsigned.
@@ -212,6 +223,7 @@ inline U16 min(U16 a, U16 b) { return {_mm512_min_epu16(a.v, b.v)}; }
 inline U16 add_saturated(U16 a, U16 b) { return {_mm512_adds_epu16(a.v, b.v)}; }
 inline U16 subtract_saturated(U16 a, U16 b) { return {_mm512_subs_epu16(a.v, b.v)}; }
 inline Mask16 equal(U16 a, U16 b) { return {_mm512_cmpeq_epi16_mask(a.v, b.v)}; }
+inline Mask16 differ(U16 a, U16 b) { return {_mm512_cmpneq_epi16_mask(a.v, b.v)}; }
 
 /// The flags of 64 lanes in order, the first in the lowest bit.
 inline std::uint64_t bits_of(const Mask16 (&masks)[2]) {
@@ -230,6 +242,39 @@ inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::
   _mm512_storeu_si512(to, widened(_mm512_castsi512_si256(found)));
   if (count > 32) _mm512_storeu_si512(to + 32, widened(_mm512_extracti64x4_epi64(found, 1)));
   return count;
+}
+
+/// Writes the first `count` lanes, 1 to all, of a vector of equal values.
+inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) { value.store_first(to, count); }
+
+/// Adds two numbers of `words` words, lowest first.
+inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum,
+                     std::size_t words) {
+  std::uint32_t carry = 0;
+  for (std::size_t i = 0; i < words; i += 8) {
+    const auto here = static_cast<__mmask8>(_bzhi_u32(0xff, static_cast<std::uint32_t>(words - i)));
+    const __m512i x = _mm512_maskz_loadu_epi64(here, a + i);
+    const __m512i part = _mm512_add_epi64(x, _mm512_maskz_loadu_epi64(here, b + i));
+    // A word passes a carry on when all its bits are set; adding the masks finds where all carries end
+    // up.
+    const std::uint32_t passing = _mm512_cmpeq_epi64_mask(part, _mm512_set1_epi64(-1));
+    const std::uint32_t made = _mm512_cmplt_epu64_mask(part, x);
+    const std::uint32_t carries = (made << 1 | carry) + passing;
+    const auto raised = static_cast<__mmask8>(carries ^ passing);
+    carry = carries >> 8;
+    _mm512_mask_storeu_epi64(sum + i, here,
+                             _mm512_mask_add_epi64(part, raised, part, _mm512_set1_epi64(1)));
+  }
+}
+/// A bit for each of up to 64 words: whether it is not 0.
+inline std::uint64_t nonzero_words(const std::uint64_t* words, std::size_t count) {
+  std::uint64_t bits = 0;
+  for (std::size_t i = 0; i < count; i += 8) {
+    const auto here = static_cast<__mmask8>(_bzhi_u32(0xff, static_cast<std::uint32_t>(count - i)));
+    const __m512i part = _mm512_maskz_loadu_epi64(here, words + i);
+    bits |= std::uint64_t{_mm512_test_epi64_mask(part, part)} << i;
+  }
+  return bits;
 }
 
 }  // namespace filterprocessor::avx512

@@ -105,9 +105,12 @@ inline U16 select(Mask16 mask, U16 yes, U16 no) { return {vbslq_u16(mask.v, yes.
 /// 65535 - a; 0 where a is 0.
 inline U16 complement_nonzero(U16 a) { return {vmvnq_u16(vorrq_u16(a.v, a.is_zero().v))}; }
 
+/// The lanes of a and b in turn: of their lower halves, and of their upper halves.
+inline U16 interleave_low(U16 a, U16 b) { return {vzip1q_u16(a.v, b.v)}; }
+inline U16 interleave_high(U16 a, U16 b) { return {vzip2q_u16(a.v, b.v)}; }
+
 inline U16 operator|(U16 a, U16 b) { return {vorrq_u16(a.v, b.v)}; }
 inline U16 operator-(U16 a, U16 b) { return {vsubq_u16(a.v, b.v)}; }
-inline Mask16 operator==(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
 /// The flags of a that b lacks.
 inline Mask16 without(Mask16 a, Mask16 b) { return {vbicq_u16(a.v, b.v)}; }
 /// a <= b, unsigned.
@@ -195,6 +198,7 @@ inline U16 min(U16 a, U16 b) { return {vminq_u16(a.v, b.v)}; }
 inline U16 add_saturated(U16 a, U16 b) { return {vqaddq_u16(a.v, b.v)}; }
 inline U16 subtract_saturated(U16 a, U16 b) { return {vqsubq_u16(a.v, b.v)}; }
 inline Mask16 equal(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
+inline Mask16 differ(U16 a, U16 b) { return ~equal(a, b); }
 
 /// The flags of 64 lanes in order, the first in the lowest bit.
 inline std::uint64_t bits_of(const Mask16 (&masks)[8]) {
@@ -221,6 +225,35 @@ inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::
     done += 4;
   } while (done < count);
   return count;
+}
+
+/// Writes the first `count` lanes, 1 to all, of a vector of equal values.
+inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) {
+  // Overlapping stores: reading what stands there would wait for a neighbour's store.
+  const auto four = static_cast<std::uint64_t>(vgetq_lane_u64(vreinterpretq_u64_u16(value.v), 0));
+  if (count < 4) {
+    to[0] = to[count / 2] = to[count - 1] = static_cast<std::uint16_t>(four);
+    return;
+  }
+  for (std::size_t i = 0; i + 4 < count; i += 4) std::memcpy(to + i, &four, sizeof four);
+  std::memcpy(to + count - 4, &four, sizeof four);
+}
+
+/// Adds two numbers of `words` words, lowest first.
+inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum,
+                     std::size_t words) {
+  std::uint64_t carry = 0;
+  for (std::size_t i = 0; i < words; ++i) {
+    const std::uint64_t part = a[i] + b[i];
+    sum[i] = part + carry;
+    carry = static_cast<std::uint64_t>(part < a[i]) | static_cast<std::uint64_t>(sum[i] < part);
+  }
+}
+/// A bit for each of up to 64 words: whether it is not 0.
+inline std::uint64_t nonzero_words(const std::uint64_t* words, std::size_t count) {
+  std::uint64_t bits = 0;
+  for (std::size_t i = 0; i < count; ++i) bits |= std::uint64_t{words[i] != 0} << i;
+  return bits;
 }
 
 }  // namespace filterprocessor::neon

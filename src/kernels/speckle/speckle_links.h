@@ -10,14 +10,10 @@ namespace {
 
 inline constexpr std::size_t kWordBits = 64;
 
-/// A bit for each of 64 pixels: whether it is valid, and whether its neighbour's value lies within its
-/// own threshold. `up` also says that both are valid.
+/// A bit for each of 64 pixels: whether it is valid, and whether its neighbour's value, valid or not,
+/// lies within its own threshold. `right` and `down` only where thresholds differ between pixels.
 struct LinkBits {
-  std::uint64_t valid;
-  std::uint64_t left;
-  std::uint64_t up;
-  std::uint64_t right;
-  std::uint64_t down;
+  std::uint64_t valid, left, up, right, down;
 };
 
 /// 64 pixels and their neighbours, each 64 values that can be read.
@@ -83,17 +79,17 @@ struct Reach {
 };
 
 template <typename Threshold>
-LinkBits link_bits(const Neighbourhood& at, const Threshold& threshold, U16 invalid) {
+[[gnu::always_inline]] inline LinkBits link_bits(const Neighbourhood& at, const Threshold& threshold,
+                                                 U16 invalid) {
   constexpr std::size_t parts = kWordBits / U16::lanes;
   Mask16 valid[parts], left[parts], up[parts], right[parts], down[parts];
   for (std::size_t i = 0; i < parts; ++i) {
     const std::size_t x = i * U16::lanes;
     const U16 center = U16::load(at.center + x);
-    const U16 above = U16::load(at.up + x);
     const Reach reach(center, threshold.of(center));
-    valid[i] = ~equal(center, invalid);
+    valid[i] = differ(center, invalid);
     left[i] = reach.holds(U16::load(at.left + x));
-    up[i] = reach.holds(above) & valid[i] & ~equal(above, invalid);
+    up[i] = reach.holds(U16::load(at.up + x));
     if constexpr (!Threshold::symmetric) {
       right[i] = reach.holds(U16::load(at.right + x));
       down[i] = reach.holds(U16::load(at.down + x));

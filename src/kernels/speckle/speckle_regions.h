@@ -2,107 +2,37 @@
 #ifndef FILTERPROCESSOR_KERNELS_SPECKLE_SPECKLE_REGIONS_H
 #define FILTERPROCESSOR_KERNELS_SPECKLE_SPECKLE_REGIONS_H
 
+#include <initializer_list>
+
 #include "kernels/speckle/speckle_links.h"
+#include "kernels/speckle/work_space.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 namespace {
 
-/// Disjoint sets of runs. A run's node is its parent in the tree of its set, always an earlier run, or,
-/// in the root, the negative number of the set's pixels. Numbers beyond `limit` are not added up any
-/// further.
-class RunSets {
- public:
-  struct Run {
-    std::int32_t node;
-    std::uint16_t start;  // in the batch
-    std::uint16_t length;
-  };
+/// Keeps the first bit of each stretch that begins with a bit of `starts`. The sum carries through a
+/// stretch from its first bit on, so a bit is the first exactly when nothing is carried into it.
+[[maybe_unused]] void keep_first_bits(const std::uint64_t* bits, const std::uint64_t* starts,
+                                      std::size_t words, std::uint64_t* first) {
+  std::uint64_t stretches[64];
+  for (std::size_t i = 0; i < words; ++i) stretches[i] = bits[i] | ~starts[i];
+  add_long(bits, stretches, first, words);
+  for (std::size_t i = 0; i < words; ++i) first[i] = bits[i] & (starts[i] | ~first[i]);
+}
 
-  RunSets() = default;
-  RunSets(Run* runs, std::int32_t limit) : runs_(runs), limit_(limit) {}
-
-  Run& operator[](std::size_t run) { return runs_[run]; }
-
-  void unite(std::uint32_t a, std::uint32_t b) {
-    std::int32_t node_a = runs_[a].node;
-    std::int32_t node_b = runs_[b].node;
-    a = node_a < 0 ? a : static_cast<std::uint32_t>(node_a);
-    b = node_b < 0 ? b : static_cast<std::uint32_t>(node_b);
-    node_a = runs_[a].node;
-    node_b = runs_[b].node;
-    if ((node_a & node_b) >= 0) [[unlikely]] {
-      a = find(a);
-      b = find(b);
-      node_a = runs_[a].node;
-      node_b = runs_[b].node;
-    }
-    // No branch on which is the earlier or whether they are one: what must not change is written
-    // elsewhere.
-    std::int32_t elsewhere;
-    const std::uint32_t first = a < b ? a : b;
-    const std::uint32_t second = a < b ? b : a;
-    const std::int32_t first_node = a < b ? node_a : node_b;
-    *(a != b ? &runs_[second].node : &elsewhere) = static_cast<std::int32_t>(first);
-    *(a != b && first_node >= -limit_ ? &runs_[first].node : &elsewhere) = node_a + node_b;
+/// Lists the positions of the set bits of up to 64 words, and up to 64 values of no meaning.
+/// @return the number of set bits
+[[maybe_unused]] std::size_t list_positions(const std::uint64_t* bits, std::size_t words,
+                                            std::uint16_t* to) {
+  std::size_t listed = 0;
+  for (std::uint64_t left = nonzero_words(bits, words); left != 0; left &= left - 1) {
+    const auto i = static_cast<std::size_t>(__builtin_ctzll(left));
+    listed += write_positions(bits[i], static_cast<std::uint16_t>(i * kWordBits), to + listed);
   }
+  return listed;
+}
 
-  std::uint32_t find(std::uint32_t run) {
-    std::int32_t parent = runs_[run].node;
-    while (parent >= 0) {
-      const std::int32_t grandparent = runs_[parent].node;
-      if (grandparent < 0) return static_cast<std::uint32_t>(parent);
-      runs_[run].node = grandparent;
-      run = static_cast<std::uint32_t>(grandparent);
-      parent = runs_[run].node;
-    }
-    return run;
-  }
-
- private:
-  Run* runs_ = nullptr;
-  std::int32_t limit_ = 0;
-};
-
-/// Where runs start in 64 pixels, and how many start before them.
-struct StartWord {
-  std::uint64_t starts;
-  std::uint64_t before;
-};
-
-/// A link that leads one way only: from a set of runs to the set `to`. The links of one set form a ring.
-struct OneWayLink {
-  std::uint32_t to;
-  std::uint32_t next;
-};
-
-/// A work space that is given out from its start.
-class WorkSpace {
- public:
-  WorkSpace(unsigned char* bytes, std::size_t size) : next_(bytes), left_(size) {}
-
-  /// Room for `count` values of T, or null.
-  template <typename T>
-  T* take(std::size_t count) {
-    const std::size_t gap =
-        (alignof(T) - reinterpret_cast<std::uintptr_t>(next_) % alignof(T)) % alignof(T);
-    if (left_ < gap || (left_ - gap) / sizeof(T) < count) return nullptr;
-    T* const result = reinterpret_cast<T*>(next_ + gap);
-    next_ += gap + count * sizeof(T);
-    left_ -= gap + count * sizeof(T);
-    return result;
-  }
-  /// How many values of T, of at least a byte's alignment gap, are left.
-  template <typename T>
-  std::size_t room() const {
-    return left_ < alignof(T) ? 0 : (left_ - alignof(T)) / sizeof(T);
-  }
-
- private:
-  unsigned char* next_;
-  std::size_t left_;
-};
-
-/// Finds the regions of an image of `width` x `height` pixels without gaps between rows, seen as one
+/// Finds the regions of an image of `width` x `height` pixels without gaps between rows, taken as one
 /// sequence.
 ///
 /// A region is what can be reached from its first pixel over pixels of no earlier region. With one
@@ -116,254 +46,333 @@ class WorkSpace {
 template <typename Threshold>
 class Regions {
  public:
-  using Run = RunSets::Run;
   static constexpr std::size_t kBatchWords = 64;
   static constexpr std::size_t kBatch = kBatchWords * kWordBits;
 
   Regions(const std::uint16_t* pixels, std::size_t width, std::size_t height, std::uint16_t invalid,
-          const Threshold& threshold, WorkSpace work)
+          const Threshold& threshold)
       : words_(pixels, width, width * height, invalid),
         threshold_(threshold),
+        pixels_(pixels),
         width_(width),
         count_(width * height),
-        work_(work) {}
+        invalid_(invalid) {}
 
-  /// Finds all regions. `limit` is the largest that anyone asks for; `prepare(n)` is called before the
-  /// first n pixels are read.
-  /// @return false if the work space is too small. It holds one run a pixel, but not also a one-way link
-  /// for
-  ///         every fourth (12 bytes a run, 8 a link, 0.25 to 0.4 a pixel); then nothing has been found.
+  /// Finds all regions. `limit` is the largest that anyone asks for; `prepare(batch)` is called before
+  /// the pixels of a batch and the row below it are read.
+  /// @return false if the work space is too small, and then nothing has been found. Of 9 bytes a pixel,
+  /// bit masks
+  ///         take 0.3 (with a table 0.6), each run 8 and with one-way links 12, each such link 8: enough
+  ///         for a run a pixel in all but the smallest images, but not for a one-way link in every third
+  ///         pixel besides.
   template <typename Prepare>
-  bool find(std::int32_t limit, Prepare prepare) {
-    const std::size_t count = (count_ + kWordBits - 1) / kWordBits;
-    const std::size_t lead = width_ / kWordBits + 2;
-    batches_ = (count_ + kBatch - 1) / kBatch;
-    starts_ = work_.take<StartWord>(count + lead);
-    down_ = Threshold::symmetric ? nullptr : work_.take<std::uint64_t>(count + lead);
-    batch_ = work_.take<Batch>(batches_ + 1);
-    if (starts_ == nullptr || batch_ == nullptr || (!Threshold::symmetric && down_ == nullptr))
-      return false;
-    for (std::size_t i = 0; i < lead; ++i) {
-      starts_[i] = {0, 0};
-      if constexpr (!Threshold::symmetric) down_[i] = 0;
-    }
-    starts_ += lead;
-    if constexpr (!Threshold::symmetric) down_ += lead;
-    room_ = work_.room<Run>();
-    sets_ = RunSets(work_.take<Run>(room_), limit);
-
+  bool find(std::int32_t limit, WorkSpace work, Prepare prepare) {
+    limit_ = limit;
+    if (!take_space(work)) return false;
     for (std::size_t batch = 0; batch < batches_; ++batch) {
       prepare(batch);
       if (!add_batch(batch)) return false;
     }
-    return Threshold::symmetric || links_ == 0 || follow_one_way_links();
+    return one_way_ == 0 || follow_one_way_links();
   }
 
-  /// Calls `visit(first pixel, number of pixels)` for the runs of all regions whose first pixel and size
-  /// `is_removed` says to remove, in ascending order.
+  /// Calls `visit(first pixel, number of pixels)` for the pixels of the regions to remove, in order:
+  /// those whose first pixel and size `is_removed` says so of, if `by_place`, else those of at most
+  /// `limit` pixels.
   template <typename IsRemoved, typename Visit>
-  void visit_removed(IsRemoved is_removed, Visit visit) {
+  void visit_removed(std::int32_t limit, bool by_place, IsRemoved is_removed, Visit visit) {
     for (std::size_t batch = 0; batch < batches_; ++batch) {
       const std::size_t first_pixel = batch * kBatch;
-      const std::size_t first_run = batch_[batch].first_run;
-      const std::size_t end = batch_[batch + 1].first_run;
-      std::size_t count = 0;
-      for (std::size_t run = first_run; run < end; ++run) {
-        // A parent comes before its children, so its node already is its verdict.
-        Run& at = sets_[run];
-        const bool verdict = at.node < 0 ? is_removed(first_pixel + at.start, -at.node)
-                                         : sets_[static_cast<std::size_t>(at.node)].node != 0;
-        at.node = verdict;
-        list_[count] = static_cast<std::uint16_t>(run - first_run);
-        count += verdict;
+      const std::size_t count = list_starts(batch);
+      std::int32_t* const nodes = nodes_ + first_run_[batch];
+      for (std::size_t i = 0; by_place && i < count; ++i) {
+        if (nodes[i] >= 0) continue;
+        nodes[i] = is_removed(first_pixel + starts_list_[i], -nodes[i]) ? -1 : kNeverRemoved;
       }
+      const std::int32_t smallest = by_place ? -1 : -limit;
+      std::size_t listed = 0;
       for (std::size_t i = 0; i < count; ++i) {
-        const Run& removed = sets_[first_run + list_[i]];
-        visit(first_pixel + removed.start, std::size_t{removed.length});
+        // Parents come first, so theirs are sizes already.
+        const auto self = static_cast<std::int32_t>(first_run_[batch] + i);
+        nodes[i] = nodes_[choose(nodes[i] < 0, self, nodes[i])];
+        joins_list_[listed] = static_cast<std::uint16_t>(i);
+        listed += nodes[i] >= smallest;
+      }
+      for (std::size_t i = 0; i < listed;) {
+        const std::size_t start = starts_list_[joins_list_[i]];
+        std::size_t end;
+        do {
+          end = starts_list_[joins_list_[i] + 1u];
+        } while (++i < listed && starts_list_[joins_list_[i]] == end);
+        visit(first_pixel + start, end - start);
       }
     }
   }
 
  private:
-  static constexpr std::size_t kSlack = 64;  // what write_positions() may write beyond its result
-
-  struct Batch {
-    std::uint32_t first_run;
-    std::uint32_t one_way;
+  /// A link from a set of runs to the set `to`. Those of one set form a ring.
+  struct OneWayLink {
+    std::uint32_t to;
+    std::uint32_t next;
   };
 
-  struct Joins {
-    std::uint64_t starts;                              // pixels that begin a run
-    std::uint64_t up;                                  // joined to the pixel above, both ways
-    std::uint64_t to_left, from_left, to_up, from_up;  // links that lead one way only
-    std::uint64_t one_way() const { return to_left | from_left | to_up | from_up; }
+  /// Bits for the pixels of a batch.
+  struct Masks {
+    std::uint64_t up[kBatchWords];     // linked with the pixel above, both ways
+    std::uint64_t above[kBatchWords];  // the pixel above begins a run
+    std::uint64_t to_left[kBatchWords], from_left[kBatchWords], to_up[kBatchWords], from_up[kBatchWords];
   };
 
-  /// Reads words in order.
-  class Reader {
-   public:
-    Reader(const Regions& regions, std::size_t word)
-        : regions_(regions),
-          next_row_((word * kWordBits + regions.width_ - 1) / regions.width_ * regions.width_) {}
+  static constexpr std::int32_t kNeverRemoved = -2147483647;  // as a node
+  static constexpr std::size_t kListSlack = 64;  // what write_positions() may write past its result
 
-    Joins read(std::size_t word) {
-      const std::size_t first = word * kWordBits;
-      const std::uint64_t row_starts = take_row_starts(first);
-      const LinkBits link = regions_.words_.links(first, regions_.threshold_);
-      const std::uint64_t left_valid = link.valid << 1 | valid_;
-      valid_ = link.valid >> 63;
-      const std::uint64_t both = link.valid & left_valid & ~row_starts;
-      const std::uint64_t ends = link.valid | left_valid | row_starts;
-      if constexpr (Threshold::symmetric) {
-        return {ends & ~(link.left & both), link.up, 0, 0, 0, 0};
-      } else {
-        const std::uint64_t back = link.right << 1 | right_;
-        right_ = link.right >> 63;
-        regions_.down_[word] = link.down & link.valid;
-        const std::uint64_t down = regions_.above(regions_.down_, first) & link.valid;
-        return {ends & ~(link.left & back & both), link.up & down,  link.left & ~back & both,
-                back & ~link.left & both,          link.up & ~down, down & ~link.up};
+  bool take_space(WorkSpace& work) {
+    const std::size_t lead = width_ / kWordBits + 2;  // words of pixels before the first
+    const std::size_t count = lead + (count_ + kWordBits - 1) / kWordBits;
+    batches_ = (count_ + kBatch - 1) / kBatch;
+    valid_ = work.take<std::uint64_t>(count);
+    starts_ = work.take<std::uint64_t>(count);
+    before_ = work.take<std::uint32_t>(count);
+    first_run_ = work.take<std::uint32_t>(batches_ + 1);
+    if constexpr (!Threshold::symmetric) {
+      right_ = work.take<std::uint64_t>(count);
+      down_ = work.take<std::uint64_t>(count);
+      batch_has_one_way_ = work.take<bool>(batches_);
+    }
+    room_ = work.room<std::int32_t>();
+    nodes_ = work.take<std::int32_t>(room_);
+    if (nodes_ == nullptr || room_ == 0) return false;
+    ++nodes_;  // the one before the first is where join() puts what is not wanted
+    --room_;
+    for (std::size_t i = 0; i < lead; ++i) {
+      valid_[i] = starts_[i] = 0;
+      if constexpr (!Threshold::symmetric) right_[i] = down_[i] = 0;
+    }
+    valid_ += lead;
+    starts_ += lead;
+    before_ += lead;
+    if constexpr (!Threshold::symmetric) right_ += lead, down_ += lead;
+    first_run_[0] = 0;
+    return true;
+  }
+
+  /// `yes` or `no`, never by a branch: which one is hard to foresee.
+  static std::int32_t choose(bool condition, std::int32_t yes, std::int32_t no) {
+    const std::int32_t mask = -static_cast<std::int32_t>(condition);
+    return (yes & mask) | (no & ~mask);
+  }
+
+  std::size_t first_word(std::size_t batch) const { return batch * kBatchWords; }
+  std::size_t words_in(std::size_t batch) const {
+    const std::size_t left = (count_ + kWordBits - 1) / kWordBits - first_word(batch);
+    return left < kBatchWords ? left : kBatchWords;
+  }
+
+  std::size_t pixels_in(std::size_t batch) const {
+    const std::size_t left = count_ - batch * kBatch;
+    return left < kBatch ? left : kBatch;
+  }
+
+  /// The bits of the pixels above, for `words` words.
+  void shift_down_a_row(const std::uint64_t* bits, std::size_t word, std::size_t words,
+                        std::uint64_t* to) const {
+    const auto at = static_cast<std::ptrdiff_t>(word * kWordBits) - static_cast<std::ptrdiff_t>(width_);
+    const std::uint64_t* from = bits + (at >> 6);
+    const int low = static_cast<int>(at & 63);
+    for (std::size_t i = 0; i < words; ++i) to[i] = from[i] >> low | from[i + 1] << 1 << (63 - low);
+  }
+
+  /// Compares the pixels of a batch with their neighbours.
+  void scan(std::size_t batch, Masks& masks) {
+    const std::size_t first = first_word(batch);
+    const std::size_t words = words_in(batch);
+    std::uint64_t left[kBatchWords];
+    std::uint64_t row_starts[kBatchWords];
+    for (std::size_t i = 0; i < words; ++i) {
+      const LinkBits link = words_.links((first + i) * kWordBits, threshold_);
+      valid_[first + i] = link.valid;
+      left[i] = link.left;
+      masks.up[i] = link.up;
+      row_starts[i] = 0;
+      if constexpr (!Threshold::symmetric) {
+        right_[first + i] = link.right;
+        down_[first + i] = link.down;
       }
     }
-
-   private:
-    std::uint64_t take_row_starts(std::size_t first) {
-      std::uint64_t starts = 0;
-      const auto take = [&](bool here) {
-        starts |= std::uint64_t{here} << ((next_row_ - first) & 63);
-        next_row_ += here ? regions_.width_ : 0;
-      };
-      take(next_row_ < first + kWordBits);
-      while (next_row_ < first + kWordBits) take(true);  // rows of fewer than 64 pixels only
-      return starts;
+    const std::size_t end = words * kWordBits;
+    for (std::size_t x = (width_ - batch * kBatch % width_) % width_; x < end; x += width_) {
+      row_starts[x / kWordBits] |= std::uint64_t{1} << (x % kWordBits);
     }
 
-    const Regions& regions_;
-    std::size_t next_row_;
-    std::uint64_t valid_ = 0;
-    std::uint64_t right_ = 0;
-  };
-
-  /// Keeps the first bit of each stretch that starts with a bit of `starts`. A sum carries through a
-  /// stretch from its first bit on, so that a bit is the first exactly when nothing is carried into it.
-  class FirstBits {
-   public:
-    std::uint64_t operator()(std::uint64_t bits, std::uint64_t starts) {
-      const std::uint64_t sum = bits + (bits | ~starts);
-      const std::uint64_t carried = sum + carry_;
-      carry_ = static_cast<std::uint64_t>(sum < bits) | static_cast<std::uint64_t>(carried < sum);
-      return bits & (starts | ~carried);
+    const std::uint64_t* const valid = valid_ + first;
+    std::uint64_t* const starts = starts_ + first;
+    for (std::size_t i = 0; i < words; ++i) {
+      const std::uint64_t left_valid = valid[i] << 1 | (valid - 1)[i] >> 63;
+      const std::uint64_t both = valid[i] & left_valid & ~row_starts[i];
+      std::uint64_t joined = left[i] & both;
+      if constexpr (!Threshold::symmetric) {
+        const std::uint64_t back = right_[first + i] << 1 | (right_ + first - 1)[i] >> 63;
+        masks.to_left[i] = joined & ~back;
+        masks.from_left[i] = both & back & ~left[i];
+        joined &= back;
+      }
+      starts[i] = ~joined & (valid[i] | left_valid | row_starts[i]);
     }
+    // What is behind the last pixel begins no run.
+    if (first * kWordBits + end > count_)
+      starts[words - 1] &= ~std::uint64_t{0} >> (first * kWordBits + end - count_);
+    joined_back_ = (valid[0] & ~starts[0] & 1) != 0;
+    starts[0] |= 1;
 
-   private:
-    std::uint64_t carry_ = 0;
-  };
-
-  /// The bits of the pixels above the 64 from `first` on.
-  std::uint64_t above(const std::uint64_t* bits, std::size_t first) const {
-    return above_of(first, [bits](std::ptrdiff_t word) { return bits[word]; });
-  }
-  template <typename Word>
-  std::uint64_t above_of(std::size_t first, Word word) const {
-    const auto at = static_cast<std::ptrdiff_t>(first) - static_cast<std::ptrdiff_t>(width_);
-    return word(at >> 6) >> (at & 63) | word((at >> 6) + 1) << 1 << (~at & 63);
-  }
-  std::uint64_t starts_above(std::size_t first) const {
-    return above_of(first, [this](std::ptrdiff_t word) { return starts_[word].starts; });
+    std::uint64_t above_valid[kBatchWords];
+    shift_down_a_row(valid_, first, words, above_valid);
+    shift_down_a_row(starts_, first, words, masks.above);
+    if constexpr (Threshold::symmetric) {
+      for (std::size_t i = 0; i < words; ++i) masks.up[i] &= valid[i] & above_valid[i];
+    } else {
+      std::uint64_t down[kBatchWords];
+      shift_down_a_row(down_, first, words, down);
+      for (std::size_t i = 0; i < words; ++i) {
+        const std::uint64_t both = valid[i] & above_valid[i];
+        const std::uint64_t up = masks.up[i];
+        masks.to_up[i] = both & up & ~down[i];
+        masks.from_up[i] = both & down[i] & ~up;
+        masks.up[i] = both & up & down[i];
+      }
+    }
   }
 
   /// The run of a pixel.
   std::uint32_t run_at(std::size_t pixel) const {
-    const StartWord& word = starts_[pixel / kWordBits];
-    const int here = __builtin_popcountll(word.starts << (~pixel & 63));
-    return static_cast<std::uint32_t>(word.before) + static_cast<std::uint32_t>(here) - 1;
+    const std::size_t word = pixel / kWordBits;
+    return before_[word] - 1 +
+           static_cast<std::uint32_t>(__builtin_popcountll(starts_[word] << (~pixel & 63)));
   }
 
   bool add_batch(std::size_t batch) {
-    const std::size_t first_word = batch * kBatchWords;
+    Masks masks;
+    scan(batch, masks);
+    const std::size_t first = first_word(batch);
+    const std::size_t words = words_in(batch);
     const std::size_t first_pixel = batch * kBatch;
-    const std::size_t length = count_ - first_pixel < kBatch ? count_ - first_pixel : kBatch;
-    const std::size_t first_run = run_count_;
-    const std::size_t end_word = first_word + (length + kWordBits - 1) / kWordBits;
+    const std::uint32_t first_run = first_run_[batch];
 
-    std::uint64_t firsts[kBatchWords];
-    std::uint64_t one_way = 0;
-    bool joined_back = false;
-    FirstBits first_bits;
-    for (std::size_t word = first_word; word < end_word; ++word) {
-      Joins joins = reader_.read(word);
-      if (word == first_word) {
-        joined_back = (joins.starts & 1) == 0;
-        joins.starts |= 1;
-      }
-      if (word + 1 == end_word) joins.starts &= ~std::uint64_t{0} >> ((kBatch - length) & 63);
-      starts_[word] = {joins.starts, run_count_};
-      run_count_ += static_cast<std::size_t>(__builtin_popcountll(joins.starts));
-      firsts[word - first_word] = first_bits(joins.up, joins.starts | starts_above(word * kWordBits));
-      if constexpr (!Threshold::symmetric) {
-        one_way |= joins.one_way();
-        links_ += static_cast<std::size_t>(__builtin_popcountll(joins.one_way()));
-      }
+    std::uint32_t run = first_run;
+    for (std::size_t i = 0; i < words; ++i) {
+      before_[first + i] = run;
+      run += static_cast<std::uint32_t>(__builtin_popcountll(starts_[first + i]));
     }
-    batch_[batch] = {static_cast<std::uint32_t>(first_run), one_way != 0};
-    batch_[batch + 1].first_run = static_cast<std::uint32_t>(run_count_);
-    if (run_count_ > room_) return false;
-    if (links_ != 0 && 12 * run_count_ + 8 * links_ + 24 > sizeof(Run) * room_) return false;
+    first_run_[batch + 1] = run;
+    if (run > room_) return false;
+    if constexpr (!Threshold::symmetric) {
+      if (!note_one_way(batch, masks)) return false;
+    }
 
-    std::size_t listed = 0;
-    std::size_t joins = 0;
-    for (std::size_t word = first_word; word < end_word; ++word) {
-      const auto base = static_cast<std::uint16_t>((word - first_word) * kWordBits);
-      listed += write_positions(starts_[word].starts, base, list_ + listed);
-      joins += write_positions(firsts[word - first_word], base, joins_ + joins);
+    list_starts(batch);
+    std::int32_t* const nodes = nodes_ + first_run;
+    for (std::size_t i = 0; i < run - first_run; ++i) {
+      const bool invalid = pixels_[first_pixel + starts_list_[i]] == invalid_;
+      nodes[i] = choose(invalid, kNeverRemoved, starts_list_[i] - starts_list_[i + 1]);
     }
-    list_[listed] = static_cast<std::uint16_t>(length);
-    for (std::size_t i = 0; i < listed; ++i) {
-      const auto run_length = static_cast<std::uint16_t>(list_[i + 1] - list_[i]);
-      sets_[first_run + i] = {-std::int32_t{run_length}, list_[i], run_length};
+    // A run takes the set of the first run above that it touches; only what it touches besides unites
+    // sets.
+    std::uint64_t takes[kBatchWords], pairs[kBatchWords];
+    keep_first_bits(masks.up, starts_ + first, words, takes);
+    const std::size_t taking = list_positions(takes, words, joins_list_);
+    for (std::size_t i = 0; i < taking; ++i) {
+      const std::size_t pixel = first_pixel + joins_list_[i];
+      join(run_at(pixel), root_of(run_at(pixel - width_)));
     }
-    if (joined_back && first_pixel != 0) {
-      sets_.unite(static_cast<std::uint32_t>(first_run), static_cast<std::uint32_t>(first_run - 1));
-    }
-    for (std::size_t i = 0; i < joins; ++i) {
-      const std::size_t pixel = first_pixel + joins_[i];
-      sets_.unite(run_at(pixel), run_at(pixel - width_));
+    if (joined_back_) unite(first_run, first_run - 1);
+    for (std::size_t i = 0; i < words; ++i) masks.above[i] |= starts_[first + i];
+    keep_first_bits(masks.up, masks.above, words, pairs);
+    for (std::size_t i = 0; i < words; ++i) pairs[i] &= ~takes[i];
+    const std::size_t uniting = list_positions(pairs, words, joins_list_);
+    for (std::size_t i = 0; i < uniting; ++i) {
+      const std::size_t pixel = first_pixel + joins_list_[i];
+      unite(run_at(pixel), run_at(pixel - width_));
     }
     return true;
   }
 
-  PixelWords words_;
-  Threshold threshold_;
-  std::size_t width_;
-  std::size_t count_;
-  WorkSpace work_;
-  Reader reader_{*this, 0};
+  /// Counts the one-way links of a batch. @return whether there may be room for all
+  bool note_one_way(std::size_t batch, const Masks& masks) {
+    std::size_t links = 0;
+    for (std::size_t i = 0; i < words_in(batch); ++i) {
+      for (const std::uint64_t bits :
+           {masks.to_left[i], masks.from_left[i], masks.to_up[i], masks.from_up[i]}) {
+        links += static_cast<std::size_t>(__builtin_popcountll(bits));
+      }
+    }
+    batch_has_one_way_[batch] = links != 0;
+    one_way_ += links;
+    // Better soon than late: at this rate to the end.
+    const std::size_t need =
+        first_run_[batch + 1] * 2 * sizeof(std::int32_t) + one_way_ * sizeof(OneWayLink);
+    const std::size_t part = batch + 1 < batches_ / 16 ? batches_ / 16 : batch + 1;
+    return one_way_ == 0 || need / part * batches_ + 16 <= room_ * sizeof(std::int32_t);
+  }
 
-  std::size_t batches_ = 0;
-  Batch* batch_ = nullptr;
-  StartWord* starts_ = nullptr;
-  std::uint64_t* down_ = nullptr;  // links from pixels to those below
-  std::size_t room_ = 0;
-  std::size_t run_count_ = 0;
-  std::size_t links_ = 0;  // one-way links, at most
-  RunSets sets_;
-  std::uint16_t list_[kBatch + kSlack];
-  std::uint16_t joins_[kBatch + kSlack];
+  /// Lists where the runs of a batch start, and its end. @return the number of runs
+  std::size_t list_starts(std::size_t batch) {
+    const std::size_t listed = list_positions(starts_ + first_word(batch), words_in(batch), starts_list_);
+    starts_list_[listed] = static_cast<std::uint16_t>(pixels_in(batch));
+    return listed;
+  }
+
+  // Runs form disjoint sets as trees. A run's node is its parent, an earlier run, or, in the root, the
+  // negative number of the set's pixels. Numbers beyond the limit are not added up any further.
+
+  /// Puts the set of the root `child` into that of the root `root`, which is earlier.
+  void join(std::uint32_t child, std::uint32_t root) {
+    const std::int32_t size = nodes_[root];
+    const std::int32_t more = nodes_[child];
+    nodes_[child] = static_cast<std::int32_t>(root);
+    nodes_[choose(size >= -limit_, static_cast<std::int32_t>(root), -1)] = size + more;
+  }
+
+  void unite(std::uint32_t a, std::uint32_t b) {
+    a = root_of(a);
+    b = root_of(b);
+    if (a == b) return;
+    const std::uint32_t change = (a ^ b) & (0u - static_cast<std::uint32_t>(a > b));
+    join(b ^ change, a ^ change);
+  }
+
+  std::uint32_t root_of(std::uint32_t run) {
+    const std::int32_t node = nodes_[run];
+    const auto self = static_cast<std::int32_t>(run);
+    const std::int32_t parent = choose(node < 0, self, node);
+    if (nodes_[parent] < 0) [[likely]]
+      return static_cast<std::uint32_t>(parent);
+    return find_root(run);
+  }
+
+  std::uint32_t find_root(std::uint32_t run) {
+    for (std::int32_t parent = nodes_[run]; parent >= 0; parent = nodes_[run]) {
+      const std::int32_t grandparent = nodes_[parent];
+      if (grandparent < 0) return static_cast<std::uint32_t>(parent);
+      nodes_[run] = grandparent;
+      run = static_cast<std::uint32_t>(grandparent);
+    }
+    return run;
+  }
 
   /// Gives every set of runs to the first set from which one-way links lead to it.
   bool follow_one_way_links() {
-    WorkSpace rest(reinterpret_cast<unsigned char*>(&sets_[run_count_]),
-                   (room_ - run_count_) * sizeof(Run));
-    std::uint32_t* const last = rest.take<std::uint32_t>(run_count_);  // of the links from a set; 0: none
+    const std::uint32_t count = first_run_[batches_];
+    WorkSpace rest(reinterpret_cast<unsigned char*>(nodes_ + count),
+                   (room_ - count) * sizeof(std::int32_t));
+    std::uint32_t* const last = rest.take<std::uint32_t>(count);  // of a set's ring; 0: none
     if (last == nullptr) return false;
     const std::size_t room = rest.room<OneWayLink>();
     OneWayLink* const links = rest.take<OneWayLink>(room);
-    for (std::size_t run = 0; run < run_count_; ++run) last[run] = 0;
+    for (std::uint32_t run = 0; run < count; ++run) last[run] = 0;
 
     std::uint32_t used = 1;
-    const auto add = [&](std::uint32_t from, std::uint32_t to) {
-      from = sets_.find(from);
-      to = sets_.find(to);
+    const auto add = [&](std::uint32_t from_run, std::uint32_t to_run) {
+      const std::uint32_t from = root_of(from_run);
+      const std::uint32_t to = root_of(to_run);
       if (from == to) return true;
       if (used >= room) return false;
       const std::uint32_t before = last[from];
@@ -373,18 +382,18 @@ class Regions {
       return true;
     };
     for (std::size_t batch = 0; batch < batches_; ++batch) {
-      if (batch_[batch].one_way != 0 && !for_one_way_links(batch, add)) return false;
+      if (batch_has_one_way_[batch] && !for_one_way_links(batch, add)) return false;
     }
 
-    for (std::uint32_t set = 0; set < run_count_; ++set) {
-      if (sets_[set].node >= 0 || last[set] == 0) continue;
+    for (std::uint32_t set = 0; set < count; ++set) {
+      if (last[set] == 0 || nodes_[set] >= 0) continue;
       std::uint32_t end = last[set];
       for (std::uint32_t link = links[end].next;; link = links[link].next) {
         const std::uint32_t to = links[link].to;
-        if (to > set && sets_[to].node < 0) {
-          sets_[set].node += sets_[to].node;
-          sets_[to].node = static_cast<std::int32_t>(set);
-          if (last[to] != 0) {  // its links are followed next
+        if (to > set && nodes_[to] < 0) {
+          nodes_[set] += nodes_[to];
+          nodes_[to] = static_cast<std::int32_t>(set);
+          if (last[to] != 0) {  // the taken set's links come next
             const std::uint32_t first = links[last[to]].next;
             links[last[to]].next = links[link].next;
             links[link].next = first;
@@ -397,20 +406,19 @@ class Regions {
     return true;
   }
 
-  /// Calls `add(from run, to run)` for the one-way links of a batch, once for each pair of rows of runs
-  /// that touch, until it returns false.
+  /// Calls `add(from run, to run)` for the one-way links of a batch, once for the links between two runs
+  /// that lie above one another, until it returns false.
   template <typename Add>
   bool for_one_way_links(std::size_t batch, Add add) {
-    const std::size_t first_word = batch * kBatchWords;
-    const std::size_t words = (count_ + kWordBits - 1) / kWordBits;
-    const std::size_t end_word = words - first_word < kBatchWords ? words : first_word + kBatchWords;
-    Reader reader(*this, first_word == 0 ? 0 : first_word - 1);
-    if (first_word != 0) reader.read(first_word - 1);  // for what lies to the left
-    FirstBits first_to_up, first_from_up;
-    for (std::size_t word = first_word; word < end_word; ++word) {
-      const std::size_t first = word * kWordBits;
-      const Joins joins = reader.read(word);
-      const std::uint64_t stretches = starts_[word].starts | starts_above(first);
+    Masks masks;
+    scan(batch, masks);
+    const std::size_t words = words_in(batch);
+    for (std::size_t i = 0; i < words; ++i) masks.above[i] |= starts_[first_word(batch) + i];
+    std::uint64_t to_up[kBatchWords], from_up[kBatchWords];
+    keep_first_bits(masks.to_up, masks.above, words, to_up);
+    keep_first_bits(masks.from_up, masks.above, words, from_up);
+    for (std::size_t i = 0; i < words; ++i) {
+      const std::size_t first = (first_word(batch) + i) * kWordBits;
       const auto each = [&](std::uint64_t bits, std::size_t back, bool forth) {
         for (; bits != 0; bits &= bits - 1) {
           const std::size_t pixel = first + static_cast<std::size_t>(__builtin_ctzll(bits));
@@ -420,14 +428,38 @@ class Regions {
         }
         return true;
       };
-      if (!each(joins.to_left, 1, true) || !each(joins.from_left, 1, false) ||
-          !each(first_to_up(joins.to_up, stretches), width_, true) ||
-          !each(first_from_up(joins.from_up, stretches), width_, false)) {
+      if (!each(masks.to_left[i], 1, true) || !each(masks.from_left[i], 1, false) ||
+          !each(to_up[i], width_, true) || !each(from_up[i], width_, false)) {
         return false;
       }
     }
     return true;
   }
+
+  PixelWords words_;
+  Threshold threshold_;
+  const std::uint16_t* pixels_;
+  std::size_t width_;
+  std::size_t count_;
+  std::uint16_t invalid_;
+  std::int32_t limit_ = 0;
+  bool joined_back_ = false;  // the first pixel of the batch to the one before
+
+  // In the work space: words of bits for all pixels, with words for a row before the first, and the runs.
+  std::uint64_t* valid_ = nullptr;
+  std::uint64_t* starts_ = nullptr;
+  std::uint64_t* right_ = nullptr;
+  std::uint64_t* down_ = nullptr;
+  std::uint32_t* before_ = nullptr;     // runs that start before the word
+  std::uint32_t* first_run_ = nullptr;  // by batch
+  bool* batch_has_one_way_ = nullptr;
+  std::int32_t* nodes_ = nullptr;  // by run
+  std::size_t room_ = 0;
+  std::size_t batches_ = 0;
+  std::size_t one_way_ = 0;
+
+  std::uint16_t starts_list_[kBatch + kListSlack];
+  std::uint16_t joins_list_[kBatch + kListSlack];
 };
 
 }  // namespace

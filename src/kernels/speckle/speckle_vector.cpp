@@ -1,6 +1,6 @@
 #include "kernels/speckle/speckle_vector.h"
 
-#include <type_traits>
+#include <initializer_list>
 
 #include "kernels/speckle/speckle_plain.h"
 #include "kernels/speckle/speckle_regions.h"
@@ -20,15 +20,26 @@ void with_threshold(const SpeckleThreshold& threshold, Run run) {
   run(LongTableThreshold(table));
 }
 
-/// Sets `count` pixels; `room` pixels from the first on belong to the image.
-void fill(std::uint16_t* pixels, std::size_t count, std::size_t room, U16 value, std::uint16_t scalar) {
-  for (; count > kLanes; count -= kLanes, pixels += kLanes, room -= kLanes) value.store(pixels);
-  if (room >= kLanes) return value.store_where(Mask16::first(count), pixels, U16::load(pixels));
-  for (std::size_t i = 0; i < count; ++i) pixels[i] = scalar;
+/// Sets `count` pixels, at least one.
+void fill(std::uint16_t* pixels, std::size_t count, U16 value) {
+  for (; count > kLanes; count -= kLanes, pixels += kLanes) value.store(pixels);
+  fill_first(value, pixels, count);
 }
 
 /// The largest limit that a region is compared with.
-std::int32_t largest(const SpeckleLimit& limit) { return limit.map != nullptr ? 65535 : limit.max_size; }
+std::int32_t largest(const SpeckleLimit& limit) {
+  constexpr std::int32_t most = 32767 * 32767;
+  if (limit.map != nullptr) return 65535;
+  return limit.max_size < most ? limit.max_size : most;
+}
+
+/// Visits the runs to remove. `limit_at` gives the limit for a region's first pixel.
+template <typename Regions, typename LimitAt, typename Visit>
+void remove(Regions& regions, const SpeckleLimit& limit, LimitAt limit_at, Visit visit) {
+  regions.visit_removed(
+      largest(limit), limit.map != nullptr,
+      [&](std::size_t first, std::int32_t size) { return size <= limit_at(first); }, visit);
+}
 
 /// Prepares the lattice of odd rows and columns: copies it row by row into a small image and smooths the
 /// blocks, as if all regions were kept. Smoothing needs no regions, changes no lattice pixel, and where a
@@ -53,31 +64,29 @@ class Lattice {
     std::uint16_t* lower = upper + image_.width;
     std::uint16_t* to = lattice_ + row * width();
     const U16 invalid = U16::splat(image_.invalid);
-    std::size_t left = width();
-    for (; left >= kLanes; left -= kLanes, upper += 2 * kLanes, lower += 2 * kLanes, to += kLanes) {
-      const U16 first = smooth(upper, lower, U16::load(upper), U16::load(lower), invalid);
-      const U16 second = smooth(upper + kLanes, lower + kLanes, U16::load(upper + kLanes),
-                                U16::load(lower + kLanes), invalid);
-      U16::odd_lanes(first, second).store(to);
+    if (width() < kLanes) {
+      std::uint16_t copy[2][2 * kLanes] = {};
+      for (std::size_t i = 0; i < 2 * width(); ++i) copy[0][i] = upper[i], copy[1][i] = lower[i];
+      smooth_blocks(copy[0], copy[1], invalid).store_first(to, width());
+      for (std::size_t i = 0; i < 2 * width(); ++i) upper[i] = copy[0][i], lower[i] = copy[1][i];
+      return;
     }
-    if (left == 0) return;
-    std::uint16_t tail[4][kLanes] = {};
-    for (std::size_t i = 0; i < 2 * left; ++i) {
-      tail[i / kLanes][i % kLanes] = upper[i];
-      tail[2 + i / kLanes][i % kLanes] = lower[i];
-    }
-    const U16 first = smooth(tail[0], tail[2], U16::load(tail[0]), U16::load(tail[2]), invalid);
-    const U16 second = smooth(tail[1], tail[3], U16::load(tail[1]), U16::load(tail[3]), invalid);
-    U16::odd_lanes(first, second).store_first(to, left);
-    for (std::size_t i = 0; i < 2 * left; ++i) {
-      upper[i] = tail[i / kLanes][i % kLanes];
-      lower[i] = tail[2 + i / kLanes][i % kLanes];
+    // The last vector may begin among blocks that are done already; they stay as they are.
+    for (std::size_t col = 0; col < width(); col += kLanes) {
+      const std::size_t at = col < width() - kLanes ? col : width() - kLanes;
+      smooth_blocks(upper + 2 * at, lower + 2 * at, invalid).store(to + at);
     }
   }
 
-  /// Smooths a row of blocks. @return the lower row, which holds the lattice pixels
-  U16 smooth(std::uint16_t* upper, std::uint16_t* lower, U16 upper_values, U16 lower_values,
-             U16 invalid) const {
+  /// Smooths a vector of blocks. @return their lattice pixels
+  U16 smooth_blocks(std::uint16_t* upper, std::uint16_t* lower, U16 invalid) const {
+    return U16::odd_lanes(smooth(upper, lower, invalid), smooth(upper + kLanes, lower + kLanes, invalid));
+  }
+
+  /// @return the lower row, which holds the lattice pixels
+  U16 smooth(std::uint16_t* upper, std::uint16_t* lower, U16 invalid) const {
+    const U16 upper_values = U16::load(upper);
+    const U16 lower_values = U16::load(lower);
     const U16 centers = lower_values.odd_doubled();
     // Around an invalid center everything that differs becomes invalid.
     const Reach reach(centers, select(equal(centers, invalid), U16::zero(), threshold_.of(centers)));
@@ -96,33 +105,52 @@ class Lattice {
   std::size_t done_ = 0;
 };
 
+/// Carries a half image back to a vector's worth of blocks that are in neither the first nor the last
+/// half row.
+void upsample_blocks(std::uint16_t* upper, std::uint16_t* lower, const std::uint16_t* half,
+                     std::size_t half_width, const UniformThreshold& threshold) {
+  const U16 zero = U16::zero();
+  const U16 s = U16::load(half);
+  const U16 above = U16::load(half - half_width);
+  const U16 left = U16::load(half - 1);
+  // Pairs of pixels: the first has a neighbour in the half image to its left, for the second s stands in.
+  const auto settle = [&](std::size_t at, U16 pair_s, U16 pair_above, U16 pair_left, U16 pair_zero_s) {
+    const U16 upper_values = U16::load(upper + at);
+    const Reach upper_reach(upper_values, threshold.of(upper_values));
+    const Mask16 keep_upper =
+        upper_reach.holds(pair_s) | upper_reach.holds(pair_above) | upper_reach.holds(pair_left);
+    zero.store_where(~keep_upper, upper + at, upper_values);
+    const U16 lower_values = U16::load(lower + at);
+    const Reach lower_reach(lower_values, threshold.of(lower_values));
+    const Mask16 keep_lower =
+        lower_reach.holds(pair_s) | lower_reach.holds(pair_left) | lower_values.is_zero();
+    pair_zero_s.store_where(~keep_lower, lower + at, lower_values);
+  };
+  settle(0, interleave_low(s, s), interleave_low(above, above), interleave_low(left, s),
+         interleave_low(zero, s));
+  settle(kLanes, interleave_high(s, s), interleave_high(above, above), interleave_high(left, s),
+         interleave_high(zero, s));
+}
+
 }  // namespace
 
 void speckle_full(const SpeckleImage& image, const SpeckleThreshold& threshold,
                   const SpeckleLimit& limit) {
   if (limit.map == nullptr && limit.max_size < 1) return;
   if (!threshold.by_table && threshold.max_diff < 0) return plain::speckle_full(image, threshold, limit);
-  with_threshold(threshold, [&](const auto& vector_threshold) {
-    const std::size_t count = image.width * image.height;
-    Regions regions(image.pixels, image.width, image.height, image.invalid, vector_threshold,
-                    WorkSpace(image.work, 9 * count));
-    if (!regions.find(largest(limit), [](std::size_t) {}))
+  const std::size_t count = image.width * image.height;
+  with_threshold(threshold, [&](const auto& thresholds) {
+    Regions regions(image.pixels, image.width, image.height, image.invalid, thresholds);
+    if (!regions.find(largest(limit), WorkSpace(image.work, 9 * count), [](std::size_t) {})) {
       return plain::speckle_full(image, threshold, limit);
-    const U16 invalid = U16::splat(image.invalid);
-    const auto remove = [&](std::size_t pixel, std::size_t length) {
-      fill(image.pixels + pixel, length, count - pixel, invalid, image.invalid);
-    };
-    if (limit.map == nullptr) {
-      regions.visit_removed([&](std::size_t, std::int32_t size) { return size <= limit.max_size; },
-                            remove);
-    } else {
-      const RegionLimit limit_at(limit, image.width, image.height);
-      regions.visit_removed(
-          [&](std::size_t pixel, std::int32_t size) {
-            return size <= limit_at(pixel / image.width, pixel % image.width);
-          },
-          remove);
     }
+    const RegionLimit limit_at(limit, image.width, image.height);
+    const auto place = [&](std::size_t pixel) {
+      return limit_at(pixel / image.width, pixel % image.width);
+    };
+    const U16 invalid = U16::splat(image.invalid);
+    remove(regions, limit, place,
+           [&](std::size_t pixel, std::size_t length) { fill(image.pixels + pixel, length, invalid); });
   });
 }
 
@@ -130,41 +158,38 @@ void speckle_pyramid(const SpeckleImage& image, const SpeckleThreshold& threshol
                      const SpeckleLimit& limit) {
   if (!threshold.by_table && threshold.max_diff < 0)
     return plain::speckle_pyramid(image, threshold, limit);
-  with_threshold(threshold, [&](const auto& vector_threshold) {
-    using Threshold = std::remove_cvref_t<decltype(vector_threshold)>;
-    const std::size_t count = (image.width / 2) * (image.height / 2);
-    WorkSpace work(image.work, 9 * image.width * image.height);
-    std::uint16_t* pixels = work.take<std::uint16_t>(count);
-    Lattice lattice(image, pixels, vector_threshold);
-    if (limit.map == nullptr && limit.max_size < 1) return lattice.prepare(count);
+  const std::size_t width = image.width / 2;
+  const std::size_t height = image.height / 2;
+  const std::size_t end = image.width * image.height;
+  WorkSpace work(image.work, 9 * end);
+  std::uint16_t* const pixels = work.take<std::uint16_t>(width * height);
+  with_threshold(threshold, [&](const auto& thresholds) {
+    Lattice lattice(image, pixels, thresholds);
+    if (limit.map == nullptr && limit.max_size < 1) return lattice.prepare(width * height);
 
-    const std::size_t width = lattice.width();
-    Regions<Threshold> regions(pixels, width, lattice.height(), image.invalid, vector_threshold, work);
-    const bool found = regions.find(largest(limit), [&](std::size_t batch) {
-      lattice.prepare((batch + 1) * Regions<Threshold>::kBatch + width + kWordBits);
+    Regions regions(pixels, width, height, image.invalid, thresholds);
+    const bool found = regions.find(largest(limit), work, [&](std::size_t batch) {
+      lattice.prepare((batch + 1) * regions.kBatch + width + 1);
     });
     // What has been smoothed already is smoothed the same way again.
     if (!found) return plain::speckle_pyramid(image, threshold, limit);
+    const RegionLimit limit_at(limit, image.width, image.height);
+    const auto place = [&](std::size_t pixel) {
+      return limit_at(2 * (pixel / width) + 1, 2 * (pixel % width) + 1);
+    };
     const U16 invalid = U16::splat(image.invalid);
     std::size_t row = 0;
-    const auto remove = [&](std::size_t pixel, std::size_t length) {
+    remove(regions, limit, place, [&](std::size_t pixel, std::size_t length) {
       while (pixel >= (row + 1) * width) ++row;
-      std::uint16_t* upper = image.pixels + 2 * row * image.width + 2 * (pixel - row * width);
-      const std::size_t room = image.pixels + image.width * image.height - upper;
-      fill(upper, 2 * length, room, invalid, image.invalid);
-      fill(upper + image.width, 2 * length, room - image.width, invalid, image.invalid);
-    };
-    if (limit.map == nullptr) {
-      regions.visit_removed([&](std::size_t, std::int32_t size) { return size <= limit.max_size; },
-                            remove);
-    } else {
-      const RegionLimit limit_at(limit, image.width, image.height);
-      regions.visit_removed(
-          [&](std::size_t pixel, std::int32_t size) {
-            return size <= limit_at(2 * (pixel / width) + 1, 2 * (pixel % width) + 1);
-          },
-          remove);
-    }
+      for (std::size_t col = pixel - row * width;; ++row, col = 0) {
+        const std::size_t here = length < width - col ? length : width - col;
+        std::uint16_t* const upper = image.pixels + 2 * row * image.width + 2 * col;
+        fill(upper, 2 * here, invalid);
+        fill(upper + image.width, 2 * here, invalid);
+        if (here == length) break;
+        length -= here;
+      }
+    });
   });
 }
 
@@ -183,7 +208,24 @@ void speckle_downsample(const std::uint16_t* full, std::size_t stride, std::uint
 
 void speckle_upsample(std::uint16_t* full, std::size_t stride, const std::uint16_t* half,
                       std::size_t half_width, std::size_t half_height, std::int32_t max_diff) {
-  plain::speckle_upsample(full, stride, half, half_width, half_height, max_diff);
+  // The edge rows and what is left of the others are few.
+  if (max_diff < 0 || half_width <= kLanes || half_height < 3) {
+    return plain::speckle_upsample(full, stride, half, half_width, half_height, max_diff);
+  }
+  const std::size_t last = (half_height - 1) * half_width;
+  plain::speckle_upsample(full, stride, half, half_width, 1, max_diff);
+  plain::speckle_upsample(full + 2 * (half_height - 1) * stride, stride, half + last, half_width, 1,
+                          max_diff);
+  const UniformThreshold threshold(max_diff);
+  for (std::size_t row = 1; row + 1 < half_height; ++row) {
+    // Repeating a block changes nothing: what was set to 0 stays, and the others are near what they were
+    // near.
+    for (std::size_t col = 1; col < half_width; col += kLanes) {
+      const std::size_t at = col < half_width - kLanes ? col : half_width - kLanes;
+      std::uint16_t* const to = full + 2 * row * stride + 2 * at;
+      upsample_blocks(to, to + stride, half + row * half_width + at, half_width, threshold);
+    }
+  }
 }
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL
