@@ -3,6 +3,7 @@
 
 #include "kernels/hole_filling/hole_filling.h"
 #include "kernels/level.h"
+#include "kernels/temporal/temporal.h"
 
 namespace filterprocessor {
 
@@ -10,6 +11,7 @@ namespace filterprocessor {
 struct KernelSet {
   Level level;
   HoleFillingKernels hole_filling;
+  TemporalKernels temporal;
 };
 
 /// The kernels of a level, or null when they are not compiled for this processor family.

@@ -101,6 +101,58 @@ inline U16 complement_nonzero(U16 a) {
   return {_mm256_andnot_si256(_mm256_or_si256(a.v, a.is_zero().v), _mm256_set1_epi16(-1))};
 }
 
+/// Half of a vector's pixels as 32-bit floats. They carry a bias of 2^23, which turns an integer into a float
+/// without a conversion and cancels in differences; it is exact, and so are the minimum and the difference.
+struct PixelF32 {
+  static constexpr float kBias = 8388608;
+
+  __m256 v;
+};
+struct F32 {
+  __m256 v;
+};
+/// A flag per lane of an F32.
+struct Mask32 {
+  __m256 v;
+};
+
+/// A number that pixels are multiplied by, at most kLargest in magnitude.
+struct Factor {
+  static constexpr float kLargest = 1e30f;
+
+  F32 factor, offset;
+
+  explicit Factor(float value)
+      : factor{_mm256_set1_ps(value)}, offset{_mm256_set1_ps(-PixelF32::kBias * value)} {}
+};
+
+inline F32 operator-(PixelF32 a, PixelF32 b) { return {_mm256_sub_ps(a.v, b.v)}; }
+inline PixelF32 min(PixelF32 a, PixelF32 b) { return {_mm256_min_ps(a.v, b.v)}; }
+/// The product of pixel and factor, rounded once: the fused operation removes the exact product of the bias.
+inline F32 operator*(PixelF32 a, Factor b) { return {_mm256_fmadd_ps(a.v, b.factor.v, b.offset.v)}; }
+inline F32 operator+(F32 a, F32 b) { return {_mm256_add_ps(a.v, b.v)}; }
+/// sum + a x b in this processor family's roundings: product and sum each.
+inline F32 add_product(F32 sum, PixelF32 a, Factor b) { return sum + a * b; }
+inline F32 abs(F32 a) { return {_mm256_andnot_ps(_mm256_set1_ps(-0.0f), a.v)}; }
+inline Mask32 operator<(F32 a, F32 b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_LT_OQ)}; }
+
+/// A vector's pixels as floats: the lower four of each group and the upper four.
+struct PixelHalves {
+  U16 pixels;
+  PixelF32 first, second;
+
+  explicit PixelHalves(U16 values)
+      : pixels(values),
+        first{_mm256_castsi256_ps(_mm256_unpacklo_epi16(values.v, _mm256_set1_epi16(0x4b00)))},
+        second{_mm256_castsi256_ps(_mm256_unpackhi_epi16(values.v, _mm256_set1_epi16(0x4b00)))} {}
+};
+/// Truncated `a` and `b` (0 up to below 65536) where flagged, the pixels of `otherwise` elsewhere.
+inline U16 truncated_where(Mask32 in_a, F32 a, Mask32 in_b, F32 b, const PixelHalves& otherwise) {
+  const Mask16 mask = {_mm256_packs_epi32(_mm256_castps_si256(in_a.v), _mm256_castps_si256(in_b.v))};
+  return select(mask, U16{_mm256_packus_epi32(_mm256_cvttps_epi32(a.v), _mm256_cvttps_epi32(b.v))},
+                otherwise.pixels);
+}
+
 }  // namespace filterprocessor::avx2
 
 #endif

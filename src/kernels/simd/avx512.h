@@ -83,6 +83,67 @@ inline U16 complement_nonzero(U16 a) {
   return {_mm512_maskz_sub_epi16(_mm512_test_epi16_mask(a.v, a.v), _mm512_set1_epi16(-1), a.v)};
 }
 
+/// Half of a vector's pixels as 32-bit floats. They carry a bias of 2^23, which turns an integer into a float
+/// without a conversion and cancels in differences; it is exact, and so are the minimum and the difference.
+struct PixelF32 {
+  static constexpr float kBias = 8388608;
+
+  __m512 v;
+};
+struct F32 {
+  __m512 v;
+};
+/// A flag per lane of an F32.
+struct Mask32 {
+  __mmask16 bits;
+};
+
+/// A number that pixels are multiplied by, at most kLargest in magnitude.
+struct Factor {
+  static constexpr float kLargest = 1e30f;
+
+  F32 factor, offset;
+
+  explicit Factor(float value)
+      : factor{_mm512_set1_ps(value)}, offset{_mm512_set1_ps(-PixelF32::kBias * value)} {}
+};
+
+inline F32 operator-(PixelF32 a, PixelF32 b) { return {_mm512_sub_ps(a.v, b.v)}; }
+inline PixelF32 min(PixelF32 a, PixelF32 b) { return {_mm512_min_ps(a.v, b.v)}; }
+/// The product of pixel and factor, rounded once: the fused operation removes the exact product of the bias.
+inline F32 operator*(PixelF32 a, Factor b) { return {_mm512_fmadd_ps(a.v, b.factor.v, b.offset.v)}; }
+inline F32 operator+(F32 a, F32 b) { return {_mm512_add_ps(a.v, b.v)}; }
+/// sum + a x b in this processor family's roundings: product and sum each.
+inline F32 add_product(F32 sum, PixelF32 a, Factor b) { return sum + a * b; }
+inline F32 abs(F32 a) { return {_mm512_abs_ps(a.v)}; }
+inline Mask32 operator<(F32 a, F32 b) { return {_mm512_cmp_ps_mask(a.v, b.v, _CMP_LT_OQ)}; }
+
+/// A vector's pixels as floats: the even ones and the odd ones.
+struct PixelHalves {
+  U16 pixels;
+  PixelF32 first, second;
+
+  explicit PixelHalves(U16 values)
+      : pixels(values),
+        first{_mm512_castsi512_ps(_mm512_ternarylogic_epi32(
+            values.v, _mm512_set1_epi32(0xffff), _mm512_castps_si512(_mm512_set1_ps(PixelF32::kBias)),
+            0xea))},  // (values & 0xffff) | bias
+        second{_mm512_castsi512_ps(_mm512_shrdi_epi32(values.v, _mm512_set1_epi32(0x4b00), 16))} {}
+};
+/// The halves' pixels again.
+inline U16 join(PixelF32 first, PixelF32 second) {
+  const __m512i low_word_up = _mm512_set4_epi32(0x0d0c0000, 0x09080000, 0x05040000, 0x01000000);
+  return {_mm512_mask_shuffle_epi8(_mm512_castps_si512(first.v), 0xccccccccccccccccu,
+                                   _mm512_castps_si512(second.v), low_word_up)};
+}
+/// Truncated `a` and `b` (0 up to below 65536) where flagged, the pixels of `otherwise` elsewhere.
+inline U16 truncated_where(Mask32 in_a, F32 a, Mask32 in_b, F32 b, const PixelHalves& otherwise) {
+  constexpr int down = _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC;
+  const __m512 bias = _mm512_set1_ps(PixelF32::kBias);
+  return join({_mm512_mask_add_round_ps(otherwise.first.v, in_a.bits, a.v, bias, down)},
+              {_mm512_mask_add_round_ps(otherwise.second.v, in_b.bits, b.v, bias, down)});
+}
+
 }  // namespace filterprocessor::avx512
 
 #endif

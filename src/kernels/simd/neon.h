@@ -91,6 +91,52 @@ inline U16 select(Mask16 mask, U16 yes, U16 no) { return {vbslq_u16(mask.v, yes.
 /// 65535 - a; 0 where a is 0.
 inline U16 complement_nonzero(U16 a) { return {vmvnq_u16(vorrq_u16(a.v, a.is_zero().v))}; }
 
+/// Half of a vector's pixels as 32-bit floats.
+struct PixelF32 {
+  float32x4_t v;
+};
+struct F32 {
+  float32x4_t v;
+};
+/// A flag per lane of an F32.
+struct Mask32 {
+  uint32x4_t v;
+};
+
+/// A number that pixels are multiplied by, at most kLargest in magnitude.
+struct Factor {
+  static constexpr float kLargest = 1e30f;
+
+  F32 factor;
+
+  explicit Factor(float value) : factor{vdupq_n_f32(value)} {}
+};
+
+inline F32 operator-(PixelF32 a, PixelF32 b) { return {vsubq_f32(a.v, b.v)}; }
+inline PixelF32 min(PixelF32 a, PixelF32 b) { return {vminq_f32(a.v, b.v)}; }
+inline F32 operator*(PixelF32 a, Factor b) { return {vmulq_f32(a.v, b.factor.v)}; }
+/// sum + a x b in this processor family's roundings: one.
+inline F32 add_product(F32 sum, PixelF32 a, Factor b) { return {vfmaq_f32(sum.v, a.v, b.factor.v)}; }
+inline F32 abs(F32 a) { return {vabsq_f32(a.v)}; }
+inline Mask32 operator<(F32 a, F32 b) { return {vcltq_f32(a.v, b.v)}; }
+
+/// A vector's pixels as floats: the lower four and the upper four.
+struct PixelHalves {
+  U16 pixels;
+  PixelF32 first, second;
+
+  explicit PixelHalves(U16 values)
+      : pixels(values),
+        first{vcvtq_f32_u32(vmovl_u16(vget_low_u16(values.v)))},
+        second{vcvtq_f32_u32(vmovl_high_u16(values.v))} {}
+};
+/// Truncated `a` and `b` (0 up to below 65536) where flagged, the pixels of `otherwise` elsewhere.
+inline U16 truncated_where(Mask32 in_a, F32 a, Mask32 in_b, F32 b, const PixelHalves& otherwise) {
+  const Mask16 mask = {vmovn_high_u32(vmovn_u32(in_a.v), in_b.v)};
+  return select(mask, U16{vmovn_high_u32(vmovn_u32(vcvtq_u32_f32(a.v)), vcvtq_u32_f32(b.v))},
+                otherwise.pixels);
+}
+
 }  // namespace filterprocessor::neon
 
 #endif
