@@ -3,6 +3,7 @@
 
 #include "kernels/hole_filling/hole_filling.h"
 #include "kernels/level.h"
+#include "kernels/spatial/spatial.h"
 #include "kernels/temporal/temporal.h"
 
 namespace filterprocessor {
@@ -11,6 +12,7 @@ namespace filterprocessor {
 struct KernelSet {
   Level level;
   HoleFillingKernels hole_filling;
+  SpatialKernels spatial;
   TemporalKernels temporal;
 };
 
