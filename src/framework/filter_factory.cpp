@@ -5,6 +5,8 @@
 #include "filters/hole_filling_filter.h"
 #include "filters/noise_removal_filter.h"
 #include "filters/open_ni_disparity_transform.h"
+#include "filters/spatial_advanced_filter.h"
+#include "filters/temporal_filter.h"
 
 namespace filterprocessor {
 
@@ -26,8 +28,8 @@ FilterFactory::FilterFactory()
     : entries_{{"DisparityTransform", create<DisparityTransform>},
                {"HoleFillingFilter", create<HoleFillingFilter>},
                {"NoiseRemovalFilter", create<NoiseRemovalFilter>},
-               {"SpatialAdvancedFilter", not_yet},
-               {"TemporalFilter", not_yet},
+               {"SpatialAdvancedFilter", create<SpatialAdvancedFilter>},
+               {"TemporalFilter", create<TemporalFilter>},
                {"DepthResize", not_yet},
                {"EdgeNoiseRemovalFilter", not_yet},
                {"HardwareD2DCorrectionFilter", create<HardwareD2DCorrectionFilter>},

@@ -6,7 +6,9 @@
 #include "kernels/disparity/depth_table.h"
 #include "kernels/hole_filling/hole_filling.h"
 #include "kernels/level.h"
+#include "kernels/spatial/spatial.h"
 #include "kernels/speckle/speckle.h"
+#include "kernels/temporal/temporal.h"
 
 namespace filterprocessor {
 
@@ -18,6 +20,8 @@ struct KernelSet {
   DepthLookupKernels depth_lookup;
   HoleFillingKernels hole_filling;
   SpeckleKernels speckle;
+  SpatialKernels spatial;
+  TemporalKernels temporal;
 };
 
 /// The kernels of a level, or null when they are not compiled for this processor family.

@@ -3,7 +3,9 @@
 #include "kernels/disparity/depth_table_plain.h"
 #include "kernels/hole_filling/hole_filling_plain.h"
 #include "kernels/kernel_set.h"
+#include "kernels/spatial/spatial_plain.h"
 #include "kernels/speckle/speckle_plain.h"
+#include "kernels/temporal/temporal_plain.h"
 
 namespace filterprocessor::plain {
 
@@ -13,6 +15,8 @@ const KernelSet kernels = {.level = Level::scalar,
                            .depth_table = depth_table,
                            .depth_lookup = depth_lookup,
                            .hole_filling = hole_filling,
-                           .speckle = speckle};
+                           .speckle = speckle,
+                           .spatial = spatial,
+                           .temporal = temporal};
 
 }  // namespace filterprocessor::plain

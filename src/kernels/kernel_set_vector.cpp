@@ -3,7 +3,9 @@
 #include "kernels/disparity/depth_table_vector.h"
 #include "kernels/hole_filling/hole_filling_vector.h"
 #include "kernels/kernel_set.h"
+#include "kernels/spatial/spatial_vector.h"
 #include "kernels/speckle/speckle_vector.h"
+#include "kernels/temporal/temporal_vector.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
@@ -13,6 +15,8 @@ const KernelSet kernels = {.level = Level::FILTERPROCESSOR_LEVEL,
                            .depth_table = depth_table,
                            .depth_lookup = depth_lookup,
                            .hole_filling = hole_filling,
-                           .speckle = speckle};
+                           .speckle = speckle,
+                           .spatial = spatial,
+                           .temporal = temporal};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -2,7 +2,9 @@
 #include "filterprocessor/filter_processor.h"
 #include "filterprocessor/hole_filling.h"
 #include "filterprocessor/host.h"
+#include "filterprocessor/spatial.h"
 #include "filterprocessor/speckle.h"
+#include "filterprocessor/temporal.h"
 
 int headers_are_c11(void);
 int headers_are_c11(void) {

@@ -2,6 +2,7 @@
 #define FILTERPROCESSOR_TESTS_SUPPORT_RANDOM_IMAGE_H
 
 #include <cstdint>
+#include <initializer_list>
 #include <random>
 #include <vector>
 
@@ -23,6 +24,34 @@ inline Pixels random_pixels(std::mt19937& random, std::size_t count, unsigned ho
   }
   return pixels;
 }
+
+/// Numbers for one test, the same in every run.
+class Random {
+ public:
+  explicit Random(std::uint32_t seed) : engine_(seed) {}
+
+  /// Uniform over first..last.
+  int integer(int first, int last) { return std::uniform_int_distribution(first, last)(engine_); }
+  float real(float first, float last) { return std::uniform_real_distribution(first, last)(engine_); }
+  bool one_in(int n) { return integer(1, n) == 1; }
+  template <typename T>
+  T pick(std::initializer_list<T> values) {
+    return values.begin()[integer(0, static_cast<int>(values.size()) - 1)];
+  }
+
+  /// Values that stay within `spread` of `centre` (wrapped to 16 bits), with one hole in `holes`.
+  Pixels pixels(std::size_t count, int centre, int spread, int holes) {
+    Pixels values(count);
+    for (auto& value : values) {
+      value = one_in(holes) ? std::uint16_t{0}
+                            : static_cast<std::uint16_t>(centre + integer(-spread, spread));
+    }
+    return values;
+  }
+
+ private:
+  std::mt19937 engine_;
+};
 
 }  // namespace filterprocessor
 

@@ -109,6 +109,18 @@ struct U16 {
                                            _mm256_set1_epi16(0x0100));
     return {_mm256_shuffle_epi8(low, bytes)};
   }
+
+  /// Reads eight values per group, group g at from + offset[g].
+  static U16 load_groups(const std::uint16_t* from, const std::size_t (&offset)[groups]) {
+    const auto piece = [&](std::size_t group) {
+      return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + offset[group]));
+    };
+    return {_mm256_inserti128_si256(_mm256_castsi128_si256(piece(0)), piece(1), 1)};
+  }
+  void store_groups(std::uint16_t* to, const std::size_t (&offset)[groups]) const {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + offset[0]), _mm256_castsi256_si128(v));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + offset[1]), _mm256_extracti128_si256(v, 1));
+  }
 };
 
 inline U16 operator&(U16 a, U16 b) { return {_mm256_and_si256(a.v, b.v)}; }
@@ -283,6 +295,144 @@ inline std::uint64_t nonzero_words(const std::uint64_t* words, std::size_t count
   for (std::size_t i = 0; i < count; ++i) bits |= std::uint64_t{words[i] != 0} << i;
   return bits;
 }
+
+/// Half of a vector's pixels as 32-bit floats. They carry a bias of 2^23, which turns an integer into a
+/// float without a conversion and cancels in differences; it is exact, and so are the minimum and the
+/// difference.
+struct PixelF32 {
+  static constexpr float kBias = 8388608;
+
+  __m256 v;
+};
+struct F32 {
+  __m256 v;
+};
+/// A flag per lane of an F32.
+struct Mask32 {
+  __m256 v;
+};
+
+/// A number that pixels are multiplied by, at most kLargest in magnitude.
+struct Factor {
+  static constexpr float kLargest = 1e30f;
+
+  F32 factor, offset;
+
+  explicit Factor(float value)
+      : factor{_mm256_set1_ps(value)}, offset{_mm256_set1_ps(-PixelF32::kBias * value)} {}
+};
+
+inline F32 operator-(PixelF32 a, PixelF32 b) { return {_mm256_sub_ps(a.v, b.v)}; }
+inline PixelF32 min(PixelF32 a, PixelF32 b) { return {_mm256_min_ps(a.v, b.v)}; }
+/// The product of pixel and factor, rounded once: the fused operation removes the exact product of the
+/// bias.
+inline F32 operator*(PixelF32 a, Factor b) { return {_mm256_fmadd_ps(a.v, b.factor.v, b.offset.v)}; }
+inline F32 operator+(F32 a, F32 b) { return {_mm256_add_ps(a.v, b.v)}; }
+/// sum + a x b in this processor family's roundings: product and sum each.
+inline F32 add_product(F32 sum, PixelF32 a, Factor b) { return sum + a * b; }
+inline F32 abs(F32 a) { return {_mm256_andnot_ps(_mm256_set1_ps(-0.0f), a.v)}; }
+inline Mask32 operator<(F32 a, F32 b) { return {_mm256_cmp_ps(a.v, b.v, _CMP_LT_OQ)}; }
+
+/// A vector's pixels as floats: the lower four of each group and the upper four.
+struct PixelHalves {
+  U16 pixels;
+  PixelF32 first, second;
+
+  explicit PixelHalves(U16 values)
+      : pixels(values),
+        first{_mm256_castsi256_ps(_mm256_unpacklo_epi16(values.v, _mm256_set1_epi16(0x4b00)))},
+        second{_mm256_castsi256_ps(_mm256_unpackhi_epi16(values.v, _mm256_set1_epi16(0x4b00)))} {}
+};
+/// Truncated `a` and `b` (0 up to below 65536) where flagged, the pixels of `otherwise` elsewhere.
+inline U16 truncated_where(Mask32 in_a, F32 a, Mask32 in_b, F32 b, const PixelHalves& otherwise) {
+  const Mask16 mask = {_mm256_packs_epi32(_mm256_castps_si256(in_a.v), _mm256_castps_si256(in_b.v))};
+  return select(mask, U16{_mm256_packus_epi32(_mm256_cvttps_epi32(a.v), _mm256_cvttps_epi32(b.v))},
+                otherwise.pixels);
+}
+
+/// Transposes the eight by eight values of every group.
+[[gnu::always_inline]] inline void transpose_groups(U16 (&rows)[8]) {
+  __m256i pairs[8];
+  for (int i = 0; i < 8; i += 2) {
+    pairs[i] = _mm256_unpacklo_epi16(rows[i].v, rows[i + 1].v);
+    pairs[i + 1] = _mm256_unpackhi_epi16(rows[i].v, rows[i + 1].v);
+  }
+  __m256i fours[8];
+  for (int i = 0; i < 8; i += 4) {
+    for (int j = 0; j < 2; ++j) {
+      fours[i + 2 * j] = _mm256_unpacklo_epi32(pairs[i + j], pairs[i + j + 2]);
+      fours[i + 2 * j + 1] = _mm256_unpackhi_epi32(pairs[i + j], pairs[i + j + 2]);
+    }
+  }
+  for (int i = 0; i < 4; ++i) {
+    rows[2 * i].v = _mm256_unpacklo_epi64(fours[i], fours[i + 4]);
+    rows[2 * i + 1].v = _mm256_unpackhi_epi64(fours[i], fours[i + 4]);
+  }
+}
+
+/// Pixels that know where they are valid (1 to 32767).
+class Pixels {
+ public:
+  explicit Pixels(U16 pixels) : value(pixels) {}
+  /// Other pixels, valid in the same places.
+  Pixels with(U16 pixels) const { return Pixels(pixels); }
+  Mask16 valid() const { return {_mm256_cmpgt_epi16(value.v, U16::zero().v)}; }
+
+  /// Where a and b are valid and closer than `bound`. Equal pixels may be flagged or not.
+  friend Mask16 close(const Pixels& a, const Pixels& b, U16 bound) {
+    const __m256i near = _mm256_cmpgt_epi16(bound.v, _mm256_abs_epi16((b.value - a.value).v));
+    const __m256i both_valid = _mm256_cmpgt_epi16(_mm256_min_epi16(a.value.v, b.value.v), U16::zero().v);
+    return {_mm256_and_si256(near, both_valid)};
+  }
+
+  U16 value;
+};
+
+/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the
+/// end take the last entry.
+class SmallTable {
+ public:
+  static constexpr std::size_t capacity = 8;
+
+  /// @param entries  `capacity` of them, the last one repeated as needed
+  SmallTable(const std::uint16_t* entries, unsigned shift)
+      : entries_(_mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(entries)))),
+        shift_(_mm_cvtsi32_si128(static_cast<int>(shift))) {}
+  U16 operator()(U16 pixels) const {
+    const __m256i index =
+        _mm256_min_epu16(_mm256_srl_epi16(pixels.v, shift_), _mm256_set1_epi16(capacity - 1));
+    // Entry i is at bytes 2 i and 2 i + 1.
+    const __m256i bytes =
+        _mm256_add_epi16(_mm256_mullo_epi16(index, _mm256_set1_epi16(0x0202)), _mm256_set1_epi16(0x0100));
+    return {_mm256_shuffle_epi8(entries_, bytes)};
+  }
+
+ private:
+  __m256i entries_;
+  __m128i shift_;
+};
+
+/// The mean of a and b (up to 32767), ties to even, where flagged; b elsewhere.
+inline U16 mean_to_even_where(Mask16 mask, U16 a, U16 b) {
+  const __m256i up = _mm256_avg_epu16(a.v, b.v);
+  // One too high when the sum is odd and the mean, rounded up, is too: up & (a - b) & 1.
+  const __m256i odd = _mm256_and_si256(_mm256_and_si256(up, (b - a).v), _mm256_set1_epi16(1));
+  return select(mask, U16{_mm256_sub_epi16(up, odd)}, b);
+}
+/// a + b where flagged, otherwise `otherwise`.
+inline U16 add_where(Mask16 mask, U16 otherwise, U16 a, U16 b) {
+  return select(mask, U16{_mm256_add_epi16(a.v, b.v)}, otherwise);
+}
+/// Signed a x b / 2^15, rounded; halves up.
+inline U16 multiply_round(U16 a, U16 b) { return {_mm256_mulhrs_epi16(a.v, b.v)}; }
+/// a and b (0 up to 65535), rounded; ties to even.
+inline U16 rounded(F32 a, F32 b) {
+  return {_mm256_packus_epi32(_mm256_cvtps_epi32(a.v), _mm256_cvtps_epi32(b.v))};
+}
+/// value + 1 where flagged.
+inline U16 increment_where(Mask16 mask, U16 value) { return {_mm256_sub_epi16(value.v, mask.v)}; }
+/// a < b as signed numbers.
+inline Mask16 below(U16 a, U16 b) { return {_mm256_cmpgt_epi16(b.v, a.v)}; }
 
 }  // namespace filterprocessor::avx2
 

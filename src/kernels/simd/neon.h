@@ -95,6 +95,14 @@ struct U16 {
     const uint16x8_t bytes = vmlaq_n_u16(vdupq_n_u16(0x0100), index.v, 0x0202);
     return {vreinterpretq_u16_u8(vqtbl1q_u8(vreinterpretq_u8_u16(table.v), vreinterpretq_u8_u16(bytes)))};
   }
+
+  /// Reads eight values per group, group g at from + offset[g].
+  static U16 load_groups(const std::uint16_t* from, const std::size_t (&offset)[groups]) {
+    return load(from + offset[0]);
+  }
+  void store_groups(std::uint16_t* to, const std::size_t (&offset)[groups]) const {
+    store(to + offset[0]);
+  }
 };
 
 inline U16 operator&(U16 a, U16 b) { return {vandq_u16(a.v, b.v)}; }
@@ -255,6 +263,122 @@ inline std::uint64_t nonzero_words(const std::uint64_t* words, std::size_t count
   for (std::size_t i = 0; i < count; ++i) bits |= std::uint64_t{words[i] != 0} << i;
   return bits;
 }
+
+/// Half of a vector's pixels as 32-bit floats.
+struct PixelF32 {
+  float32x4_t v;
+};
+struct F32 {
+  float32x4_t v;
+};
+/// A flag per lane of an F32.
+struct Mask32 {
+  uint32x4_t v;
+};
+
+/// A number that pixels are multiplied by, at most kLargest in magnitude.
+struct Factor {
+  static constexpr float kLargest = 1e30f;
+
+  F32 factor;
+
+  explicit Factor(float value) : factor{vdupq_n_f32(value)} {}
+};
+
+inline F32 operator-(PixelF32 a, PixelF32 b) { return {vsubq_f32(a.v, b.v)}; }
+inline PixelF32 min(PixelF32 a, PixelF32 b) { return {vminq_f32(a.v, b.v)}; }
+inline F32 operator*(PixelF32 a, Factor b) { return {vmulq_f32(a.v, b.factor.v)}; }
+/// sum + a x b in this processor family's roundings: one.
+inline F32 add_product(F32 sum, PixelF32 a, Factor b) { return {vfmaq_f32(sum.v, a.v, b.factor.v)}; }
+inline F32 abs(F32 a) { return {vabsq_f32(a.v)}; }
+inline Mask32 operator<(F32 a, F32 b) { return {vcltq_f32(a.v, b.v)}; }
+
+/// A vector's pixels as floats: the lower four and the upper four.
+struct PixelHalves {
+  U16 pixels;
+  PixelF32 first, second;
+
+  explicit PixelHalves(U16 values)
+      : pixels(values),
+        first{vcvtq_f32_u32(vmovl_u16(vget_low_u16(values.v)))},
+        second{vcvtq_f32_u32(vmovl_high_u16(values.v))} {}
+};
+/// Truncated `a` and `b` (0 up to below 65536) where flagged, the pixels of `otherwise` elsewhere.
+inline U16 truncated_where(Mask32 in_a, F32 a, Mask32 in_b, F32 b, const PixelHalves& otherwise) {
+  const Mask16 mask = {vmovn_high_u32(vmovn_u32(in_a.v), in_b.v)};
+  return select(mask, U16{vmovn_high_u32(vmovn_u32(vcvtq_u32_f32(a.v)), vcvtq_u32_f32(b.v))},
+                otherwise.pixels);
+}
+
+/// Transposes the eight by eight values of every group.
+[[gnu::always_inline]] inline void transpose_groups(U16 (&rows)[8]) {
+  uint32x4_t pairs[8];
+  for (int i = 0; i < 8; i += 2) {
+    pairs[i] = vreinterpretq_u32_u16(vtrn1q_u16(rows[i].v, rows[i + 1].v));
+    pairs[i + 1] = vreinterpretq_u32_u16(vtrn2q_u16(rows[i].v, rows[i + 1].v));
+  }
+  uint64x2_t fours[8];
+  for (int i = 0; i < 8; i += 4) {
+    for (int j = 0; j < 2; ++j) {
+      fours[i + j] = vreinterpretq_u64_u32(vtrn1q_u32(pairs[i + j], pairs[i + j + 2]));
+      fours[i + j + 2] = vreinterpretq_u64_u32(vtrn2q_u32(pairs[i + j], pairs[i + j + 2]));
+    }
+  }
+  for (int i = 0; i < 4; ++i) {
+    rows[i].v = vreinterpretq_u16_u64(vtrn1q_u64(fours[i], fours[i + 4]));
+    rows[i + 4].v = vreinterpretq_u16_u64(vtrn2q_u64(fours[i], fours[i + 4]));
+  }
+}
+
+/// Pixels that know where they are valid (not 0).
+class Pixels {
+ public:
+  explicit Pixels(U16 pixels) : value(pixels) {}
+  /// Other pixels, valid in the same places.
+  Pixels with(U16 pixels) const { return Pixels(pixels); }
+  Mask16 valid() const { return {vtstq_u16(value.v, value.v)}; }
+
+  /// Where a and b are valid, different, and closer than `bound`.
+  friend Mask16 close(const Pixels& a, const Pixels& b, U16 bound) {
+    const uint16x8_t distance = vabdq_u16(a.value.v, b.value.v);
+    const uint16x8_t zero = vdupq_n_u16(0);
+    const uint16x8_t nonzero = vminq_u16(vminq_u16(a.value.v, b.value.v), distance);
+    return {vandq_u16(vcltq_u16(distance, bound.v), vcgtq_u16(nonzero, zero))};
+  }
+
+  U16 value;
+};
+
+/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the
+/// end take the last entry.
+class SmallTable {
+ public:
+  static constexpr std::size_t capacity = 8;
+
+  /// @param entries  `capacity` of them, the last one repeated as needed
+  SmallTable(const std::uint16_t* entries, unsigned shift)
+      : entries_(vreinterpretq_u8_u16(vld1q_u16(entries))),
+        shift_(vdupq_n_s16(static_cast<std::int16_t>(-static_cast<int>(shift)))) {}
+  U16 operator()(U16 pixels) const {
+    const uint16x8_t index = vminq_u16(vshlq_u16(pixels.v, shift_), vdupq_n_u16(capacity - 1));
+    // Entry i is at bytes 2 i and 2 i + 1.
+    const uint16x8_t bytes = vmlaq_u16(vdupq_n_u16(0x0100), index, vdupq_n_u16(0x0202));
+    return {vreinterpretq_u16_u8(vqtbl1q_u8(entries_, vreinterpretq_u8_u16(bytes)))};
+  }
+
+ private:
+  uint8x16_t entries_;
+  int16x8_t shift_;
+};
+
+/// (a + b) modulo 65536, halved, where flagged; b elsewhere.
+inline U16 wrapped_mean_where(Mask16 mask, U16 a, U16 b) {
+  return select(mask, U16{vshrq_n_u16(vaddq_u16(a.v, b.v), 1)}, b);
+}
+/// value + 1 where flagged.
+inline U16 increment_where(Mask16 mask, U16 value) { return {vsubq_u16(value.v, mask.v)}; }
+/// a < b as unsigned numbers.
+inline Mask16 below(U16 a, U16 b) { return {vcltq_u16(a.v, b.v)}; }
 
 }  // namespace filterprocessor::neon
 

@@ -1,0 +1,52 @@
+#include "kernels/temporal/temporal_vector.h"
+
+#include "kernels/temporal/temporal_plain.h"
+
+namespace filterprocessor::FILTERPROCESSOR_LEVEL {
+
+namespace {
+
+/// The pixel rule for one vector. A pixel of value 0 needs no test: the smaller value is then 0, and no
+/// distance is below 0 x diff_scale.
+struct Smoother {
+  Factor diff_scale, rest, weight;
+
+  Mask32 close(PixelF32 current, PixelF32 previous) const {
+    return abs(current - previous) < min(current, previous) * diff_scale;
+  }
+  F32 blend(PixelF32 current, PixelF32 previous) const {
+    return add_product(previous * rest, current, weight);
+  }
+  U16 operator()(U16 current, U16 previous) const {
+    const PixelHalves c(current);
+    const PixelHalves p(previous);
+    return truncated_where(close(c.first, p.first), blend(c.first, p.first), close(c.second, p.second),
+                           blend(c.second, p.second), c);
+  }
+};
+
+}  // namespace
+
+void smooth_temporal(std::uint16_t* depth, std::uint16_t* history, std::size_t count, float diff_scale,
+                     float weight) {
+  // Blends stay inside the range of a pixel, and factors inside what Factor accepts.
+  const bool usual =
+      weight >= 0 && weight <= 1 && diff_scale >= -Factor::kLargest && diff_scale <= Factor::kLargest;
+  if (!usual) return plain::smooth_temporal(depth, history, count, diff_scale, weight);
+
+  const Smoother smooth = {Factor(diff_scale), Factor(1 - weight), Factor(weight)};
+  std::size_t i = 0;
+  for (; i + U16::lanes <= count; i += U16::lanes) {
+    const U16 result = smooth(U16::load(depth + i), U16::load(history + i));
+    result.store(depth + i);
+    result.store(history + i);
+  }
+  if (i < count) {
+    const std::size_t rest = count - i;
+    const U16 result = smooth(U16::load_first(depth + i, rest), U16::load_first(history + i, rest));
+    result.store_first(depth + i, rest);
+    result.store_first(history + i, rest);
+  }
+}
+
+}  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -1,0 +1,159 @@
+#include "filters/spatial_advanced_filter.h"
+
+#include "filterprocessor/spatial.h"
+#include "scenes.h"
+#include "support/filter_driver.h"
+
+namespace filterprocessor {
+namespace {
+
+using Pixels = std::vector<std::uint16_t>;
+
+constexpr const char* kName = "SpatialAdvancedFilter";
+ErrorTexts out_of_range(const char* name) {
+  return {"params out of range", "update_filter_config", name, 4};
+}
+ErrorTexts invalid(const char* field) { return {"invalid params", "updateConfig", field, 4}; }
+
+devhost::FrameSpec room() {
+  devhost::FrameSpec spec;
+  spec.width = 200;
+  spec.height = 130;
+  spec.pixels = bench::stereo_scene(200, 130).pixels;
+  spec.disparity.fx = 800;
+  spec.disparity.baseline = 50;
+  spec.disparity.dispIntPlace = 8;
+  return spec;
+}
+
+Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& spec) {
+  const devhost::Frame output = filter.process(devhost::make_frame(spec));
+  EXPECT_EQ(filter.last_error(), kNoError);
+  return output ? devhost::inspect(output.get()).pixels : Pixels{};
+}
+
+Pixels smoothed(const devhost::FrameSpec& spec, const std::vector<std::uint16_t>& table,
+                std::uint8_t shift, int magnitude = 1, float alpha = 0.5f, std::uint8_t radius = 1) {
+  Pixels pixels = spec.pixels;
+  depth_api_spatial_filter_origin_lut(pixels.data(), 200, 130, table.data(), shift, 7, magnitude, radius,
+                                      1, 1, alpha);
+  return pixels;
+}
+
+Pixels smoothed_fixed(const devhost::FrameSpec& spec, float difference) {
+  Pixels pixels = spec.pixels;
+  depth_api_spatial_filter_origin(pixels.data(), 200, 130, 1, 1, 1, 1, 0.5f, difference);
+  return pixels;
+}
+
+const std::vector<std::uint16_t> kTable = {3, 15, 35, 62, 97, 140, 191};
+
+TEST(SpatialAdvancedFilter, TurnsTheDisparityStepIntoStepsOfDepth) {
+  FilterDriver filter(kName);
+  const devhost::FrameSpec spec = room();
+  const Pixels result = filtered(filter, spec);
+  EXPECT_EQ(result, smoothed(spec, kTable, 9));
+  EXPECT_NE(result, spec.pixels);
+  EXPECT_EQ(filter.update({"3", "0.3", "160", "4"}), kNoError);
+  EXPECT_EQ(filtered(filter, spec), smoothed(spec, kTable, 9, 3, 0.3f, 4));
+  filter.reset();
+  EXPECT_EQ(filtered(filter, spec), result);
+}
+
+TEST(SpatialAdvancedFilter, GoesOverDisparityFramesOnceWithAFixedStep) {
+  FilterDriver filter(kName);
+  devhost::FrameSpec spec = room();
+  spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+  spec.value_scale = 0;  // does not matter for disparity
+  EXPECT_EQ(filter.update({"5", "0.5", "160", "1"}), kNoError);
+  EXPECT_EQ(filtered(filter, spec), smoothed_fixed(spec, 160));
+  spec.bits = 12;  // 4 fraction bits
+  EXPECT_EQ(filtered(filter, spec), smoothed_fixed(spec, 10));
+}
+
+TEST(SpatialAdvancedFilter, KeepsTheGeometryOfAnEarlierFrameForLinearDepth) {
+  FilterDriver filter(kName);
+  devhost::FrameSpec spec = room();
+  spec.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
+  spec.value_scale = 0;  // not read
+  spec.disparity = {};
+  EXPECT_EQ(filtered(filter, spec), smoothed(spec, {160, 320, 480, 640, 800, 960, 1120}, 9));
+  devhost::FrameSpec bad = room();
+  bad.value_scale = 0;
+  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
+  EXPECT_EQ(filter.last_error(), invalid("frame_info.depth_unit"));
+  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(spec))); });
+  EXPECT_EQ(filter.last_error(), invalid("frame_info.depth_unit")) << "the unit of the frame before";
+}
+
+TEST(SpatialAdvancedFilter, OnlyHolesChangeInFramesOfOtherPixelTypes) {
+  FilterDriver filter(kName);
+  devhost::FrameSpec spec = room();
+  spec.pixel_type = 9;
+  EXPECT_EQ(filter.update({"1", "0.5", "160", "8"}), kNoError);
+  const Pixels result = filtered(filter, spec);
+  EXPECT_EQ(result, smoothed(spec, Pixels(7), 0, 1, 0.5f, 8));
+  for (std::size_t i = 0; i < result.size(); ++i) {
+    if (spec.pixels[i] != 0) {
+      ASSERT_EQ(result[i], spec.pixels[i]);
+    }
+  }
+  spec.pixel_type = -1;
+  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(spec))); });
+  EXPECT_EQ(filter.last_error(), invalid("frame_info.pixel_type"));
+}
+
+TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
+  FilterDriver filter(kName);
+  const devhost::FrameSpec spec = room();
+  const Pixels result = filtered(filter, spec);
+  devhost::FrameSpec bad = spec;
+  bad.disparity.baseline = 0;
+  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
+  EXPECT_EQ(filter.last_error(),
+            (ErrorTexts{"update depth diff lut error", "updateConfig", "updateDepthDiffLut()", 4}));
+  EXPECT_EQ(filtered(filter, bad), result) << "the same kind of frame is not tried again";
+  bad.width = 0;
+  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
+  EXPECT_EQ(filter.last_error(), invalid("frame_info.width||frame_info.height"));
+}
+
+TEST(SpatialAdvancedFilter, FramesWiderThanTheKernelsSizesFail) {
+  FilterDriver filter(kName);
+  devhost::FrameSpec spec = room();
+  spec.width = 70000;
+  spec.height = 1;
+  spec.pixels.resize(70000);
+  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(spec))); });
+  EXPECT_EQ(filter.last_error(),
+            (ErrorTexts{"spatial advanced filter error", "filter_process", "SpatialaDvancedFilter", 0}));
+}
+
+TEST(SpatialAdvancedFilter, ChecksItsParametersInOrderAndStoresAllOrNone) {
+  FilterDriver filter(kName);
+  EXPECT_EQ(filter.update({"6", "0", "0", "9"}), out_of_range("magnitude"));
+  EXPECT_EQ(filter.update({"1", "0.05", "160", "1"}), out_of_range("alpha"));
+  EXPECT_EQ(filter.update({"1", "nan", "160", "1"}), out_of_range("alpha"));
+  EXPECT_EQ(filter.update({"2", "0.1", "10001", "1"}), out_of_range("disp_diff"));
+  EXPECT_EQ(filter.update({"2", "1", "1", "-1"}), out_of_range("radius"));
+  EXPECT_EQ(filter.update({"1", "0.5", "160", "1", "1"}), kBadCount);
+  const devhost::FrameSpec spec = room();
+  EXPECT_EQ(filtered(filter, spec), smoothed(spec, kTable, 9));
+}
+
+TEST(SpatialAdvancedFilter, PrintsItsStateInNumbers) {
+  SpatialAdvancedFilter filter;
+  devhost::FrameSpec spec = room();
+  spec.bits = 12;
+  const devhost::Frame frame = devhost::make_frame(spec);
+  const devhost::Frame output(filter.filter_process(frame.get(), nullptr));
+  EXPECT_EQ(
+      FilterDriver::output_of([&] { filter.print_key_params(); }),
+      "anchor_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
+      "current_filter_params: \nalpha:     0.5\ndisp_diff: 10\nmagnitude: 1\nradius:    1\n"
+      "current_frame_info: \nwidth:      200\nheight:     130\nbxf:        40000\ndepth_flag: 0\n"
+      "depth_unit: 1\nfraction_bit_size: 4\ndepth_diff_lut: 3 15 35 62 97 140 191\ndepth_shift: 9\n");
+}
+
+}  // namespace
+}  // namespace filterprocessor

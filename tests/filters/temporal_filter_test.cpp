@@ -1,0 +1,83 @@
+#include "filters/temporal_filter.h"
+
+#include "support/filter_driver.h"
+
+namespace filterprocessor {
+namespace {
+
+using Pixels = std::vector<std::uint16_t>;
+
+devhost::FrameSpec row(Pixels pixels) {
+  devhost::FrameSpec spec;
+  spec.width = static_cast<std::uint32_t>(pixels.size());
+  spec.height = 1;
+  spec.pixels = std::move(pixels);
+  return spec;
+}
+
+Pixels filtered(FilterDriver& filter, Pixels pixels) {
+  const devhost::Frame output = filter.process(devhost::make_frame(row(std::move(pixels))));
+  EXPECT_EQ(filter.last_error(), kNoError);
+  return output ? devhost::inspect(output.get()).pixels : Pixels{};
+}
+
+ErrorTexts out_of_range(const char* name) {
+  return {"params out of range", "update_filter_config", name, 4};
+}
+
+TEST(TemporalFilter, BlendsWithItsLastOutputWhereBothAreCloseAndValid) {
+  FilterDriver filter("TemporalFilter");
+  const Pixels first = {1000, 1000, 1000, 0, 1000};
+  EXPECT_EQ(filtered(filter, first), first) << "the first frame passes and becomes the history";
+  EXPECT_EQ(filtered(filter, {1050, 1100, 1099, 900, 0}), (Pixels{1020, 1100, 1039, 900, 0}));
+  EXPECT_EQ(filtered(filter, {1050, 1050, 1039, 950, 1000}), (Pixels{1032, 1080, 1039, 920, 1000}))
+      << "an invalid pixel starts the average again";
+}
+
+TEST(TemporalFilter, DropsItsHistoryOnANewSizeAndOnResetButNotOnConfiguration) {
+  FilterDriver filter("TemporalFilter");
+  filtered(filter, {1000, 1000});
+  EXPECT_EQ(filter.update({"0.1", "0.5"}), kNoError);
+  EXPECT_EQ(filtered(filter, {1050, 1050}), (Pixels{1025, 1025}));
+  EXPECT_EQ(filtered(filter, {1000, 1000, 1000}), (Pixels{1000, 1000, 1000}));
+  EXPECT_EQ(filtered(filter, {1050, 1050}), (Pixels{1050, 1050}));
+  filter.reset();
+  EXPECT_EQ(filtered(filter, {1000, 1000}), (Pixels{1000, 1000}));
+  EXPECT_EQ(filtered(filter, {1050, 1050}), (Pixels{1020, 1020})) << "and the weight is 0.4 again";
+  devhost::FrameSpec transposed = row({1000, 1000});
+  std::swap(transposed.width, transposed.height);
+  EXPECT_EQ(devhost::inspect(filter.process(devhost::make_frame(transposed)).get()).pixels,
+            (Pixels{1000, 1000}));
+}
+
+TEST(TemporalFilter, StoresTheScaleBeforeItChecksTheWeight) {
+  FilterDriver filter("TemporalFilter");
+  EXPECT_EQ(filter.update({"0.5", "2"}), out_of_range("weight"));
+  filtered(filter, {1000});
+  EXPECT_EQ(filtered(filter, {1400}), (Pixels{1160}));
+  EXPECT_EQ(filter.update({"0.09", "0.5"}), out_of_range("diff_scale"));
+  EXPECT_EQ(filter.update({"nan", "0.5"}), out_of_range("diff_scale"));
+  EXPECT_EQ(filter.update({"0.1", "nan"}), out_of_range("weight"));
+  EXPECT_EQ(filter.update({"0.1"}), kBadCount);
+  EXPECT_EQ(filter.update({"1", "0.1"}), kNoError) << "both ends are accepted";
+}
+
+TEST(TemporalFilter, RefusesFramesThatOnlyClaimToBeLarge) {
+  FilterDriver filter("TemporalFilter");
+  for (const std::uint32_t side : {60000u, 0xffffffffu}) {
+    devhost::FrameSpec spec = row({1000, 1000});
+    spec.width = spec.height = side;
+    EXPECT_FALSE(filter.process(devhost::make_frame(spec)));
+    EXPECT_EQ(filter.last_error(), kBadFrame);
+  }
+  EXPECT_EQ(filtered(filter, {}), Pixels{});
+}
+
+TEST(TemporalFilter, PrintsItsParameters) {
+  TemporalFilter filter;
+  EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }),
+            "diff_scale: 0.1\nweight:     0.4\n");
+}
+
+}  // namespace
+}  // namespace filterprocessor

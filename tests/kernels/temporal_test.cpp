@@ -1,0 +1,131 @@
+#include "filterprocessor/temporal.h"
+
+#include <cmath>
+#include <limits>
+
+#include "support/levels.h"
+#include "support/random_image.h"
+
+namespace filterprocessor {
+namespace {
+
+struct TemporalLevel : LevelTest {
+  /// The result for one pixel, checked in every lane and in `history` too.
+  int smooth(int previous, int current, float diff_scale, float weight) const {
+    const std::size_t count = 67;
+    Pixels depth(count, static_cast<std::uint16_t>(current));
+    Pixels history(count, static_cast<std::uint16_t>(previous));
+    kernels().temporal.smooth(depth.data(), history.data(), count, diff_scale, weight);
+    EXPECT_EQ(depth, Pixels(count, depth[0]));
+    EXPECT_EQ(history, depth);
+    return depth[0];
+  }
+};
+FILTERPROCESSOR_EVERY_LEVEL(TemporalLevel);
+
+TEST_P(TemporalLevel, BlendsOnlyValidPixelsThatAreStrictlyClose) {
+  EXPECT_EQ(smooth(1000, 1050, 0.1f, 0.4f), 1020);
+  EXPECT_EQ(smooth(1000, 1100, 0.1f, 0.4f), 1100) << "a change of exactly a tenth is a jump";
+  EXPECT_EQ(smooth(1100, 1000, 0.1f, 0.4f), 1000) << "the smaller value sets the limit";
+  EXPECT_EQ(smooth(1000, 0, 1.0f, 0.4f), 0);
+  EXPECT_EQ(smooth(0, 1000, 1.0f, 0.4f), 1000);
+  EXPECT_EQ(smooth(1, 0, 1e9f, 0.4f), 0);
+  EXPECT_EQ(smooth(65535, 60000, 0.1f, 1.0f), 60000);
+  EXPECT_EQ(smooth(65535, 60000, 0.1f, 0.0f), 65535);
+  EXPECT_EQ(smooth(1000, 1003, 0.1f, 0.5f), 1001) << "truncated, not rounded";
+  EXPECT_EQ(smooth(7, 7, 0.0f, 0.5f), 7);
+}
+
+TEST_P(TemporalLevel, ParametersOutsideTheirRangesGiveDefinedPixels) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float infinity = std::numeric_limits<float>::infinity();
+  EXPECT_EQ(smooth(100, 101, nan, 0.5f), 101);
+  EXPECT_EQ(smooth(100, 90, -1.0f, 0.5f), 90);
+  EXPECT_EQ(smooth(100, 60000, infinity, 0.5f), 30050);
+  EXPECT_EQ(smooth(100, 101, 0.1f, nan), 0);
+  EXPECT_EQ(smooth(100, 101, 0.1f, -200.0f), 0) << "100 x 201 - 101 x 200 is negative";
+  EXPECT_EQ(smooth(100, 101, 0.1f, infinity), 0) << "infinity less infinity";
+  EXPECT_EQ(smooth(100, 101, 0.1f, 65536.0f), 100) << "65636, of which the low 16 bits stay";
+  EXPECT_EQ(smooth(100, 101, 0.1f, 1e30f), 65535) << "saturates at 2^31 - 1";
+}
+
+TEST_P(TemporalLevel, EqualsThePlainFormAtEveryLengthAndParameter) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  Random random(1);
+  for (int round = 0; round < 3000; ++round) {
+    const auto count = static_cast<std::size_t>(random.integer(0, 200));
+    const int centre = random.pick({0, 40, 1000, 6000, 32768, 65000});
+    const int spread = random.pick({3, 60, 800, 40000});
+    const float diff_scale = random.one_in(8) ? random.pick({0.0f, -0.3f, 1e-40f, 1e30f, 1e38f, nan})
+                                              : random.real(0.0f, 1.0f);
+    const float weight = random.one_in(8)
+                             ? random.pick({0.0f, 1.0f, 0.5f, 1e-40f, 1.0000001f, -3.0f, 4e9f, nan})
+                             : random.pick({0.4f, random.real(0.0f, 1.0f)});
+    Pixels depth = random.pixels(count, centre, spread, 12);
+    Pixels history = random.pixels(count, centre, spread, 12);
+    Pixels expected_depth = depth;
+    Pixels expected_history = history;
+    plain().temporal.smooth(expected_depth.data(), expected_history.data(), count, diff_scale, weight);
+    kernels().temporal.smooth(depth.data(), history.data(), count, diff_scale, weight);
+    ASSERT_EQ(depth, expected_depth) << count << " pixels, " << diff_scale << ", " << weight;
+    ASSERT_EQ(history, expected_history);
+  }
+}
+
+/// Every pair of close values in one sweep: roundings of products and sums are where levels could differ.
+TEST_P(TemporalLevel, EqualsThePlainFormForAllCloseValues) {
+  for (const float weight : {0.4f, 0.1f, 0.77f}) {
+    for (const int distance : {-50, -10, -5, 0, 1, 5, 25, 100}) {
+      Pixels depth(65536);
+      Pixels history(65536);
+      for (std::size_t i = 0; i < depth.size(); ++i) {
+        depth[i] = static_cast<std::uint16_t>(i);
+        history[i] = static_cast<std::uint16_t>(static_cast<int>(i) + distance);
+      }
+      Pixels expected = depth;
+      Pixels expected_history = history;
+      plain().temporal.smooth(expected.data(), expected_history.data(), 65536, 0.1f, weight);
+      kernels().temporal.smooth(depth.data(), history.data(), 65536, 0.1f, weight);
+      ASSERT_EQ(depth, expected) << weight << ' ' << distance;
+    }
+  }
+}
+
+TEST(Temporal, FirstFramePassesAndHolesRestartTheAverage) {
+  Pixels history(3, 0);
+  Pixels frame = {1000, 0, 500};
+  EXPECT_EQ(depth_api_temporal_filter(frame.data(), 3, 1, history.data(), 0.1f, 0.4f), 0);
+  EXPECT_EQ(frame, (Pixels{1000, 0, 500}));
+  frame = {1050, 700, 0};
+  depth_api_temporal_filter(frame.data(), 1, 3, history.data(), 0.1f, 0.4f);
+  EXPECT_EQ(frame, (Pixels{1020, 700, 0}));
+  EXPECT_EQ(history, frame);
+  frame = {1070, 705, 500};
+  depth_api_temporal_filter(frame.data(), 1, 3, history.data(), 0.1f, 0.4f);
+  EXPECT_EQ(frame, (Pixels{1040, 702, 500}));
+}
+
+TEST(Temporal, TheFrameServesAsItsOwnHistory) {
+  Random random(2);
+  Pixels frame = random.pixels(333, 30000, 29999, 9);
+  Pixels alone = frame;
+  Pixels expected = frame;
+  Pixels history = frame;
+  depth_api_temporal_filter(expected.data(), 333, 1, history.data(), 0.1f, 0.3f);
+  depth_api_temporal_filter(alone.data(), 333, 1, nullptr, 0.1f, 0.3f);
+  depth_api_temporal_filter(frame.data(), 333, 1, frame.data(), 0.1f, 0.3f);
+  EXPECT_EQ(alone, expected);
+  EXPECT_EQ(frame, expected);
+}
+
+TEST(Temporal, SizesBelowOneDoNothing) {
+  Pixels pixel = {5};
+  Pixels history = {5};
+  EXPECT_EQ(depth_api_temporal_filter(pixel.data(), 0, 1, history.data(), 1.0f, 9.0f), 0);
+  EXPECT_EQ(depth_api_temporal_filter(pixel.data(), -1, -1, history.data(), 1.0f, 9.0f), 0);
+  EXPECT_EQ(depth_api_temporal_filter(nullptr, 1, -1, nullptr, 1.0f, 9.0f), 0);
+  EXPECT_EQ(pixel[0], 5);
+}
+
+}  // namespace
+}  // namespace filterprocessor
