@@ -146,34 +146,6 @@ TEST(Boundary, ANullErrorSlotIsSurvived) {
   EXPECT_NE(printed.find("message: injected fault\n"), std::string::npos) << "printed all the same";
 }
 
-TEST(Boundary, EveryFailingHostCallIsPrintedOnceAndLeavesNothingBehind) {
-  FilterDriver filter("HoleFillingFilter");
-  for (const bool as_set : {false, true}) {
-    const auto input = [&] {
-      devhost::Frame frame = devhost::make_frame(small_depth());
-      return as_set ? devhost::make_frame_set(std::move(frame)) : std::move(frame);
-    };
-    const devhost::Frame good = input();
-    devhost::start_call_log();
-    filter.process(good);
-    std::vector<std::string> calls = devhost::stop_call_log();
-    EXPECT_EQ(calls.size(), as_set ? 11u : 8u);
-    std::map<std::string, int> seen;
-    for (const std::string& call : calls) {
-      const devhost::LiveObjects before = devhost::live_objects();
-      devhost::fail_call(call, ++seen[call]);
-      const std::string printed =
-          FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(good)) << call; });
-      ASSERT_TRUE(devhost::clear_fault()) << call;
-      EXPECT_EQ(filter.last_error(), (ErrorTexts{"injected fault", call, "", 7}));
-      EXPECT_EQ(printed, "zv_error was raised: \n\tcall: " + call +
-                             "()\n\tmessage: injected fault\n\terror type: 7\n");
-      EXPECT_EQ(devhost::live_objects(), before) << call;
-      EXPECT_TRUE(filter.process(good)) << call;
-    }
-  }
-}
-
 TEST(Errors, AreMadeByTheHostEvenWhenNobodyListens) {
   zv_error* error = nullptr;
   create_error(&error, 1, "message", "function", "argument", 9);

@@ -90,7 +90,6 @@ inline const ErrorTexts kNoError = {};
 inline const ErrorTexts kBadFrameType = {"invalid frame type error", "filter_process", "frameType", 4};
 inline const ErrorTexts kBadCount = {"the number of params error", "update_filter_config", "argc", 4};
 inline const ErrorTexts kBadFrame = {"invalid params", "filter_process", "frame", 4};
-inline const ErrorTexts kInjected = {"injected fault", "", "", 7};
 
 }  // namespace filterprocessor
 

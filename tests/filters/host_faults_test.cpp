@@ -1,0 +1,180 @@
+// Every host call of every filter fails in turn.
+#include <functional>
+#include <map>
+
+#include "support/filter_driver.h"
+
+namespace filterprocessor {
+namespace {
+
+struct Scenario {
+  const char* name;
+  const char* filter;
+  std::vector<std::string> configuration;  ///< none: as it is made
+  std::function<void(devhost::FrameSpec&)> describe;
+};
+
+void disparity(devhost::FrameSpec& spec) { spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY; }
+void corrected(devhost::FrameSpec& spec) { spec.metadata[32] = 4; }
+
+const Scenario kScenarios[] = {
+    {"top", "HoleFillingFilter", {}, [](auto&) {}},
+    {"pass-through", "DisparityTransform", {}, [](auto&) {}},
+    {"plain", "DisparityTransform", {}, disparity},
+    {"packed, corrected, other bits",
+     "DisparityTransform",
+     {"5000", "10", "0.5"},
+     [](auto& spec) {
+       disparity(spec);
+       corrected(spec);
+       spec.format = ZV_FORMAT_PACKED_CODE;
+       spec.bits = 12;
+     }},
+    {"one camera",
+     "DisparityTransform",
+     {},
+     [](auto& spec) {
+       disparity(spec);
+       spec.disparity.isDualCamera = 0;
+       spec.disparity.zpd = 1000;
+     }},
+    {"plain", "OpenNIDisparityTransform", {}, disparity},
+    {"sampled",
+     "OpenNIDisparityTransform",
+     {"9000", "10", "1", "20", "10", "0.5", "1", "1", "1", "1"},
+     disparity},
+    {"nothing to correct", "HardwareD2DCorrectionFilter", {}, [](auto&) {}},
+    {"corrected", "HardwareD2DCorrectionFilter", {}, corrected},
+    {"depth", "NoiseRemovalFilter", {}, [](auto&) {}},
+    {"disparity", "NoiseRemovalFilter", {"10", "16", "40", "24"}, disparity},
+    {"linear depth", "NoiseRemovalFilter", {}, [](auto& spec) { spec.pixel_type = 4; }},
+    {"depth", "SpatialAdvancedFilter", {"2", "0.3", "100", "4"}, [](auto&) {}},
+    {"disparity", "SpatialAdvancedFilter", {}, disparity},
+    {"linear depth", "SpatialAdvancedFilter", {}, [](auto& spec) { spec.pixel_type = 4; }},
+    {"depth", "TemporalFilter", {}, [](auto&) {}},
+};
+
+devhost::Frame make_input(const Scenario& scenario, bool as_set) {
+  devhost::FrameSpec spec;
+  spec.width = 40;
+  spec.height = 24;
+  spec.pixels.resize(40 * 24);
+  for (std::size_t i = 0; i < spec.pixels.size(); ++i) {
+    spec.pixels[i] = static_cast<std::uint16_t>(i % 7 == 0 ? 0 : 1000 + i % 50);
+  }
+  spec.disparity.fx = 600;
+  spec.disparity.baseline = 50;
+  spec.disparity.unit = 1;
+  spec.disparity.bitSize = 16;
+  spec.disparity.packMode = 2;
+  spec.disparity.dispIntPlace = 8;
+  spec.disparity.isDualCamera = 1;
+  scenario.describe(spec);
+  devhost::Frame frame = devhost::make_frame(spec);
+  return as_set ? devhost::make_frame_set(std::move(frame)) : std::move(frame);
+}
+
+/// A filter that has seen `frames` frames like `input`.
+FilterDriver prepared(const Scenario& scenario, const devhost::Frame& input, int frames) {
+  FilterDriver filter(scenario.filter);
+  if (!scenario.configuration.empty()) {
+    EXPECT_EQ(filter.update(scenario.configuration), kNoError);
+  }
+  for (int n = 0; n < frames; ++n) EXPECT_TRUE(filter.process(input));
+  return filter;
+}
+
+/// Makes one call fail and checks what the caller gets, what is printed and that nothing is left behind.
+void expect_survived(const Scenario& scenario, const devhost::Frame& input, int frames_before,
+                     const std::string& call, int occurrence, bool null_slot) {
+  const std::string what = std::string(scenario.filter) + ", " + scenario.name + ", " + call +
+                           " number " + std::to_string(occurrence) + " after " +
+                           std::to_string(frames_before) + " frames";
+  const devhost::LiveObjects baseline = devhost::live_objects();
+  {
+    FilterDriver filter = prepared(scenario, input, frames_before);
+    devhost::fail_call(call, occurrence);
+    const std::string printed = FilterDriver::output_of([&] {
+      PrivFilterContext* context = filter.context();
+      if (null_slot) {
+        EXPECT_EQ(context->process(context->filter, input.get(), nullptr), nullptr) << what;
+      } else {
+        EXPECT_FALSE(filter.process(input)) << what;
+      }
+    });
+    ASSERT_TRUE(devhost::clear_fault()) << what;
+    EXPECT_EQ(printed, "zv_error was raised: \n\tcall: " + call +
+                           "()\n\tmessage: injected fault\n\terror type: 7\n")
+        << what;
+    if (!null_slot) {
+      EXPECT_EQ(filter.last_error(), (ErrorTexts{"injected fault", call, "", 7})) << what;
+    }
+    EXPECT_EQ(devhost::live_objects().frames, baseline.frames) << what;
+    EXPECT_TRUE(filter.process(input)) << what << ": the next frame";
+    EXPECT_EQ(filter.last_error(), kNoError) << what << ": the next frame";
+  }
+  EXPECT_EQ(devhost::live_objects(), baseline) << what;
+}
+
+TEST(HostFaults, EveryFailingCallIsPrintedOnceAndLeavesNothingBehind) {
+  int faults = 0;
+  for (const Scenario& scenario : kScenarios) {
+    for (const bool as_set : {false, true}) {
+      const devhost::Frame input = make_input(scenario, as_set);
+      const auto pixels = devhost::inspect(devhost::depth_frame_of(input.get()).get()).pixels;
+      for (const int frames_before : {0, 1}) {
+        FilterDriver filter = prepared(scenario, input, frames_before);
+        devhost::start_call_log();
+        const devhost::Frame output = filter.process(input);
+        const std::vector<std::string> calls = devhost::stop_call_log();
+        ASSERT_TRUE(output) << scenario.filter << ", " << scenario.name;
+        std::map<std::string, int> seen;
+        for (const std::string& call : calls) {
+          ++seen[call];
+          for (const bool null_slot : {false, true}) {
+            expect_survived(scenario, input, frames_before, call, seen[call], null_slot);
+            ++faults;
+          }
+        }
+      }
+      EXPECT_EQ(devhost::inspect(devhost::depth_frame_of(input.get()).get()).pixels, pixels)
+          << "the input never changes";
+    }
+  }
+  std::cout << faults << " faults injected\n";
+  EXPECT_GT(faults, 1000);
+}
+
+TEST(HostFaults, AnErrorThatIsAlreadyThereCountsAsTheFirstCalls) {
+  for (const Scenario& scenario : kScenarios) {
+    FilterDriver filter(scenario.filter);
+    const devhost::Frame input = make_input(scenario, false);
+    zv_error* const old = zv_create_error(1, "old", "before", "x", 3);
+    zv_error* error = old;
+    PrivFilterContext* context = filter.context();
+    const std::string printed = FilterDriver::output_of(
+        [&] { EXPECT_EQ(context->process(context->filter, input.get(), &error), nullptr); });
+    EXPECT_EQ(error, old);
+    EXPECT_EQ(printed, "zv_error was raised: \n\tcall: before(x)\n\tmessage: old\n\terror type: 3\n");
+  }
+}
+
+TEST(EmptyFrames, AreConvertedToEmptyFramesOrRefused) {
+  for (const Scenario& scenario : kScenarios) {
+    for (const std::size_t bytes : {std::size_t{0}, std::size_t{3}}) {
+      FilterDriver filter(scenario.filter);
+      devhost::FrameSpec spec = devhost::inspect(make_input(scenario, false).get());
+      spec.width = spec.height = 0;
+      spec.pixels.resize(bytes);
+      const devhost::Frame input = devhost::make_frame(spec);
+      FilterDriver::output_of([&] {
+        for (int n = 0; n < 3; ++n) {
+          EXPECT_NE(filter.process(input) == nullptr, filter.last_error() == kNoError) << scenario.filter;
+        }
+      });
+    }
+  }
+}
+
+}  // namespace
+}  // namespace filterprocessor
