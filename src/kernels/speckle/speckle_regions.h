@@ -73,7 +73,8 @@ class Regions {
       prepare(batch);
       if (!add_batch(batch)) return false;
     }
-    return one_way_ == 0 || follow_one_way_links();
+    if (one_way_ != 0) follow_one_way_links();
+    return true;
   }
 
   /// Calls `visit(first pixel, number of pixels)` for the pixels of the regions to remove, in order:
@@ -306,11 +307,12 @@ class Regions {
     }
     batch_has_one_way_[batch] = links != 0;
     one_way_ += links;
-    // Better soon than late: at this rate to the end.
+    // Better soon than late: whether it fits if it goes on like this, judged after a sixteenth of the
+    // image.
     const std::size_t need =
-        first_run_[batch + 1] * 2 * sizeof(std::int32_t) + one_way_ * sizeof(OneWayLink);
+        first_run_[batch + 1] * 2 * sizeof(std::int32_t) + (one_way_ + 1) * sizeof(OneWayLink);
     const std::size_t part = batch + 1 < batches_ / 16 ? batches_ / 16 : batch + 1;
-    return one_way_ == 0 || need / part * batches_ + 16 <= room_ * sizeof(std::int32_t);
+    return one_way_ == 0 || need * batches_ <= room_ * sizeof(std::int32_t) * part;
   }
 
   /// Lists where the runs of a batch start, and its end. @return the number of runs
@@ -359,30 +361,25 @@ class Regions {
   }
 
   /// Gives every set of runs to the first set from which one-way links lead to it.
-  bool follow_one_way_links() {
+  void follow_one_way_links() {
     const std::uint32_t count = first_run_[batches_];
     WorkSpace rest(reinterpret_cast<unsigned char*>(nodes_ + count),
                    (room_ - count) * sizeof(std::int32_t));
     std::uint32_t* const last = rest.take<std::uint32_t>(count);  // of a set's ring; 0: none
-    if (last == nullptr) return false;
-    const std::size_t room = rest.room<OneWayLink>();
-    OneWayLink* const links = rest.take<OneWayLink>(room);
+    OneWayLink* const links = rest.take<OneWayLink>(one_way_ + 1);
     for (std::uint32_t run = 0; run < count; ++run) last[run] = 0;
-
-    std::uint32_t used = 1;
-    const auto add = [&](std::uint32_t from_run, std::uint32_t to_run) {
-      const std::uint32_t from = root_of(from_run);
-      const std::uint32_t to = root_of(to_run);
-      if (from == to) return true;
-      if (used >= room) return false;
-      const std::uint32_t before = last[from];
-      links[used] = {to, before == 0 ? used : links[before].next};
-      if (before != 0) links[before].next = used;
-      last[from] = used++;
-      return true;
-    };
+    std::uint32_t used = 0;
     for (std::size_t batch = 0; batch < batches_; ++batch) {
-      if (batch_has_one_way_[batch] && !for_one_way_links(batch, add)) return false;
+      if (!batch_has_one_way_[batch]) continue;
+      for_one_way_links(batch, [&](std::uint32_t from_run, std::uint32_t to_run) {
+        const std::uint32_t from = root_of(from_run);
+        const std::uint32_t to = root_of(to_run);
+        if (from == to) return;
+        const std::uint32_t before = last[from];
+        last[from] = ++used;
+        links[used] = {to, before == 0 ? used : links[before].next};
+        if (before != 0) links[before].next = used;
+      });
     }
 
     for (std::uint32_t set = 0; set < count; ++set) {
@@ -403,13 +400,12 @@ class Regions {
         if (link == end) break;
       }
     }
-    return true;
   }
 
-  /// Calls `add(from run, to run)` for the one-way links of a batch, once for the links between two runs
-  /// that lie above one another, until it returns false.
+  /// Calls `add(from run, to run)` for the one-way links of a batch, once for those between two runs of
+  /// which one lies above the other.
   template <typename Add>
-  bool for_one_way_links(std::size_t batch, Add add) {
+  void for_one_way_links(std::size_t batch, Add add) {
     Masks masks;
     scan(batch, masks);
     const std::size_t words = words_in(batch);
@@ -418,22 +414,20 @@ class Regions {
     keep_first_bits(masks.to_up, masks.above, words, to_up);
     keep_first_bits(masks.from_up, masks.above, words, from_up);
     for (std::size_t i = 0; i < words; ++i) {
-      const std::size_t first = (first_word(batch) + i) * kWordBits;
       const auto each = [&](std::uint64_t bits, std::size_t back, bool forth) {
         for (; bits != 0; bits &= bits - 1) {
-          const std::size_t pixel = first + static_cast<std::size_t>(__builtin_ctzll(bits));
+          const std::size_t pixel =
+              (first_word(batch) + i) * kWordBits + static_cast<std::size_t>(__builtin_ctzll(bits));
           const std::uint32_t here = run_at(pixel);
           const std::uint32_t there = run_at(pixel - back);
-          if (!(forth ? add(here, there) : add(there, here))) return false;
+          add(forth ? here : there, forth ? there : here);
         }
-        return true;
       };
-      if (!each(masks.to_left[i], 1, true) || !each(masks.from_left[i], 1, false) ||
-          !each(to_up[i], width_, true) || !each(from_up[i], width_, false)) {
-        return false;
-      }
+      each(masks.to_left[i], 1, true);
+      each(masks.from_left[i], 1, false);
+      each(to_up[i], width_, true);
+      each(from_up[i], width_, false);
     }
-    return true;
   }
 
   PixelWords words_;
