@@ -122,10 +122,12 @@ inline U16 complement_nonzero(U16 a) {
 
 /// The lanes of a and b in turn: of their lower halves, and of their upper halves.
 inline U16 interleave_low(U16 a, U16 b) {
-  return {_mm256_permute2x128_si256(_mm256_unpacklo_epi16(a.v, b.v), _mm256_unpackhi_epi16(a.v, b.v), 0x20)};
+  return {
+      _mm256_permute2x128_si256(_mm256_unpacklo_epi16(a.v, b.v), _mm256_unpackhi_epi16(a.v, b.v), 0x20)};
 }
 inline U16 interleave_high(U16 a, U16 b) {
-  return {_mm256_permute2x128_si256(_mm256_unpacklo_epi16(a.v, b.v), _mm256_unpackhi_epi16(a.v, b.v), 0x31)};
+  return {
+      _mm256_permute2x128_si256(_mm256_unpacklo_epi16(a.v, b.v), _mm256_unpackhi_epi16(a.v, b.v), 0x31)};
 }
 
 inline U16 operator-(U16 a, U16 b) { return {_mm256_sub_epi16(a.v, b.v)}; }
@@ -176,7 +178,8 @@ inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) {
 }
 
 /// Adds two numbers of `words` words, lowest first.
-inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum, std::size_t words) {
+inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum,
+                     std::size_t words) {
   std::uint64_t carry = 0;
   for (std::size_t i = 0; i < words; ++i) {
     const std::uint64_t part = a[i] + b[i];

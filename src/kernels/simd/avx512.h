@@ -109,11 +109,13 @@ inline U16 complement_nonzero(U16 a) {
 /// The lanes of a and b in turn: of their lower halves, and of their upper halves.
 inline U16 interleave_low(U16 a, U16 b) {
   const __m512i order = _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11);
-  return {_mm512_permutex2var_epi64(_mm512_unpacklo_epi16(a.v, b.v), order, _mm512_unpackhi_epi16(a.v, b.v))};
+  return {
+      _mm512_permutex2var_epi64(_mm512_unpacklo_epi16(a.v, b.v), order, _mm512_unpackhi_epi16(a.v, b.v))};
 }
 inline U16 interleave_high(U16 a, U16 b) {
   const __m512i order = _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15);
-  return {_mm512_permutex2var_epi64(_mm512_unpacklo_epi16(a.v, b.v), order, _mm512_unpackhi_epi16(a.v, b.v))};
+  return {
+      _mm512_permutex2var_epi64(_mm512_unpacklo_epi16(a.v, b.v), order, _mm512_unpackhi_epi16(a.v, b.v))};
 }
 
 inline U16 operator-(U16 a, U16 b) { return {_mm512_sub_epi16(a.v, b.v)}; }
@@ -151,19 +153,22 @@ inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::
 inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) { value.store_first(to, count); }
 
 /// Adds two numbers of `words` words, lowest first.
-inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum, std::size_t words) {
+inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum,
+                     std::size_t words) {
   std::uint32_t carry = 0;
   for (std::size_t i = 0; i < words; i += 8) {
     const auto here = static_cast<__mmask8>(_bzhi_u32(0xff, static_cast<std::uint32_t>(words - i)));
     const __m512i x = _mm512_maskz_loadu_epi64(here, a + i);
     const __m512i part = _mm512_add_epi64(x, _mm512_maskz_loadu_epi64(here, b + i));
-    // A word passes a carry on when all its bits are set; adding the masks finds where all carries end up.
+    // A word passes a carry on when all its bits are set; adding the masks finds where all carries end
+    // up.
     const std::uint32_t passing = _mm512_cmpeq_epi64_mask(part, _mm512_set1_epi64(-1));
     const std::uint32_t made = _mm512_cmplt_epu64_mask(part, x);
     const std::uint32_t carries = (made << 1 | carry) + passing;
     const auto raised = static_cast<__mmask8>(carries ^ passing);
     carry = carries >> 8;
-    _mm512_mask_storeu_epi64(sum + i, here, _mm512_mask_add_epi64(part, raised, part, _mm512_set1_epi64(1)));
+    _mm512_mask_storeu_epi64(sum + i, here,
+                             _mm512_mask_add_epi64(part, raised, part, _mm512_set1_epi64(1)));
   }
 }
 /// A bit for each of up to 64 words: whether it is not 0.

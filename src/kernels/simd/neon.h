@@ -158,7 +158,8 @@ inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) {
 }
 
 /// Adds two numbers of `words` words, lowest first.
-inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum, std::size_t words) {
+inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum,
+                     std::size_t words) {
   std::uint64_t carry = 0;
   for (std::size_t i = 0; i < words; ++i) {
     const std::uint64_t part = a[i] + b[i];
