@@ -169,7 +169,7 @@ void speckle_pyramid(const SpeckleImage& image, const SpeckleThreshold& threshol
 
     Regions regions(pixels, width, height, image.invalid, thresholds);
     const bool found = regions.find(largest(limit), work, [&](std::size_t batch) {
-      lattice.prepare((batch + 1) * regions.kBatch + width + 1);
+      lattice.prepare((batch + 1) * kBatch + width + 1);
     });
     // What has been smoothed already is smoothed the same way again.
     if (!found) return plain::speckle_pyramid(image, threshold, limit);
