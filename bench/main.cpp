@@ -87,6 +87,8 @@ int main(int argc, char** argv) {
 
   filterprocessor::bench::add_disparity_rows();
   filterprocessor::bench::add_hole_filling_rows();
+  filterprocessor::bench::add_smoothing_rows();
+  filterprocessor::bench::add_speckle_rows();
 
   const auto scene =
       filterprocessor::bench::figures_of(filterprocessor::bench::stereo_scene(848, 480), 80);
