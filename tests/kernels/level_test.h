@@ -27,9 +27,10 @@ inline std::string level_test_name(const testing::TestParamInfo<Level>& info) {
   return std::string(level_name(info.param));
 }
 
-#define FILTERPROCESSOR_TEST_ALL_LEVELS(suite) \
-  INSTANTIATE_TEST_SUITE_P(                    \
-      Levels, suite, testing::ValuesIn(compiled_levels().begin(), compiled_levels().end()), level_test_name)
+#define FILTERPROCESSOR_TEST_ALL_LEVELS(suite)                                                    \
+  INSTANTIATE_TEST_SUITE_P(Levels, suite,                                                         \
+                           testing::ValuesIn(compiled_levels().begin(), compiled_levels().end()), \
+                           level_test_name)
 
 using Pixels = std::vector<std::uint16_t>;
 
@@ -51,8 +52,8 @@ class Random {
   Pixels pixels(std::size_t count, int centre, int spread, int holes) {
     Pixels values(count);
     for (auto& value : values) {
-      value =
-          one_in(holes) ? std::uint16_t{0} : static_cast<std::uint16_t>(centre + integer(-spread, spread));
+      value = one_in(holes) ? std::uint16_t{0}
+                            : static_cast<std::uint16_t>(centre + integer(-spread, spread));
     }
     return values;
   }

@@ -20,7 +20,8 @@ struct Image {
 struct SpatialLevel : LevelTest {
   enum class Passes { horizontal, vertical, both };
 
-  static void run(const KernelSet& set, Passes passes, Image& image, const SpatialParameters& parameters) {
+  static void run(const KernelSet& set, Passes passes, Image& image,
+                  const SpatialParameters& parameters) {
     const SpatialKernels& kernels = set.spatial;
     const auto kernel = passes == Passes::both       ? kernels.both
                         : passes == Passes::vertical ? kernels.vertical
@@ -34,8 +35,8 @@ struct SpatialLevel : LevelTest {
     run(kernels(), Passes::horizontal, image, {{&threshold, 1, 0}, alpha, radius});
     const auto width = static_cast<std::ptrdiff_t>(row.size());
     for (int y = 1; y < 8; ++y) {
-      EXPECT_TRUE(
-          std::equal(image.pixels.begin(), image.pixels.begin() + width, image.pixels.begin() + y * width));
+      EXPECT_TRUE(std::equal(image.pixels.begin(), image.pixels.begin() + width,
+                             image.pixels.begin() + y * width));
     }
     return Pixels(image.pixels.begin(), image.pixels.begin() + width);
   }
@@ -60,9 +61,10 @@ struct SpatialLevel : LevelTest {
       run(plain_kernels(), passes, expected, parameters);
       run(kernels(), passes, actual, parameters);
       ASSERT_EQ(actual.pixels, expected.pixels)
-          << what << ": " << image.width << " x " << image.height << ", passes " << static_cast<int>(passes)
-          << ", alpha " << parameters.alpha << ", radius " << int{parameters.radius} << ", "
-          << parameters.thresholds.size << " entries, shift " << parameters.thresholds.shift;
+          << what << ": " << image.width << " x " << image.height << ", passes "
+          << static_cast<int>(passes) << ", alpha " << parameters.alpha << ", radius "
+          << int{parameters.radius} << ", " << parameters.thresholds.size << " entries, shift "
+          << parameters.thresholds.shift;
     }
   }
 };
@@ -75,8 +77,8 @@ TEST_P(SpatialLevel, FillsHolesFromBothSidesUpToTheRadius) {
   EXPECT_EQ(across(row, 0, 0.5f, 1), row);
   EXPECT_EQ(across(row, 0, 0.5f, 0), row);
   EXPECT_EQ(across(Pixels(19, 0), 50, 0.5f, 255), Pixels(19, 0));
-  // A valid pixel after a hole that stayed open does not reset the counter, so 200 fills neither side; two
-  // valid pixels in a row do.
+  // A valid pixel after a hole that stayed open does not reset the counter, so 200 fills neither side;
+  // two valid pixels in a row do.
   EXPECT_EQ(across({100, 0, 0, 200, 0, 0, 300, 310, 0}, 0, 0.5f, 2),
             (Pixels{100, 100, 0, 200, 0, 300, 300, 310, 0}));
 }
@@ -167,7 +169,8 @@ TEST_P(SpatialLevel, ThresholdsAndPixelsAreSignedNumbers) {
 }
 
 TEST_P(SpatialLevel, EveryAlphaBlendsExactly) {
-  // All pairs of a neighbour and a distance for alphas near and far from ties, whatever way the level takes.
+  // All pairs of a neighbour and a distance for alphas near and far from ties, whatever way the level
+  // takes.
   Random random(3);
   for (int round = 0; round < 40; ++round) {
     const float alpha =
@@ -189,7 +192,8 @@ TEST(SpatialPlan, FixedPointServesOnlyWhereNoDistanceIsNearATie) {
   EXPECT_EQ(spatial_blend(0.3f, 5).kind, SpatialBlend::Kind::fixed_point);
   EXPECT_EQ(spatial_blend(0.3f, 6).kind, SpatialBlend::Kind::floating) << "0.3 x 5 is a half";
   EXPECT_EQ(spatial_blend(0.25f, 200).kind, SpatialBlend::Kind::floating);
-  EXPECT_EQ(spatial_blend(1.0f, 32767).kind, SpatialBlend::Kind::floating) << "too many distances to check";
+  EXPECT_EQ(spatial_blend(1.0f, 32767).kind, SpatialBlend::Kind::floating)
+      << "too many distances to check";
 }
 #else
 TEST_P(SpatialLevel, BlendIsTheWrappedMeanOfUnsignedPixels) {
@@ -315,7 +319,9 @@ TEST_F(Spatial, FlagsChooseThePasses) {
 }
 
 TEST_F(Spatial, FixedThresholdsAreTruncatedToSixteenBits) {
-  const auto at = [&](float disp_diff) { return after(1, [&] { return fixed(1, 1, 1, 0.5f, disp_diff); }); };
+  const auto at = [&](float disp_diff) {
+    return after(1, [&] { return fixed(1, 1, 1, 0.5f, disp_diff); });
+  };
   const Pixels smooth = at(30);
   EXPECT_EQ(at(30.99f), smooth);
   EXPECT_EQ(at(65536.0f + 30), smooth);

@@ -55,8 +55,8 @@ TEST_P(TemporalLevel, EqualsThePlainFormAtEveryLengthAndParameter) {
     const auto count = static_cast<std::size_t>(random.integer(0, 200));
     const int centre = random.pick({0, 40, 1000, 6000, 32768, 65000});
     const int spread = random.pick({3, 60, 800, 40000});
-    const float diff_scale =
-        random.one_in(8) ? random.pick({0.0f, -0.3f, 1e-40f, 1e30f, 1e38f, nan}) : random.real(0.0f, 1.0f);
+    const float diff_scale = random.one_in(8) ? random.pick({0.0f, -0.3f, 1e-40f, 1e30f, 1e38f, nan})
+                                              : random.real(0.0f, 1.0f);
     const float weight = random.one_in(8)
                              ? random.pick({0.0f, 1.0f, 0.5f, 1e-40f, 1.0000001f, -3.0f, 4e9f, nan})
                              : random.pick({0.4f, random.real(0.0f, 1.0f)});

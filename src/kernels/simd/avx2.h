@@ -113,8 +113,9 @@ inline U16 complement_nonzero(U16 a) {
   return {_mm256_andnot_si256(_mm256_or_si256(a.v, a.is_zero().v), _mm256_set1_epi16(-1))};
 }
 
-/// Half of a vector's pixels as 32-bit floats. They carry a bias of 2^23, which turns an integer into a float
-/// without a conversion and cancels in differences; it is exact, and so are the minimum and the difference.
+/// Half of a vector's pixels as 32-bit floats. They carry a bias of 2^23, which turns an integer into a
+/// float without a conversion and cancels in differences; it is exact, and so are the minimum and the
+/// difference.
 struct PixelF32 {
   static constexpr float kBias = 8388608;
 
@@ -140,7 +141,8 @@ struct Factor {
 
 inline F32 operator-(PixelF32 a, PixelF32 b) { return {_mm256_sub_ps(a.v, b.v)}; }
 inline PixelF32 min(PixelF32 a, PixelF32 b) { return {_mm256_min_ps(a.v, b.v)}; }
-/// The product of pixel and factor, rounded once: the fused operation removes the exact product of the bias.
+/// The product of pixel and factor, rounded once: the fused operation removes the exact product of the
+/// bias.
 inline F32 operator*(PixelF32 a, Factor b) { return {_mm256_fmadd_ps(a.v, b.factor.v, b.offset.v)}; }
 inline F32 operator+(F32 a, F32 b) { return {_mm256_add_ps(a.v, b.v)}; }
 /// sum + a x b in this processor family's roundings: product and sum each.
@@ -205,8 +207,8 @@ class Pixels {
   U16 value;
 };
 
-/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the end
-/// take the last entry.
+/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the
+/// end take the last entry.
 class SmallTable {
  public:
   static constexpr std::size_t capacity = 8;

@@ -96,15 +96,20 @@ struct U16 {
 
 inline U16 max(U16 a, U16 b) { return {_mm512_max_epu16(a.v, b.v)}; }
 /// a or b by lane, whichever is larger where flagged; a elsewhere.
-inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {_mm512_mask_max_epu16(a.v, mask.bits, a.v, b.v)}; }
-inline U16 select(Mask16 mask, U16 yes, U16 no) { return {_mm512_mask_blend_epi16(mask.bits, no.v, yes.v)}; }
+inline U16 max_where(Mask16 mask, U16 a, U16 b) {
+  return {_mm512_mask_max_epu16(a.v, mask.bits, a.v, b.v)};
+}
+inline U16 select(Mask16 mask, U16 yes, U16 no) {
+  return {_mm512_mask_blend_epi16(mask.bits, no.v, yes.v)};
+}
 /// 65535 - a; 0 where a is 0.
 inline U16 complement_nonzero(U16 a) {
   return {_mm512_maskz_sub_epi16(_mm512_test_epi16_mask(a.v, a.v), _mm512_set1_epi16(-1), a.v)};
 }
 
-/// Half of a vector's pixels as 32-bit floats. They carry a bias of 2^23, which turns an integer into a float
-/// without a conversion and cancels in differences; it is exact, and so are the minimum and the difference.
+/// Half of a vector's pixels as 32-bit floats. They carry a bias of 2^23, which turns an integer into a
+/// float without a conversion and cancels in differences; it is exact, and so are the minimum and the
+/// difference.
 struct PixelF32 {
   static constexpr float kBias = 8388608;
 
@@ -130,7 +135,8 @@ struct Factor {
 
 inline F32 operator-(PixelF32 a, PixelF32 b) { return {_mm512_sub_ps(a.v, b.v)}; }
 inline PixelF32 min(PixelF32 a, PixelF32 b) { return {_mm512_min_ps(a.v, b.v)}; }
-/// The product of pixel and factor, rounded once: the fused operation removes the exact product of the bias.
+/// The product of pixel and factor, rounded once: the fused operation removes the exact product of the
+/// bias.
 inline F32 operator*(PixelF32 a, Factor b) { return {_mm512_fmadd_ps(a.v, b.factor.v, b.offset.v)}; }
 inline F32 operator+(F32 a, F32 b) { return {_mm512_add_ps(a.v, b.v)}; }
 /// sum + a x b in this processor family's roundings: product and sum each.
@@ -197,7 +203,8 @@ class Pixels {
   /// Where a and b are valid and closer than `bound`. Equal pixels may be flagged or not.
   friend Mask16 close(const Pixels& a, const Pixels& b, U16 bound) {
     // At a distance of 65535 nothing is close.
-    const __m512i distance = _mm512_mask_abs_epi16(_mm512_set1_epi16(-1), a.valid_, (b.value - a.value).v);
+    const __m512i distance =
+        _mm512_mask_abs_epi16(_mm512_set1_epi16(-1), a.valid_, (b.value - a.value).v);
     return {_mm512_mask_cmplt_epu16_mask(b.valid_, distance, bound.v)};
   }
 
@@ -209,8 +216,8 @@ class Pixels {
   __mmask32 valid_;
 };
 
-/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the end
-/// take the last entry.
+/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the
+/// end take the last entry.
 class SmallTable {
  public:
   static constexpr std::size_t capacity = 32;

@@ -87,7 +87,9 @@ struct U16 {
   static U16 load_groups(const std::uint16_t* from, const std::size_t (&offset)[groups]) {
     return load(from + offset[0]);
   }
-  void store_groups(std::uint16_t* to, const std::size_t (&offset)[groups]) const { store(to + offset[0]); }
+  void store_groups(std::uint16_t* to, const std::size_t (&offset)[groups]) const {
+    store(to + offset[0]);
+  }
 };
 
 inline U16 max(U16 a, U16 b) { return {vmaxq_u16(a.v, b.v)}; }
@@ -184,8 +186,8 @@ class Pixels {
   U16 value;
 };
 
-/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the end
-/// take the last entry.
+/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the
+/// end take the last entry.
 class SmallTable {
  public:
   static constexpr std::size_t capacity = 8;

@@ -89,9 +89,9 @@ int32_t depth_api_spatial_filter(uint16_t* data, uint16_t width, uint16_t height
   return 0;
 }
 
-int32_t depth_api_spatial_filter_origin(uint16_t* data, uint16_t width, uint16_t height, int32_t magnitude,
-                                        uint8_t radius, uint8_t horizontal, uint8_t vertical, float alpha,
-                                        float disp_diff) {
+int32_t depth_api_spatial_filter_origin(uint16_t* data, uint16_t width, uint16_t height,
+                                        int32_t magnitude, uint8_t radius, uint8_t horizontal,
+                                        uint8_t vertical, float alpha, float disp_diff) {
   using namespace filterprocessor;
   const Image image = {data, width, height};
   const Passes passes = {horizontal, vertical};

@@ -36,7 +36,8 @@ struct SpatialKernels {
   Filter* both;        ///< the horizontal pair, then the vertical one
 };
 
-/// Rows of the horizontal passes and columns of the vertical ones come in groups of so many; the rest stays.
+/// Rows of the horizontal passes and columns of the vertical ones come in groups of so many; the rest
+/// stays.
 inline constexpr std::size_t kSpatialGroup = 8;
 
 /// What 64-bit Arm does differently: see filterprocessor/spatial.h.

@@ -18,10 +18,16 @@ namespace {
 constexpr std::size_t kLanes = U16::lanes;
 constexpr std::size_t kGroup = kSpatialGroup;
 
+/// A constant that a lambda can take for an index.
+template <std::size_t value>
+struct Index {
+  constexpr operator std::size_t() const { return value; }
+};
+
 /// Calls use with 0 .. count - 1, unrolled: what is indexed by them can live in registers.
 template <std::size_t... index, typename Use>
-[[gnu::always_inline]] inline void repeat(std::index_sequence<index...>, Use use) {
-  (use(std::integral_constant<std::size_t, index>()), ...);
+[[gnu::always_inline]] inline void repeat(std::index_sequence<index...> /*indices*/, Use use) {
+  (use(Index<index>()), ...);
 }
 template <std::size_t count, typename Use>
 [[gnu::always_inline]] inline void repeat(Use use) {
@@ -33,8 +39,9 @@ struct WholeVector {
   static void store(std::uint16_t* to, U16 values) { values.store(to); }
 };
 
-/// A vector of groups of eight that lie `step` apart in memory. Where there are fewer than a vector holds,
-/// the first takes the place of the others: its values are computed and written alike, several times.
+/// A vector of groups of eight that lie `step` apart in memory. Where there are fewer than a vector
+/// holds, the first takes the place of the others: its values are computed and written alike, several
+/// times.
 struct Groups {
   std::size_t offset[U16::groups];
 
@@ -82,7 +89,7 @@ struct Strip {
 /// The horizontal passes.
 template <typename Step>
 struct Horizontal {
-  // A step waits for the one before it, so two strips go side by side. Three would leave the nearest caches.
+  // A step waits for the one before it, so two strips go side by side; more gain nothing.
   static constexpr std::size_t kSideBySide = 2;
 
   std::uint16_t* pixels;
@@ -105,8 +112,8 @@ struct Horizontal {
   }
 
  private:
-  /// Both horizontal passes over kStrips strips side by side. On the way to the right blocks of eight columns
-  /// are transposed and put back as they are; on the way to the left they are transposed again.
+  /// Both horizontal passes over kStrips strips side by side. On the way to the right blocks of eight
+  /// columns are transposed and put back as they are; on the way to the left they are transposed again.
   template <std::size_t kStrips>
   [[gnu::noinline]] void filter(std::uint16_t* rows, Groups groups) const {
     typename Step::State states[kStrips];
@@ -119,7 +126,8 @@ struct Horizontal {
         transpose_groups(blocks[s]);
       });
       repeat<kGroup>([&](auto c) FILTERPROCESSOR_INLINE {
-        repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { blocks[s][c] = step(states[s], blocks[s][c]); });
+        repeat<kStrips>([&](auto s)
+                            FILTERPROCESSOR_INLINE { blocks[s][c] = step(states[s], blocks[s][c]); });
       });
       repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { strip(s).store(x, blocks[s]); });
     }
@@ -129,7 +137,8 @@ struct Horizontal {
       repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { strip(s).load(x, blocks[s]); });
       repeat<kGroup>([&](auto i) FILTERPROCESSOR_INLINE {
         constexpr std::size_t c = kGroup - 1 - i;
-        repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { blocks[s][c] = step(states[s], blocks[s][c]); });
+        repeat<kStrips>([&](auto s)
+                            FILTERPROCESSOR_INLINE { blocks[s][c] = step(states[s], blocks[s][c]); });
       });
       repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE {
         transpose_groups(blocks[s]);
@@ -138,9 +147,10 @@ struct Horizontal {
     }
   }
 
-  /// The last block of up to eight columns, where the way to the right ends before the last column and the
-  /// way to the left begins.
-  [[gnu::noinline]] typename Step::State turn(Strip strip, std::size_t x, typename Step::State state) const {
+  /// The last block of up to eight columns, where the way to the right ends before the last column and
+  /// the way to the left begins.
+  [[gnu::noinline]] typename Step::State turn(Strip strip, std::size_t x,
+                                              typename Step::State state) const {
     const std::size_t count = width - x;
     U16 block[kGroup];
     strip.load_first(x, count, block);

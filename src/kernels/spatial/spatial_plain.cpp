@@ -32,7 +32,9 @@ struct SignedRules {
 struct UnsignedRules {
   using Number = std::uint16_t;
 
-  static Number distance(std::uint16_t a, std::uint16_t b) { return static_cast<Number>(fast_abs(a - b)); }
+  static Number distance(std::uint16_t a, std::uint16_t b) {
+    return static_cast<Number>(fast_abs(a - b));
+  }
   static std::uint16_t blend(std::uint16_t previous, std::uint16_t current, float /*alpha*/) {
     return static_cast<std::uint16_t>(previous + current) >> 1;
   }
@@ -47,7 +49,8 @@ bool below(unsigned a, unsigned b) { return static_cast<Number>(a) < static_cast
 std::uint16_t smooth(std::uint16_t previous, std::uint16_t current, unsigned bound, float alpha) {
   if (!valid(previous) || !valid(current)) return current;
   const Number distance = Rules::distance(current, previous);
-  if (distance > 0 && distance < static_cast<Number>(bound)) return Rules::blend(previous, current, alpha);
+  if (distance > 0 && distance < static_cast<Number>(bound))
+    return Rules::blend(previous, current, alpha);
   return current;
 }
 

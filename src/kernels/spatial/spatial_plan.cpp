@@ -37,10 +37,10 @@ SpatialBlend spatial_blend(float alpha, unsigned largest) {
   if (alpha == 0.5f) return {SpatialBlend::Kind::half, 0};
 
   // In floats, the blend of p and p + d is p + alpha x d but for four errors: 1 - alpha rounds by up to
-  // 2^-25, which p scales up; the products and the sum, all below 2^15, round by up to 2^-10 each. Together
-  // they are at most 2^-8. So where alpha x d stays farther than that from every half, rounding it alone is
-  // exact. The sweep over all d works in units of 2^-32 (with twice the margin) and checks the multiplier
-  // too.
+  // 2^-25, which p scales up; the products and the sum, all below 2^15, round by up to 2^-10 each.
+  // Together they are at most 2^-8. So where alpha x d stays farther than that from every half, rounding
+  // it alone is exact. The sweep over all d works in units of 2^-32 (with twice the margin) and checks
+  // the multiplier too.
   const SpatialBlend floating = {SpatialBlend::Kind::floating, 0};
   if (largest > 4096) return floating;
   const std::int64_t half = std::int64_t{1} << 31;

@@ -41,8 +41,8 @@ void with_bounds(const SpatialBounds& inclusive, const SpatialBounds& exclusive,
 }
 
 /// @return false when these parameters are left to the plain form
-bool filter(std::uint16_t* pixels, std::size_t width, std::size_t height, const SpatialParameters& parameters,
-            bool horizontally, bool vertically) {
+bool filter(std::uint16_t* pixels, std::size_t width, std::size_t height,
+            const SpatialParameters& parameters, bool horizontally, bool vertically) {
   const SpatialBounds inclusive =
       spatial_bounds(parameters.thresholds, Threshold::inclusive, SmallTable::capacity);
   const SpatialBounds exclusive =
@@ -58,7 +58,8 @@ bool filter(std::uint16_t* pixels, std::size_t width, std::size_t height, const 
         const U16 radius = U16::splat(parameters.radius);
         const Horizontal<Across> horizontal = {pixels, width, height, {across, blend, radius}};
         const Vertical<Along> vertical = {pixels, width, height, {along, blend, radius}};
-        // The downward pass follows the horizontal ones strip by strip, while the strips are in the cache.
+        // The downward pass follows the horizontal ones strip by strip, while the strips are in the
+        // cache.
         std::size_t done = 0;
         while (horizontally) {
           const std::size_t end = horizontal.filter_from(done);

@@ -18,7 +18,8 @@ float blend(float previous, float current, float weight) {
 #endif
 }
 
-std::uint16_t smooth_pixel(std::uint16_t current, std::uint16_t previous, float diff_scale, float weight) {
+std::uint16_t smooth_pixel(std::uint16_t current, std::uint16_t previous, float diff_scale,
+                           float weight) {
   const float c = current;
   const float p = previous;
   if (!(p > 0 && c > 0 && std::fabs(c - p) < std::min(p, c) * diff_scale)) return current;
