@@ -12,13 +12,14 @@
 FILTERPROCESSOR_BEGIN_C
 
 /**
- * Blends every pixel c of a frame with the last output p at its place, in place, and remembers the result.
+ * Blends every pixel c of a frame with the last output p at its place, in place, and remembers the
+ * result.
  *
  * Where both are non-zero and |c - p| < min(p, c) x `diff_scale`, the result is p x (1 - `weight`) + c x
- * `weight`, truncated; elsewhere it is c. `depth` and `history` both receive it. All arithmetic is in 32-bit
- * floats with every operation rounded, save that 64-bit Arm adds c x `weight` unrounded. A blend that leaves
- * the range of a pixel, which takes a `weight` outside 0..1, gives 0 when negative or not a number and
- * otherwise the low 16 bits of the integer, at most 2^31 - 1.
+ * `weight`, truncated; elsewhere it is c. `depth` and `history` both receive it. All arithmetic is in
+ * 32-bit floats with every operation rounded, save that 64-bit Arm adds c x `weight` unrounded. A blend
+ * that leaves the range of a pixel, which takes a `weight` outside 0..1, gives 0 when negative or not a
+ * number and otherwise the low 16 bits of the integer, at most 2^31 - 1.
  *
  * @param depth       `width` x `height` pixels; 0 is invalid
  * @param width       pixels in a row; below 1: nothing to do

@@ -18,10 +18,16 @@ namespace {
 constexpr std::size_t kLanes = U16::lanes;
 constexpr std::size_t kGroup = kSpatialGroup;
 
+/// A constant that a lambda can take for an index.
+template <std::size_t value>
+struct Index {
+  constexpr operator std::size_t() const { return value; }
+};
+
 /// Calls use with 0 .. count - 1, unrolled: what is indexed by them can live in registers.
 template <std::size_t... index, typename Use>
-[[gnu::always_inline]] inline void repeat(std::index_sequence<index...>, Use use) {
-  (use(std::integral_constant<std::size_t, index>()), ...);
+[[gnu::always_inline]] inline void repeat(std::index_sequence<index...> /*indices*/, Use use) {
+  (use(Index<index>()), ...);
 }
 template <std::size_t count, typename Use>
 [[gnu::always_inline]] inline void repeat(Use use) {
@@ -83,8 +89,7 @@ struct Strip {
 /// The horizontal passes.
 template <typename Step>
 struct Horizontal {
-  // A step waits for the one before it, so two strips go side by side. Three would leave the nearest
-  // caches.
+  // A step waits for the one before it, so two strips go side by side; more gain nothing.
   static constexpr std::size_t kSideBySide = 2;
 
   std::uint16_t* pixels;
