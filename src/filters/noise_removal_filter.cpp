@@ -6,7 +6,7 @@
 #include "common/saturate.h"
 #include "filterprocessor/speckle.h"
 #include "framework/config_values.h"
-#include "framework/frame_info_print.h"
+#include "framework/frame_info.h"
 #include "framework/frame_process.h"
 
 namespace filterprocessor {
@@ -88,9 +88,7 @@ zv_frame_t* NoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_error
     current_frame_info.height = height;
     current_frame_info.depth_unit = double{value_scale};
     if (disparity) {
-      current_frame_info.bxf = static_cast<float>(disparity->fx * double{disparity->baseline});
-      current_frame_info.fraction_bit_size =
-          static_cast<std::uint8_t>(available_bits - static_cast<std::uint32_t>(disparity->dispIntPlace));
+      take_geometry(current_frame_info, *disparity, available_bits);
     }
     configure(current_frame_info, host.slot());
     host.test();

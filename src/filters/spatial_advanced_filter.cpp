@@ -6,7 +6,7 @@
 
 #include "filterprocessor/spatial.h"
 #include "framework/config_values.h"
-#include "framework/frame_info_print.h"
+#include "framework/frame_info.h"
 #include "framework/frame_process.h"
 
 namespace filterprocessor {
@@ -71,10 +71,8 @@ zv_frame_t* SpatialAdvancedFilter::filter_process(const zv_frame_t* frame, zv_er
     current_frame_info.width = width;
     current_frame_info.height = height;
     if (disparity) {
-      current_frame_info.bxf = static_cast<float>(double{disparity->baseline} * disparity->fx);
+      take_geometry(current_frame_info, *disparity, available_bits);
       current_frame_info.depth_unit = double{value_scale};
-      current_frame_info.fraction_bit_size =
-          static_cast<std::uint8_t>(available_bits - static_cast<std::uint32_t>(disparity->dispIntPlace));
     }
     configure(host.slot());
     host.test();

@@ -1,11 +1,19 @@
-#ifndef FILTERPROCESSOR_FRAMEWORK_FRAME_INFO_PRINT_H
-#define FILTERPROCESSOR_FRAMEWORK_FRAME_INFO_PRINT_H
+#ifndef FILTERPROCESSOR_FRAMEWORK_FRAME_INFO_H
+#define FILTERPROCESSOR_FRAMEWORK_FRAME_INFO_H
 
 #include <iostream>
 
 #include "framework/priv_filter.h"
 
 namespace filterprocessor {
+
+/// Takes what the profile's disparity parameters and the frame's available bits say.
+inline void take_geometry(IPrivFilter::FrameInfoInner& info, const ZVDisparityParam& params,
+                          std::uint8_t available_bits) {
+  info.bxf = static_cast<float>(params.fx * double{params.baseline});
+  info.fraction_bit_size =
+      static_cast<std::uint8_t>(available_bits - static_cast<std::uint32_t>(params.dispIntPlace));
+}
 
 /// Writes the lines of "current_frame_info: " to standard output. `Bits` is what the fraction bits are
 /// written as: int for a number, unsigned char for one raw character.
