@@ -159,46 +159,6 @@ U16 shifted_right(U16 a) {
 /// The low 14 bits of each lane as a two's-complement number.
 inline U16 sign_extended_14(U16 a) { return {_mm512_srai_epi16(_mm512_slli_epi16(a.v, 2), 2)}; }
 
-/// trunc(numerator / (k + offset)) in 32-bit float, to within the last bits of the quotient.
-/// kWholeOffset: the offset is one that takes() accepts, and the sum costs an operation less.
-template <bool kWholeOffset>
-class QuotientOf {
- public:
-  static constexpr float kBias = 8388608;
-
-  static bool takes(float offset) { return (offset - kBias) + kBias == offset; }
-
-  QuotientOf(float numerator, float offset)
-      : numerator_(_mm512_set1_ps(numerator)),
-        offset_(_mm512_set1_ps(kWholeOffset ? offset - kBias : offset)) {}
-
-  /// The quotients of the flagged lanes, which must lie between 0 and 65535; 0 elsewhere.
-  U16 operator()(U16 k, Mask16 mask) const {
-    // Even and odd lanes become floats by the bias that makes an integer the low bits of a float.
-    const __m512i bias = _mm512_castps_si512(_mm512_set1_ps(kBias));
-    const __m512i even = divide(_mm512_ternarylogic_epi32(k.v, _mm512_set1_epi32(0xffff), bias, 0xea));
-    const __m512i odd = divide(_mm512_shrdi_epi32(k.v, _mm512_set1_epi32(0x4b00), 16));
-    return keep(mask, {_mm512_mask_blend_epi16(0xaaaaaaaa, even, _mm512_slli_epi32(odd, 16))});
-  }
-
- private:
-  __m512i divide(__m512i biased) const {
-    // An estimate of the reciprocal and one Newton step are as good as a rounded division and faster. The
-    // last operation adds the bias again and truncates.
-    const __m512 bias = _mm512_set1_ps(kBias);
-    __m512 divisor = _mm512_castsi512_ps(biased);
-    if constexpr (!kWholeOffset) divisor = _mm512_sub_ps(divisor, bias);
-    divisor = _mm512_add_ps(divisor, offset_);
-    const __m512 estimate = _mm512_rcp14_ps(divisor);
-    const __m512 correction = _mm512_fnmadd_ps(divisor, estimate, _mm512_set1_ps(2.0f));
-    return _mm512_castps_si512(_mm512_fmadd_round_ps(_mm512_mul_ps(estimate, numerator_), correction,
-                                                     bias, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC));
-  }
-
-  __m512 numerator_;
-  __m512 offset_;
-};
-
 struct Mask64 {
   __mmask8 bits;
 
@@ -352,6 +312,43 @@ inline U16 join(PixelF32 first, PixelF32 second) {
   return {_mm512_mask_shuffle_epi8(_mm512_castps_si512(first.v), 0xccccccccccccccccu,
                                    _mm512_castps_si512(second.v), low_word_up)};
 }
+/// trunc(numerator / (k + offset)) in 32-bit float, to within the last bits of the quotient.
+/// kWholeOffset: the offset is one that takes() accepts, and the sum costs an operation less.
+template <bool kWholeOffset>
+class QuotientOf {
+ public:
+  static constexpr float kBias = 8388608;
+
+  static bool takes(float offset) { return (offset - kBias) + kBias == offset; }
+
+  QuotientOf(float numerator, float offset)
+      : numerator_(_mm512_set1_ps(numerator)),
+        offset_(_mm512_set1_ps(kWholeOffset ? offset - kBias : offset)) {}
+
+  /// The quotients of the flagged lanes, which must lie between 0 and 65535; 0 elsewhere.
+  U16 operator()(U16 k, Mask16 mask) const {
+    const PixelHalves halves(k);
+    return keep(mask, join(divide(halves.first), divide(halves.second)));
+  }
+
+ private:
+  PixelF32 divide(PixelF32 biased) const {
+    // An estimate of the reciprocal and one Newton step are as good as a rounded division and faster. The
+    // last operation adds the bias again and truncates.
+    const __m512 bias = _mm512_set1_ps(kBias);
+    __m512 divisor = biased.v;
+    if constexpr (!kWholeOffset) divisor = _mm512_sub_ps(divisor, bias);
+    divisor = _mm512_add_ps(divisor, offset_);
+    const __m512 estimate = _mm512_rcp14_ps(divisor);
+    const __m512 correction = _mm512_fnmadd_ps(divisor, estimate, _mm512_set1_ps(2.0f));
+    return {_mm512_fmadd_round_ps(_mm512_mul_ps(estimate, numerator_), correction, bias,
+                                  _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC)};
+  }
+
+  __m512 numerator_;
+  __m512 offset_;
+};
+
 /// Truncated `a` and `b` (0 up to below 65536) where flagged, the pixels of `otherwise` elsewhere.
 inline U16 truncated_where(Mask32 in_a, F32 a, Mask32 in_b, F32 b, const PixelHalves& otherwise) {
   constexpr int down = _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC;
