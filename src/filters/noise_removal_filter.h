@@ -25,8 +25,7 @@ class FILTERPROCESSOR_API NoiseRemovalFilter : public IPrivFilter {
   /// Whether the configuration was last applied for another kind of frame.
   bool check_frame_info_changed(const FrameInfoInner& info) const;
   /// Computes the working parameters, the work buffer and the table for frames like `info`. A failure is
-  /// stored in
-  /// `*error`, which must not be null, and leaves what was computed before it.
+  /// stored in `*error`, which must not be null, and leaves what was computed before it.
   void updateConfig(const FrameInfoInner& info, zv_error** error);
   /// 0, or 1 when the frame's unit or geometry gives no table.
   int updateDepthDiffLut(const FrameInfoInner& info);

@@ -16,10 +16,11 @@ std::uint16_t number_of(std::size_t code, bool signed_14_bit) {
 
 }  // namespace
 
-DepthConverter::DepthConverter(std::size_t size) : kernels_(&active_kernels()), table_(size) {}
+DepthConverter::DepthConverter(std::size_t size)
+    : kernels_(&active_kernels()), size_(size), table_(kMaxDepthTable) {}
 
 DepthConverter::DepthConverter(const StereoRule& rule, std::size_t size, const KernelSet& kernels)
-    : kernels_(&kernels), table_(size) {
+    : kernels_(&kernels), size_(size), table_(kMaxDepthTable) {
   kernels.depth_table.stereo(rule, table_.data(), size);
   const double offsets = rule.disparity_offset + rule.metadata_offset;
   const double depth_pixels = rule.focal_baseline * rule.unit;
@@ -30,7 +31,7 @@ DepthConverter::DepthConverter(const StereoRule& rule, std::size_t size, const K
 }
 
 DepthConverter::DepthConverter(const MonoRule& rule, std::size_t size, const KernelSet& kernels)
-    : kernels_(&kernels), table_(size) {
+    : kernels_(&kernels), size_(size), table_(kMaxDepthTable) {
   kernels.depth_table.mono(rule, table_.data(), size);
   const double offset = rule.disparity_offset + 1 / rule.slope;
   const double depth_pixels = rule.numerator / rule.slope;
@@ -41,7 +42,7 @@ DepthConverter::DepthConverter(const MonoRule& rule, std::size_t size, const Ker
 }
 
 void DepthConverter::clear_first_entry() {
-  if (table_.empty() || table_[0] == 0) return;
+  if (table_[0] == 0) return;
   table_[0] = 0;
   plain_ = {};
   packed_ = {};
@@ -52,7 +53,7 @@ std::optional<DepthQuotient> DepthConverter::find_quotient(Compute compute, bool
   constexpr double kLargest = 1e30;  // far below what 32-bit float holds; also refuses NaN
   if (!(std::fabs(shape_->numerator) < kLargest) || !(std::fabs(shape_->offset) < kLargest))
     return std::nullopt;
-  const std::size_t codes = std::min(table_.size(), packed ? kPackedCodes : kMaxDepthTable);
+  const std::size_t codes = std::min(size_, packed ? kPackedCodes : kMaxDepthTable);
 
   // The entries other than 0 must be one stretch of numbers with at most one code missing.
   int first = 65536;
@@ -95,7 +96,7 @@ std::optional<DepthQuotient> DepthConverter::find_quotient(Compute compute, bool
       }
       compute(code, depth, kPart, quotient);
       for (std::size_t i = 0; i < kPart; ++i) {
-        const int entry = begin + i < codes ? table_[begin + i] : 0;
+        const int entry = table_[begin + i];
         if (depth[i] != static_cast<std::uint16_t>(packed ? entry << 4 : entry)) return false;
       }
     }
@@ -125,8 +126,7 @@ void DepthConverter::apply(Shortcut& shortcut, bool packed, const std::uint16_t*
   if (shortcut.quotient) {
     compute(source, target, count, *shortcut.quotient);
   } else {
-    (packed ? lookup.packed_codes : lookup.plain_codes)(source, target, count, table_.data(),
-                                                        table_.size());
+    (packed ? lookup.packed_codes : lookup.plain_codes)(source, target, count, table_.data());
   }
 }
 

@@ -22,7 +22,7 @@ class DepthConverter {
   DepthConverter(const StereoRule& rule, std::size_t size, const KernelSet& kernels = active_kernels());
   DepthConverter(const MonoRule& rule, std::size_t size, const KernelSet& kernels = active_kernels());
 
-  std::span<const std::uint16_t> entries() const { return table_; }
+  std::span<const std::uint16_t> entries() const { return {table_.data(), size_}; }
   /// Makes code 0 stand for depth 0.
   void clear_first_entry();
 
@@ -48,14 +48,15 @@ class DepthConverter {
     int uses = 0;
     std::optional<DepthQuotient> quotient;
   };
-  using Compute = decltype(DepthLookupKernels::plain_quotient);
+  using Compute = DepthLookupKernels::Compute*;
 
   std::optional<DepthQuotient> find_quotient(Compute compute, bool packed) const;
   void apply(Shortcut& shortcut, bool packed, const std::uint16_t* source, std::uint16_t* target,
              std::size_t count);
 
   const KernelSet* kernels_;
-  std::vector<std::uint16_t> table_;
+  std::size_t size_;
+  std::vector<std::uint16_t> table_;  ///< padded, so that every code of 16 bits has an entry
   std::optional<Shape> shape_;
   Shortcut plain_;
   Shortcut packed_;

@@ -22,19 +22,18 @@ struct DepthQuotient {
 };
 
 /// Conversion of codes to depth at one level. `source` and `target` hold `count` pixels and do not
-/// overlap.
+/// overlap. `table` has an entry for each of the 65536 codes, 0 for those that the camera does not have.
 struct DepthLookupKernels {
-  /// target = table[code]; codes past the table give 0.
-  void (*plain_codes)(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
-                      const std::uint16_t* table, std::size_t size);
-  /// The code stands in the high 12 bits and the low 4 are carried through.
-  void (*packed_codes)(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
-                       const std::uint16_t* table, std::size_t size);
+  using Load = void(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
+                    const std::uint16_t* table);
+  using Compute = void(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
+                       const DepthQuotient& quotient);
+
+  Load* plain_codes;   ///< target = table[code]
+  Load* packed_codes;  ///< the code stands in the high 12 bits and the low 4 are carried through
   /// The same by a quotient; null at levels that have no way to do it faster.
-  void (*plain_quotient)(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
-                         const DepthQuotient& quotient);
-  void (*packed_quotient)(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
-                          const DepthQuotient& quotient);
+  Compute* plain_quotient;
+  Compute* packed_quotient;
 };
 
 }  // namespace filterprocessor

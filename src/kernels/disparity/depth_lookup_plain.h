@@ -5,10 +5,7 @@
 
 namespace filterprocessor::plain {
 
-void convert_plain_codes(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
-                         const std::uint16_t* table, std::size_t size);
-void convert_packed_codes(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
-                          const std::uint16_t* table, std::size_t size);
+DepthLookupKernels::Load convert_plain_codes, convert_packed_codes;
 
 inline constexpr DepthLookupKernels depth_lookup = {convert_plain_codes, convert_packed_codes, nullptr,
                                                     nullptr};

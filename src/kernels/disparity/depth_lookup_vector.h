@@ -6,10 +6,7 @@
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
-void convert_plain_quotient(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
-                            const DepthQuotient& quotient);
-void convert_packed_quotient(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
-                             const DepthQuotient& quotient);
+DepthLookupKernels::Compute convert_plain_quotient, convert_packed_quotient;
 
 /// Gathers are no faster than scalar loads, so tables are read by the plain form.
 inline constexpr DepthLookupKernels depth_lookup = {plain::convert_plain_codes,

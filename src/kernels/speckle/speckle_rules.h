@@ -46,7 +46,6 @@ class RegionLimit {
     const std::size_t last = limit_.map_cols * limit_.map_rows - 1;
     return limit_.map[cell < last ? cell : last];
   }
-  bool mapped() const { return limit_.map != nullptr; }
 
  private:
   SpeckleLimit limit_;
