@@ -21,7 +21,7 @@ struct zv_stream_profile_t {
   zv_stream_profile_t& operator=(const zv_stream_profile_t&) = delete;
   ~zv_stream_profile_t();
 
-  devhost::ProfileSpec spec;
+  devhost::ProfileSpec traits;
   mutable std::atomic<long> references{1};
 };
 
@@ -33,7 +33,7 @@ struct zv_frame_t {
 
   void copy_info(const zv_frame_t& from);
 
-  devhost::FrameSpec spec;  // without the pixels
+  devhost::FrameSpec traits;  // without the pixels
   std::vector<unsigned char> data;
   devhost::Profile profile;
   devhost::Frame depth;  // of a set
@@ -125,16 +125,16 @@ Object* share(const Object* object) {
 
 template <typename Object, typename Value, typename Spec>
 Value read(const char* function, const Object* object, zv_error** error, Value Spec::*field) {
-  return Call(function, error).needs(object, "object") ? object->spec.*field : Value{};
+  return Call(function, error).needs(object, "object") ? object->traits.*field : Value{};
 }
 
 template <typename Object, typename Value, typename Spec>
 void write(const char* function, Object* object, zv_error** error, Value Spec::*field, Value value) {
-  if (Call(function, error).needs(object, "object")) object->spec.*field = value;
+  if (Call(function, error).needs(object, "object")) object->traits.*field = value;
 }
 
 zv_frame_t* copy_of(const zv_frame_t& other) {
-  Frame frame(new zv_frame_t({.type = other.spec.type}));
+  Frame frame(new zv_frame_t({.type = other.traits.type}));
   frame->copy_info(other);
   frame->data = other.data;
   if (other.depth) frame->depth.reset(copy_of(*other.depth));
@@ -146,13 +146,14 @@ zv_frame_t* copy_of(const zv_frame_t& other) {
 void Release::operator()(zv_frame_t* frame) const { drop(frame); }
 void Release::operator()(zv_stream_profile_t* profile) const { drop(profile); }
 
-Profile make_profile(const ProfileSpec& spec) { return Profile(new zv_stream_profile_t(spec)); }
+Profile make_profile(const ProfileSpec& traits) { return Profile(new zv_stream_profile_t(traits)); }
 
-Frame make_frame(const FrameSpec& spec) {
-  Frame frame(new zv_frame_t(spec));
-  frame->data.resize(spec.pixels.size() * sizeof spec.pixels[0]);
-  if (!spec.pixels.empty()) std::memcpy(frame->data.data(), spec.pixels.data(), frame->data.size());
-  frame->profile = make_profile({spec.format, spec.width, spec.height, spec.intrinsic, spec.disparity});
+Frame make_frame(const FrameSpec& traits) {
+  Frame frame(new zv_frame_t(traits));
+  frame->data.resize(traits.pixels.size() * sizeof traits.pixels[0]);
+  if (!traits.pixels.empty()) std::memcpy(frame->data.data(), traits.pixels.data(), frame->data.size());
+  frame->profile =
+      make_profile({traits.format, traits.width, traits.height, traits.intrinsic, traits.disparity});
   return frame;
 }
 
@@ -163,25 +164,28 @@ Frame make_frame_set(Frame depth) {
 }
 
 Frame depth_frame_of(const zv_frame_t* frame) {
-  if (frame->spec.type == ZV_FRAME_TYPE_SET && frame->depth) frame = frame->depth.get();
+  if (frame->traits.type == ZV_FRAME_TYPE_SET && frame->depth) frame = frame->depth.get();
   return Frame(share(frame));
 }
 
-void attach_profile(zv_frame_t* frame, const ProfileSpec& spec) { frame->profile = make_profile(spec); }
+void attach_profile(zv_frame_t* frame, const ProfileSpec& traits) {
+  frame->profile = make_profile(traits);
+}
 
 FrameSpec inspect(const zv_frame_t* frame) {
-  FrameSpec spec = frame->spec;
-  spec.pixels.resize(frame->data.size() / sizeof spec.pixels[0]);
-  if (!spec.pixels.empty()) std::memcpy(spec.pixels.data(), frame->data.data(), spec.pixels.size() * 2);
+  FrameSpec traits = frame->traits;
+  traits.pixels.resize(frame->data.size() / sizeof traits.pixels[0]);
+  if (!traits.pixels.empty())
+    std::memcpy(traits.pixels.data(), frame->data.data(), traits.pixels.size() * 2);
   if (frame->profile) {
-    spec.disparity = frame->profile->spec.disparity;
-    spec.intrinsic = frame->profile->spec.intrinsic;
+    traits.disparity = frame->profile->traits.disparity;
+    traits.intrinsic = frame->profile->traits.intrinsic;
   }
-  return spec;
+  return traits;
 }
 
 ProfileSpec inspect_profile(const zv_frame_t* frame) {
-  return frame->profile ? frame->profile->spec : ProfileSpec{};
+  return frame->profile ? frame->profile->traits : ProfileSpec{};
 }
 
 LiveObjects live_objects() { return {live_frames, live_profiles}; }
@@ -237,19 +241,21 @@ using devhost::FrameSpec;
 using devhost::ProfileSpec;
 using devhost::share;
 
-zv_stream_profile_t::zv_stream_profile_t(ProfileSpec s) : spec(std::move(s)) { ++devhost::live_profiles; }
+zv_stream_profile_t::zv_stream_profile_t(ProfileSpec s) : traits(std::move(s)) {
+  ++devhost::live_profiles;
+}
 zv_stream_profile_t::~zv_stream_profile_t() { --devhost::live_profiles; }
 
-zv_frame_t::zv_frame_t(devhost::FrameSpec s) : spec(std::move(s)) {
-  spec.pixels.clear();
+zv_frame_t::zv_frame_t(devhost::FrameSpec s) : traits(std::move(s)) {
+  traits.pixels.clear();
   ++devhost::live_frames;
 }
 zv_frame_t::~zv_frame_t() { --devhost::live_frames; }
 
 void zv_frame_t::copy_info(const zv_frame_t& from) {
-  const std::int32_t type = spec.type;
-  spec = from.spec;
-  spec.type = type;
+  const std::int32_t type = traits.type;
+  traits = from.traits;
+  traits.type = type;
   profile.reset(from.profile ? share(from.profile.get()) : nullptr);
 }
 
@@ -297,14 +303,14 @@ void zv_frame_update_data(zv_frame_t* frame, const void* data, uint32_t size, zv
 }
 
 bool zv_frame_has_metadata(const zv_frame_t* frame, int32_t item, zv_error** error) {
-  return Call(__func__, error).needs(frame, "frame") && frame->spec.metadata.contains(item);
+  return Call(__func__, error).needs(frame, "frame") && frame->traits.metadata.contains(item);
 }
 
 int64_t zv_frame_get_metadata_value(const zv_frame_t* frame, int32_t item, zv_error** error) {
   Call call(__func__, error);
   if (!call.needs(frame, "frame")) return 0;
-  const auto found = frame->spec.metadata.find(item);
-  if (found != frame->spec.metadata.end()) return found->second;
+  const auto found = frame->traits.metadata.find(item);
+  if (found != frame->traits.metadata.end()) return found->second;
   call.fail("no such metadata", "item", ZV_EXCEPTION_INVALID_VALUE);
   return 0;
 }
@@ -323,7 +329,7 @@ zv_frame_t* zv_create_frame(int32_t frame_type, int32_t format, uint32_t data_si
 zv_frame_t* zv_create_frame_from_other_frame(const zv_frame_t* other, bool copy_data, zv_error** error) {
   if (!Call(__func__, error).needs(other, "other")) return nullptr;
   if (copy_data) return devhost::copy_of(*other);
-  devhost::Frame frame(new zv_frame_t({.type = other->spec.type}));
+  devhost::Frame frame(new zv_frame_t({.type = other->traits.type}));
   frame->copy_info(*other);
   frame->data.resize(other->data.size(), 0xA5);  // unspecified, and not by chance right
   return frame.release();
@@ -356,8 +362,8 @@ void zv_frame_set_stream_profile(zv_frame_t* frame, const zv_stream_profile_t* p
                                  zv_error** error) {
   if (!Call(__func__, error).needs(frame, "frame").needs(profile, "profile")) return;
   frame->profile.reset(share(profile));
-  frame->spec.width = profile->spec.width;
-  frame->spec.height = profile->spec.height;
+  frame->traits.width = profile->traits.width;
+  frame->traits.height = profile->traits.height;
 }
 
 uint32_t zv_video_frame_get_width(const zv_frame_t* frame, zv_error** error) {
@@ -394,7 +400,7 @@ void zv_depth_frame_set_value_scale(zv_frame_t* frame, float value_scale, zv_err
 
 zv_stream_profile_t* zv_create_stream_profile_from_other_stream_profile(const zv_stream_profile_t* other,
                                                                         zv_error** error) {
-  return Call(__func__, error).needs(other, "other") ? new zv_stream_profile_t(other->spec) : nullptr;
+  return Call(__func__, error).needs(other, "other") ? new zv_stream_profile_t(other->traits) : nullptr;
 }
 
 void zv_delete_stream_profile(const zv_stream_profile_t* profile, zv_error** error) {

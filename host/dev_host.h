@@ -34,7 +34,8 @@ struct ProfileSpec {
   ZVDisparityParam disparity = {};
 };
 
-/// What a frame is made of. Without a profile spec of its own the frame gets one of its size and format.
+/// What a frame is made of. Its profile has the same size and format.
+/// format.
 struct FrameSpec {
   std::int32_t type = ZV_FRAME_TYPE_DEPTH;
   std::int32_t format = 0;
@@ -49,14 +50,14 @@ struct FrameSpec {
   ZVCameraIntrinsic intrinsic = {};        ///< of the profile
 };
 
-Frame make_frame(const FrameSpec& spec);
-Profile make_profile(const ProfileSpec& spec);
+Frame make_frame(const FrameSpec& traits);
+Profile make_profile(const ProfileSpec& traits);
 /// A set holding `depth`, which may be null.
 Frame make_frame_set(Frame depth);
 /// A new reference to the depth frame of a set, or to the frame itself.
 Frame depth_frame_of(const zv_frame_t* frame);
 /// Replaces the frame's profile.
-void attach_profile(zv_frame_t* frame, const ProfileSpec& spec);
+void attach_profile(zv_frame_t* frame, const ProfileSpec& traits);
 
 /// The frame's description and samples.
 FrameSpec inspect(const zv_frame_t* frame);

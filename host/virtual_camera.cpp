@@ -102,25 +102,25 @@ CameraFrame VirtualCamera::frame(unsigned index) const {
     if (z >= kNearest && z <= kFarthest) truth[i] = static_cast<std::uint16_t>(std::lround(z));
   }
 
-  FrameSpec spec;
-  spec.format = config_.format;
-  spec.width = config_.width;
-  spec.height = config_.height;
-  spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
-  spec.bits = config_.bit_size;
-  spec.pixels = std::move(pixels);
-  spec.disparity = parameters_;
+  FrameSpec traits;
+  traits.format = config_.format;
+  traits.width = config_.width;
+  traits.height = config_.height;
+  traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+  traits.bits = config_.bit_size;
+  traits.pixels = std::move(pixels);
+  traits.disparity = parameters_;
   const auto focal_length = static_cast<float>(config_.fx);
-  spec.intrinsic = {focal_length,
-                    focal_length,
-                    static_cast<float>(config_.width - 1) / 2,
-                    static_cast<float>(config_.height - 1) / 2,
-                    static_cast<std::int16_t>(config_.width),
-                    static_cast<std::int16_t>(config_.height)};
+  traits.intrinsic = {focal_length,
+                      focal_length,
+                      static_cast<float>(config_.width - 1) / 2,
+                      static_cast<float>(config_.height - 1) / 2,
+                      static_cast<std::int16_t>(config_.width),
+                      static_cast<std::int16_t>(config_.height)};
   if (config_.disparity_correction) {
-    spec.metadata[ZV_METADATA_DISPARITY_CORRECTION] = *config_.disparity_correction;
+    traits.metadata[ZV_METADATA_DISPARITY_CORRECTION] = *config_.disparity_correction;
   }
-  return {std::move(spec), std::move(truth)};
+  return {std::move(traits), std::move(truth)};
 }
 
 }  // namespace devhost

@@ -15,12 +15,12 @@ namespace {
 
 FrameImage image_of(const zv_frame_t* frame, const std::string& filter) {
   const devhost::Frame depth = devhost::depth_frame_of(frame);
-  devhost::FrameSpec spec = devhost::inspect(depth.get());
-  if (spec.pixels.empty() || spec.pixels.size() != std::size_t{spec.width} * spec.height) {
-    fail_run(concat(filter, " gave a frame of ", spec.width, "x", spec.height, " with ",
-                    spec.pixels.size(), " pixels"));
+  devhost::FrameSpec traits = devhost::inspect(depth.get());
+  if (traits.pixels.empty() || traits.pixels.size() != std::size_t{traits.width} * traits.height) {
+    fail_run(concat(filter, " gave a frame of ", traits.width, "x", traits.height, " with ",
+                    traits.pixels.size(), " pixels"));
   }
-  return FrameImage(std::move(spec));
+  return FrameImage(std::move(traits));
 }
 
 void write_results(const OutputFiles& files, const FrameImage& before, const FrameImage& after) {

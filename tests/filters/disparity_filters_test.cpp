@@ -30,14 +30,14 @@ ZVDisparityParam camera(std::uint8_t pack_mode, bool dual, std::uint8_t bit_size
 
 /// 256 x 256 pixels, one of every value.
 devhost::FrameSpec every_code(const ZVDisparityParam& params) {
-  devhost::FrameSpec spec;
-  spec.width = spec.height = 256;
-  spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
-  spec.bits = params.bitSize;
-  spec.disparity = params;
-  spec.pixels.resize(65536);
-  for (std::size_t i = 0; i < spec.pixels.size(); ++i) spec.pixels[i] = static_cast<std::uint16_t>(i);
-  return spec;
+  devhost::FrameSpec traits;
+  traits.width = traits.height = 256;
+  traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+  traits.bits = params.bitSize;
+  traits.disparity = params;
+  traits.pixels.resize(65536);
+  for (std::size_t i = 0; i < traits.pixels.size(); ++i) traits.pixels[i] = static_cast<std::uint16_t>(i);
+  return traits;
 }
 
 struct Settings {
@@ -104,10 +104,10 @@ void expect_every_code(const char* name, const ZVDisparityParam& params, const S
     if (open_ni) values.insert(values.end(), {"0", "0", "1", "0", "0", "0", "0"});
     ASSERT_EQ(filter.update(values), kNoError);
   }
-  devhost::FrameSpec spec = every_code(params);
-  if (s.packed) spec.format = ZV_FORMAT_PACKED_CODE;
-  if (s.metadata != 0.0f) spec.metadata[32] = static_cast<std::int64_t>(s.metadata);
-  const devhost::Frame frame = devhost::make_frame(spec);
+  devhost::FrameSpec traits = every_code(params);
+  if (s.packed) traits.format = ZV_FORMAT_PACKED_CODE;
+  if (s.metadata != 0.0f) traits.metadata[32] = static_cast<std::int64_t>(s.metadata);
+  const devhost::Frame frame = devhost::make_frame(traits);
   // The third frame is the second that a table serves at the latest, where it may be computed instead of
   // loaded.
   for (int n = 0; n < 3; ++n) {
@@ -158,15 +158,15 @@ TEST(DisparityTables, EqualAnIndependentEvaluationForEveryCode) {
 
 /// One row of pixels.
 devhost::FrameSpec row(const ZVDisparityParam& params, Pixels pixels) {
-  devhost::FrameSpec spec = every_code(params);
-  spec.width = static_cast<std::uint32_t>(pixels.size());
-  spec.height = 1;
-  spec.pixels = std::move(pixels);
-  return spec;
+  devhost::FrameSpec traits = every_code(params);
+  traits.width = static_cast<std::uint32_t>(pixels.size());
+  traits.height = 1;
+  traits.pixels = std::move(pixels);
+  return traits;
 }
 
-Pixels converted(FilterDriver& filter, const devhost::FrameSpec& spec) {
-  const devhost::Frame output = filter.process(devhost::make_frame(spec));
+Pixels converted(FilterDriver& filter, const devhost::FrameSpec& traits) {
+  const devhost::Frame output = filter.process(devhost::make_frame(traits));
   EXPECT_EQ(filter.last_error(), kNoError);
   return output ? devhost::inspect(output.get()).pixels : Pixels{};
 }
@@ -209,7 +209,7 @@ TEST(DisparityTransform, ConvertsTheDepthFrameOfASet) {
 
 TEST(DisparityTransform, IgnoresABadConfigurationInSilence) {
   FilterDriver filter(kTransform);
-  const devhost::FrameSpec spec = row(camera(2, true), kCodes);
+  const devhost::FrameSpec traits = row(camera(2, true), kCodes);
   for (const std::vector<std::string>& values :
        std::vector<std::vector<std::string>>{{"0", "1", "1"},
                                              {"65536", "1", "1"},
@@ -220,95 +220,95 @@ TEST(DisparityTransform, IgnoresABadConfigurationInSilence) {
                                              {"2000", "1", "10.5"},
                                              {"2000", "1", "nan"}}) {
     EXPECT_EQ(filter.update(values), kNoError);
-    EXPECT_EQ(converted(filter, spec), kDepths);
+    EXPECT_EQ(converted(filter, traits), kDepths);
   }
   EXPECT_EQ(filter.update({"2000", "1", "1", "1"}), kBadCount);
   EXPECT_EQ(filter.update({"2000", "1", "0.001"}), kNoError);
   EXPECT_EQ(filter.update({"2000", "1", "10.0"}), kNoError);
-  EXPECT_EQ(converted(filter, spec), (Pixels{0, 148, 74}));
+  EXPECT_EQ(converted(filter, traits), (Pixels{0, 148, 74}));
 }
 
 TEST(DisparityTransform, DropsAChangeOfTheLowerLimitAlone) {
   FilterDriver filter(kTransform);
-  const devhost::FrameSpec spec = row(camera(2, true), kCodes);
+  const devhost::FrameSpec traits = row(camera(2, true), kCodes);
   EXPECT_EQ(filter.update({"5000", "1", "1"}), kNoError);
   EXPECT_EQ(filter.update({"5000", "1000", "1"}), kNoError);
-  EXPECT_EQ(converted(filter, spec), kDepths);
+  EXPECT_EQ(converted(filter, traits), kDepths);
   EXPECT_EQ(filter.update({"5001", "2", "1"}), kNoError);
-  EXPECT_EQ(converted(filter, spec), kDepths) << "not even remembered";
+  EXPECT_EQ(converted(filter, traits), kDepths) << "not even remembered";
   EXPECT_EQ(filter.update({"5000", "1000", "1"}), kNoError);
-  EXPECT_EQ(converted(filter, spec), (Pixels{2973, 1486, 0}));
+  EXPECT_EQ(converted(filter, traits), (Pixels{2973, 1486, 0}));
 }
 
 TEST(DisparityTransform, ANewCorrectionAloneRebuildsNothing) {
   FilterDriver filter(kTransform);
-  devhost::FrameSpec spec = row(camera(2, true), kCodes);
-  EXPECT_EQ(converted(filter, spec), kDepths);
-  spec.metadata[32] = 10;
-  EXPECT_EQ(converted(filter, spec), kDepths);
+  devhost::FrameSpec traits = row(camera(2, true), kCodes);
+  EXPECT_EQ(converted(filter, traits), kDepths);
+  traits.metadata[32] = 10;
+  EXPECT_EQ(converted(filter, traits), kDepths);
   EXPECT_EQ(filter.update({"60000", "1", "1"}), kNoError);
-  EXPECT_EQ(converted(filter, spec), (Pixels{1486, 991, 594})) << "20, 30 and 50 pixels";
+  EXPECT_EQ(converted(filter, traits), (Pixels{1486, 991, 594})) << "20, 30 and 50 pixels";
 }
 
 TEST(DisparityTransform, RebuildsAtEveryFrameWhereAParameterIsNoNumberOrTheBitSizesDiffer) {
   for (const bool nan : {true, false}) {
     FilterDriver filter(kTransform);
-    devhost::FrameSpec spec = row(camera(2, true), kCodes);
-    if (nan) spec.disparity.zpps = std::nan("");
-    if (!nan) spec.disparity.bitSize = 14;
-    EXPECT_EQ(converted(filter, spec), kDepths) << "the frame's 16 bits count";
-    spec.metadata[32] = 10;
-    EXPECT_EQ(converted(filter, spec), (Pixels{1486, 991, 594}));
-    spec.metadata.clear();
-    EXPECT_EQ(converted(filter, spec), kDepths) << "a kept table is the right one";
+    devhost::FrameSpec traits = row(camera(2, true), kCodes);
+    if (nan) traits.disparity.zpps = std::nan("");
+    if (!nan) traits.disparity.bitSize = 14;
+    EXPECT_EQ(converted(filter, traits), kDepths) << "the frame's 16 bits count";
+    traits.metadata[32] = 10;
+    EXPECT_EQ(converted(filter, traits), (Pixels{1486, 991, 594}));
+    traits.metadata.clear();
+    EXPECT_EQ(converted(filter, traits), kDepths) << "a kept table is the right one";
   }
 }
 
 TEST(DisparityTransform, TheProfileIsReadAgainOnlyForANewSizeFormatOrBitSize) {
   FilterDriver filter(kTransform);
-  devhost::FrameSpec spec = row(camera(2, true), kCodes);
-  EXPECT_EQ(converted(filter, spec), kDepths);
-  spec.disparity.baseline *= 2;
-  EXPECT_EQ(converted(filter, spec), kDepths) << "a new baseline alone goes unnoticed";
-  spec.format = 1;
-  EXPECT_EQ(converted(filter, spec), (Pixels{5947, 2973, 1486}));
-  spec.disparity.baseline /= 2;
-  spec.bits = 15;  // read with one fraction bit less
-  EXPECT_EQ(converted(filter, spec), (Pixels{1486, 743, 371}));
+  devhost::FrameSpec traits = row(camera(2, true), kCodes);
+  EXPECT_EQ(converted(filter, traits), kDepths);
+  traits.disparity.baseline *= 2;
+  EXPECT_EQ(converted(filter, traits), kDepths) << "a new baseline alone goes unnoticed";
+  traits.format = 1;
+  EXPECT_EQ(converted(filter, traits), (Pixels{5947, 2973, 1486}));
+  traits.disparity.baseline /= 2;
+  traits.bits = 15;  // read with one fraction bit less
+  EXPECT_EQ(converted(filter, traits), (Pixels{1486, 743, 371}));
 }
 
 TEST(DisparityTransform, AResetTableIsRebuilt) {
   FilterDriver filter(kTransform);
-  const devhost::FrameSpec spec = row(camera(2, true), kCodes);
-  EXPECT_EQ(converted(filter, spec), kDepths);
+  const devhost::FrameSpec traits = row(camera(2, true), kCodes);
+  EXPECT_EQ(converted(filter, traits), kDepths);
   filter.reset();
-  EXPECT_EQ(converted(filter, spec), kDepths);
+  EXPECT_EQ(converted(filter, traits), kDepths);
 }
 
 TEST(DisparityTransform, AnUnknownPackModeFailsOnceAndThenGivesZeros) {
   for (const bool dual : {true, false}) {
     FilterDriver filter(kTransform);
     const char* rule = dual ? "stereo_camera_init_lookup_table" : "mono_camera_init_lookup_table";
-    const devhost::FrameSpec spec = row(camera(dual ? 4 : 3, dual), kCodes);
+    const devhost::FrameSpec traits = row(camera(dual ? 4 : 3, dual), kCodes);
     const devhost::LiveObjects before = devhost::live_objects();
     const std::string printed =
-        FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(spec))); });
+        FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(traits))); });
     EXPECT_EQ(filter.last_error(),
               (ErrorTexts{"Unsupported disparity data pack type error", rule, rule, 4}));
     EXPECT_NE(printed.find(std::string("call: ") + rule + "(" + rule + ")"), std::string::npos);
     EXPECT_EQ(devhost::live_objects().frames, before.frames);
-    EXPECT_EQ(converted(filter, spec), Pixels(3));
+    EXPECT_EQ(converted(filter, traits), Pixels(3));
   }
 }
 
 TEST(DisparityTransform, CodesPastTheTableGiveZero) {
   FilterDriver filter(kTransform);
-  devhost::FrameSpec spec = row(camera(2, true, 12), {160, 4095, 4096, 65535});
-  for (int n = 0; n < 3; ++n) EXPECT_EQ(converted(filter, spec), (Pixels{2973, 116, 0, 0}));
-  spec.disparity.bitSize = spec.bits = 0;
-  EXPECT_EQ(converted(filter, spec), Pixels(4));
-  spec.disparity.bitSize = spec.bits = 200;
-  EXPECT_EQ(converted(filter, spec), Pixels(4));
+  devhost::FrameSpec traits = row(camera(2, true, 12), {160, 4095, 4096, 65535});
+  for (int n = 0; n < 3; ++n) EXPECT_EQ(converted(filter, traits), (Pixels{2973, 116, 0, 0}));
+  traits.disparity.bitSize = traits.bits = 0;
+  EXPECT_EQ(converted(filter, traits), Pixels(4));
+  traits.disparity.bitSize = traits.bits = 200;
+  EXPECT_EQ(converted(filter, traits), Pixels(4));
 }
 
 TEST(DisparityTransform, PrintsTheRecordWithItsBytesRaw) {
@@ -324,9 +324,9 @@ TEST(DisparityTransform, PrintsTheRecordWithItsBytesRaw) {
 
 TEST(DisparityTransform, RefusesFramesShorterThanTheySay) {
   FilterDriver filter(kTransform);
-  devhost::FrameSpec spec = row(camera(2, true), kCodes);
-  spec.height = 2;
-  EXPECT_FALSE(filter.process(devhost::make_frame(spec)));
+  devhost::FrameSpec traits = row(camera(2, true), kCodes);
+  traits.height = 2;
+  EXPECT_FALSE(filter.process(devhost::make_frame(traits)));
   EXPECT_EQ(filter.last_error(), kBadFrame);
 }
 
@@ -350,17 +350,17 @@ ErrorTexts out_of_range(const char* name) {
 
 /// Codes whose depth tells where they stood: column plus 16 times the row, all of them distinct depths.
 devhost::FrameSpec positions(std::uint32_t width, std::uint32_t height) {
-  devhost::FrameSpec spec = every_code(camera(1, true, 16));
-  spec.width = width;
-  spec.height = height;
-  spec.pixels.clear();
+  devhost::FrameSpec traits = every_code(camera(1, true, 16));
+  traits.width = width;
+  traits.height = height;
+  traits.pixels.clear();
   for (std::uint32_t y = 0; y < height; ++y) {
     for (std::uint32_t x = 0; x < width; ++x) {
-      spec.pixels.push_back(static_cast<std::uint16_t>(40000 + 60 * (x + 16 * y)));
+      traits.pixels.push_back(static_cast<std::uint16_t>(40000 + 60 * (x + 16 * y)));
     }
   }
-  spec.intrinsic = {500, 501, 320, 200, 640, 400};
-  return spec;
+  traits.intrinsic = {500, 501, 320, 200, 640, 400};
+  return traits;
 }
 int depth_at(const devhost::FrameSpec& source, std::uint32_t x, std::uint32_t y) {
   if (x >= source.width || y >= source.height) return 0;
@@ -434,16 +434,16 @@ TEST(OpenNIDisparityTransform, RewritesTheIntrinsicsOfTheSampledProfile) {
 
 TEST(OpenNIDisparityTransform, SamplingClearsEntryZeroForGood) {
   FilterDriver filter(kOpenNI);
-  devhost::FrameSpec spec = row(camera(1, true), {0, 30000});
-  spec.disparity.minDisparity = 100;  // code 0 is then a disparity of 228.375 pixels
-  const Pixels whole = converted(filter, spec);
+  devhost::FrameSpec traits = row(camera(1, true), {0, 30000});
+  traits.disparity.minDisparity = 100;  // code 0 is then a disparity of 228.375 pixels
+  const Pixels whole = converted(filter, traits);
   EXPECT_NE(whole[0], 0);
   EXPECT_EQ(filter.update({"10000", "100", "1", "2", "1", "1", "0", "0", "0", "0"}), kNoError);
-  EXPECT_EQ(converted(filter, spec), (Pixels{0, whole[1]}));
+  EXPECT_EQ(converted(filter, traits), (Pixels{0, whole[1]}));
   EXPECT_EQ(filter.update({"10000", "100", "1", "0", "0", "1", "0", "0", "0", "0"}), kNoError);
-  EXPECT_EQ(converted(filter, spec), (Pixels{0, whole[1]})) << "until the next rebuild";
+  EXPECT_EQ(converted(filter, traits), (Pixels{0, whole[1]})) << "until the next rebuild";
   filter.reset();
-  EXPECT_EQ(converted(filter, spec), whole);
+  EXPECT_EQ(converted(filter, traits), whole);
 }
 
 TEST(OpenNIDisparityTransform, KeepsWhatWasCheckedBeforeABadValue) {

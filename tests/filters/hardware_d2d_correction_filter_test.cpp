@@ -9,18 +9,18 @@ using Pixels = std::vector<std::uint16_t>;
 
 /// fx times baseline is 46000, so a correction of 8 gives 5750.
 devhost::FrameSpec corrected(std::int64_t correction, Pixels pixels = {5749, 5750, 5751, 0}) {
-  devhost::FrameSpec spec;
-  spec.width = static_cast<std::uint32_t>(pixels.size());
-  spec.height = 1;
-  spec.pixels = std::move(pixels);
-  spec.metadata[32] = correction;
-  spec.disparity.fx = 920;
-  spec.disparity.baseline = 50;
-  return spec;
+  devhost::FrameSpec traits;
+  traits.width = static_cast<std::uint32_t>(pixels.size());
+  traits.height = 1;
+  traits.pixels = std::move(pixels);
+  traits.metadata[32] = correction;
+  traits.disparity.fx = 920;
+  traits.disparity.baseline = 50;
+  return traits;
 }
 
-Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& spec) {
-  const devhost::Frame output = filter.process(devhost::make_frame(spec));
+Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& traits) {
+  const devhost::Frame output = filter.process(devhost::make_frame(traits));
   EXPECT_EQ(filter.last_error(), kNoError);
   return output ? devhost::inspect(output.get()).pixels : Pixels{};
 }
@@ -39,44 +39,44 @@ TEST(HardwareD2DCorrectionFilter, ClearsTheDepthOfEmptyDisparities) {
 
 TEST(HardwareD2DCorrectionFilter, CopiesFramesThatHaveNothingToCorrect) {
   FilterDriver filter("HardwareD2DCorrectionFilter");
-  devhost::FrameSpec spec = corrected(8);
-  spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
-  EXPECT_EQ(filtered(filter, spec), spec.pixels);
-  EXPECT_EQ(filtered(filter, corrected(0)), spec.pixels);
-  spec = corrected(8);
-  spec.metadata.clear();
-  EXPECT_EQ(filtered(filter, spec), spec.pixels);
+  devhost::FrameSpec traits = corrected(8);
+  traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+  EXPECT_EQ(filtered(filter, traits), traits.pixels);
+  EXPECT_EQ(filtered(filter, corrected(0)), traits.pixels);
+  traits = corrected(8);
+  traits.metadata.clear();
+  EXPECT_EQ(filtered(filter, traits), traits.pixels);
   EXPECT_EQ(filtered(filter, corrected(8)), kCleared);
 }
 
 TEST(HardwareD2DCorrectionFilter, TruncatesTheScaledPixelAndRoundsTheDepth) {
   FilterDriver filter("HardwareD2DCorrectionFilter");
-  devhost::FrameSpec spec = corrected(8, {57499, 57500, 57509, 57510});
-  spec.value_scale = 0.1f;
-  Pixels expected = spec.pixels;
+  devhost::FrameSpec traits = corrected(8, {57499, 57500, 57509, 57510});
+  traits.value_scale = 0.1f;
+  Pixels expected = traits.pixels;
   for (std::uint16_t& p : expected) {
     if (static_cast<int>(0.1f * static_cast<float>(p)) == 5750) p = 0;
   }
-  EXPECT_EQ(filtered(filter, spec), expected);
+  EXPECT_EQ(filtered(filter, traits), expected);
   EXPECT_EQ(expected[2], 0);
-  spec = corrected(2, {1000, 1001, 1000});
-  spec.disparity.fx = 2001;
-  spec.disparity.baseline = 1;
-  spec.format = 3;  // a new profile
-  EXPECT_EQ(filtered(filter, spec), (Pixels{1000, 0, 1000})) << "1000.5 rounds away from zero";
+  traits = corrected(2, {1000, 1001, 1000});
+  traits.disparity.fx = 2001;
+  traits.disparity.baseline = 1;
+  traits.format = 3;  // a new profile
+  EXPECT_EQ(filtered(filter, traits), (Pixels{1000, 0, 1000})) << "1000.5 rounds away from zero";
 }
 
 TEST(HardwareD2DCorrectionFilter, KeepsTheDepthUnderANewProfileUntilTheCorrectionChanges) {
   FilterDriver filter("HardwareD2DCorrectionFilter");
   EXPECT_EQ(filtered(filter, corrected(8)), kCleared);
-  devhost::FrameSpec spec = corrected(8);
-  spec.format = 1;
-  spec.disparity.fx = 919.84;
-  EXPECT_EQ(filtered(filter, spec), kCleared);
-  spec.metadata[32] = 0;
-  EXPECT_EQ(filtered(filter, spec), spec.pixels);
-  spec.metadata[32] = 8;
-  EXPECT_EQ(filtered(filter, spec), (Pixels{0, 5750, 5751, 0}));
+  devhost::FrameSpec traits = corrected(8);
+  traits.format = 1;
+  traits.disparity.fx = 919.84;
+  EXPECT_EQ(filtered(filter, traits), kCleared);
+  traits.metadata[32] = 0;
+  EXPECT_EQ(filtered(filter, traits), traits.pixels);
+  traits.metadata[32] = 8;
+  EXPECT_EQ(filtered(filter, traits), (Pixels{0, 5750, 5751, 0}));
 }
 
 TEST(HardwareD2DCorrectionFilter, ResetForgetsEverythingAndPrintsIt) {

@@ -12,18 +12,18 @@ const ErrorTexts kBadMode = {"invalid hole filling mode params", "update_filter_
 
 /// 8 x 3 pixels: one hole at (1, 1) between 700 above, 900 below and 800 to the left.
 devhost::FrameSpec one_hole() {
-  devhost::FrameSpec spec;
-  spec.width = 8;
-  spec.height = 3;
-  spec.pixels = Pixels(24, 800);
-  spec.pixels[1] = 700;
-  spec.pixels[9] = 0;
-  spec.pixels[17] = 900;
-  return spec;
+  devhost::FrameSpec traits;
+  traits.width = 8;
+  traits.height = 3;
+  traits.pixels = Pixels(24, 800);
+  traits.pixels[1] = 700;
+  traits.pixels[9] = 0;
+  traits.pixels[17] = 900;
+  return traits;
 }
 
-std::uint16_t filled(FilterDriver& filter, const devhost::FrameSpec& spec) {
-  const devhost::Frame output = filter.process(devhost::make_frame(spec));
+std::uint16_t filled(FilterDriver& filter, const devhost::FrameSpec& traits) {
+  const devhost::Frame output = filter.process(devhost::make_frame(traits));
   EXPECT_EQ(filter.last_error(), kNoError);
   return output ? devhost::inspect(output.get()).pixels[9] : std::uint16_t{0};
 }

@@ -14,8 +14,8 @@ struct Scenario {
   std::function<void(devhost::FrameSpec&)> describe;
 };
 
-void disparity(devhost::FrameSpec& spec) { spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY; }
-void corrected(devhost::FrameSpec& spec) { spec.metadata[32] = 4; }
+void disparity(devhost::FrameSpec& traits) { traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY; }
+void corrected(devhost::FrameSpec& traits) { traits.metadata[32] = 4; }
 
 const Scenario kScenarios[] = {
     {"top", "HoleFillingFilter", {}, [](auto&) {}},
@@ -24,19 +24,19 @@ const Scenario kScenarios[] = {
     {"packed, corrected, other bits",
      "DisparityTransform",
      {"5000", "10", "0.5"},
-     [](auto& spec) {
-       disparity(spec);
-       corrected(spec);
-       spec.format = ZV_FORMAT_PACKED_CODE;
-       spec.bits = 12;
+     [](auto& traits) {
+       disparity(traits);
+       corrected(traits);
+       traits.format = ZV_FORMAT_PACKED_CODE;
+       traits.bits = 12;
      }},
     {"one camera",
      "DisparityTransform",
      {},
-     [](auto& spec) {
-       disparity(spec);
-       spec.disparity.isDualCamera = 0;
-       spec.disparity.zpd = 1000;
+     [](auto& traits) {
+       disparity(traits);
+       traits.disparity.isDualCamera = 0;
+       traits.disparity.zpd = 1000;
      }},
     {"plain", "OpenNIDisparityTransform", {}, disparity},
     {"sampled",
@@ -47,30 +47,30 @@ const Scenario kScenarios[] = {
     {"corrected", "HardwareD2DCorrectionFilter", {}, corrected},
     {"depth", "NoiseRemovalFilter", {}, [](auto&) {}},
     {"disparity", "NoiseRemovalFilter", {"10", "16", "40", "24"}, disparity},
-    {"linear depth", "NoiseRemovalFilter", {}, [](auto& spec) { spec.pixel_type = 4; }},
+    {"linear depth", "NoiseRemovalFilter", {}, [](auto& traits) { traits.pixel_type = 4; }},
     {"depth", "SpatialAdvancedFilter", {"2", "0.3", "100", "4"}, [](auto&) {}},
     {"disparity", "SpatialAdvancedFilter", {}, disparity},
-    {"linear depth", "SpatialAdvancedFilter", {}, [](auto& spec) { spec.pixel_type = 4; }},
+    {"linear depth", "SpatialAdvancedFilter", {}, [](auto& traits) { traits.pixel_type = 4; }},
     {"depth", "TemporalFilter", {}, [](auto&) {}},
 };
 
 devhost::Frame make_input(const Scenario& scenario, bool as_set) {
-  devhost::FrameSpec spec;
-  spec.width = 40;
-  spec.height = 24;
-  spec.pixels.resize(40 * 24);
-  for (std::size_t i = 0; i < spec.pixels.size(); ++i) {
-    spec.pixels[i] = static_cast<std::uint16_t>(i % 7 == 0 ? 0 : 1000 + i % 50);
+  devhost::FrameSpec traits;
+  traits.width = 40;
+  traits.height = 24;
+  traits.pixels.resize(40 * 24);
+  for (std::size_t i = 0; i < traits.pixels.size(); ++i) {
+    traits.pixels[i] = static_cast<std::uint16_t>(i % 7 == 0 ? 0 : 1000 + i % 50);
   }
-  spec.disparity.fx = 600;
-  spec.disparity.baseline = 50;
-  spec.disparity.unit = 1;
-  spec.disparity.bitSize = 16;
-  spec.disparity.packMode = 2;
-  spec.disparity.dispIntPlace = 8;
-  spec.disparity.isDualCamera = 1;
-  scenario.describe(spec);
-  devhost::Frame frame = devhost::make_frame(spec);
+  traits.disparity.fx = 600;
+  traits.disparity.baseline = 50;
+  traits.disparity.unit = 1;
+  traits.disparity.bitSize = 16;
+  traits.disparity.packMode = 2;
+  traits.disparity.dispIntPlace = 8;
+  traits.disparity.isDualCamera = 1;
+  scenario.describe(traits);
+  devhost::Frame frame = devhost::make_frame(traits);
   return as_set ? devhost::make_frame_set(std::move(frame)) : std::move(frame);
 }
 
@@ -163,10 +163,10 @@ TEST(EmptyFrames, AreConvertedToEmptyFramesOrRefused) {
   for (const Scenario& scenario : kScenarios) {
     for (const std::size_t bytes : {std::size_t{0}, std::size_t{3}}) {
       FilterDriver filter(scenario.filter);
-      devhost::FrameSpec spec = devhost::inspect(make_input(scenario, false).get());
-      spec.width = spec.height = 0;
-      spec.pixels.resize(bytes);
-      const devhost::Frame input = devhost::make_frame(spec);
+      devhost::FrameSpec traits = devhost::inspect(make_input(scenario, false).get());
+      traits.width = traits.height = 0;
+      traits.pixels.resize(bytes);
+      const devhost::Frame input = devhost::make_frame(traits);
       for (int n = 0; n < 3; ++n) {
         devhost::Frame output;
         FilterDriver::output_of([&] { output = filter.process(input); });

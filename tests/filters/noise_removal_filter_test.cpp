@@ -20,32 +20,32 @@ ErrorTexts invalid(const char* field) { return {"invalid params", "updateConfig"
 const ErrorTexts kKernel = {"noise removal filter error", "filter_process", "NoiseRemovalFilter", 0};
 
 devhost::FrameSpec room(int width, int height) {
-  devhost::FrameSpec spec;
-  spec.width = static_cast<std::uint32_t>(width);
-  spec.height = static_cast<std::uint32_t>(height);
-  spec.pixels = bench::stereo_scene(width, height).pixels;
-  spec.disparity.fx = 800;
-  spec.disparity.baseline = 50;
-  spec.disparity.dispIntPlace = 8;
-  spec.disparity.packMode = 2;
-  spec.disparity.isDualCamera = 1;
-  return spec;
+  devhost::FrameSpec traits;
+  traits.width = static_cast<std::uint32_t>(width);
+  traits.height = static_cast<std::uint32_t>(height);
+  traits.pixels = bench::stereo_scene(width, height).pixels;
+  traits.disparity.fx = 800;
+  traits.disparity.baseline = 50;
+  traits.disparity.dispIntPlace = 8;
+  traits.disparity.packMode = 2;
+  traits.disparity.isDualCamera = 1;
+  return traits;
 }
 
 /// What the kernel makes of the frame with these parameters; a null table means the fixed threshold.
-Pixels despeckled(const devhost::FrameSpec& spec, std::vector<std::uint16_t> table, std::uint8_t shift,
+Pixels despeckled(const devhost::FrameSpec& traits, std::vector<std::uint16_t> table, std::uint8_t shift,
                   int max_diff, int max_size, std::uint16_t invalid_value = 0) {
-  Pixels pixels = spec.pixels;
+  Pixels pixels = traits.pixels;
   std::vector<std::uint8_t> buffer(9 * pixels.size() + 1);
-  depth_api_softfilter(buffer.data(), pixels.data(), nullptr, static_cast<int>(spec.width),
-                       static_cast<int>(spec.height), table.empty() ? nullptr : table.data(), shift,
+  depth_api_softfilter(buffer.data(), pixels.data(), nullptr, static_cast<int>(traits.width),
+                       static_cast<int>(traits.height), table.empty() ? nullptr : table.data(), shift,
                        static_cast<std::uint8_t>(table.size()), max_diff, max_size, 4, 4, invalid_value,
                        1);
   return pixels;
 }
 
-Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& spec) {
-  const devhost::Frame output = filter.process(devhost::make_frame(spec));
+Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& traits) {
+  const devhost::Frame output = filter.process(devhost::make_frame(traits));
   EXPECT_EQ(filter.last_error(), kNoError);
   return output ? devhost::inspect(output.get()).pixels : Pixels{};
 }
@@ -59,11 +59,11 @@ TEST(NoiseRemovalFilter, ScalesTheSizeLimitWithTheAreaOfTheFrame) {
   };
   for (const Case& c : {Case{848, 480, 80}, {424, 240, 20}, {640, 400, 50}, {100, 70, 1}}) {
     FilterDriver filter(kName);
-    const devhost::FrameSpec spec = room(c.width, c.height);
-    const Pixels result = filtered(filter, spec);
-    EXPECT_EQ(result, despeckled(spec, kTable, 9, 0, c.max_size)) << c.width << " x " << c.height;
+    const devhost::FrameSpec traits = room(c.width, c.height);
+    const Pixels result = filtered(filter, traits);
+    EXPECT_EQ(result, despeckled(traits, kTable, 9, 0, c.max_size)) << c.width << " x " << c.height;
     if (c.width > 100) {
-      EXPECT_NE(result, spec.pixels);
+      EXPECT_NE(result, traits.pixels);
     }
   }
   NoiseRemovalFilter filter;
@@ -76,19 +76,20 @@ TEST(NoiseRemovalFilter, ScalesTheSizeLimitWithTheAreaOfTheFrame) {
 
 TEST(NoiseRemovalFilter, RescalesTheDifferenceByFractionBits) {
   FilterDriver filter(kName);
-  devhost::FrameSpec spec = room(424, 240);
-  spec.bits = 12;  // 4 fraction bits: the difference becomes 16, and the table stays
-  EXPECT_EQ(filtered(filter, spec), despeckled(spec, kTable, 9, 0, 20));
-  spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
-  EXPECT_EQ(filtered(filter, spec), despeckled(spec, {}, 0, 16, 20));
-  spec.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
-  EXPECT_EQ(filtered(filter, spec), despeckled(spec, {256, 512, 768, 1024, 1280, 1536, 1792}, 9, 0, 20));
-  spec.pixel_type = 7;  // an empty table: only equal neighbours join
-  EXPECT_EQ(filtered(filter, spec), despeckled(spec, Pixels(7), 9, 0, 20));
+  devhost::FrameSpec traits = room(424, 240);
+  traits.bits = 12;  // 4 fraction bits: the difference becomes 16, and the table stays
+  EXPECT_EQ(filtered(filter, traits), despeckled(traits, kTable, 9, 0, 20));
+  traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+  EXPECT_EQ(filtered(filter, traits), despeckled(traits, {}, 0, 16, 20));
+  traits.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
+  EXPECT_EQ(filtered(filter, traits),
+            despeckled(traits, {256, 512, 768, 1024, 1280, 1536, 1792}, 9, 0, 20));
+  traits.pixel_type = 7;  // an empty table: only equal neighbours join
+  EXPECT_EQ(filtered(filter, traits), despeckled(traits, Pixels(7), 9, 0, 20));
   EXPECT_EQ(filter.update({"80", "10000", "848", "480"}), kNoError);
-  spec.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
-  EXPECT_EQ(filtered(filter, spec),
-            despeckled(spec, {10000, 20000, 30000, 40000, 50000, 60000, 4464}, 9, 0, 20))
+  traits.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
+  EXPECT_EQ(filtered(filter, traits),
+            despeckled(traits, {10000, 20000, 30000, 40000, 50000, 60000, 4464}, 9, 0, 20))
       << "entries keep their low 16 bits";
 }
 
@@ -99,11 +100,11 @@ TEST(NoiseRemovalFilter, KnowsTheInvalidCodeOfEachCamera) {
   };
   for (const Case& c : {Case{1, 2, 0}, {1, 4, 0}, {0, 1, 0}, {0, 4, 65532}, {0, 2, 8192}, {0, 3, 8192}}) {
     FilterDriver filter(kName);
-    devhost::FrameSpec spec = room(120, 80);
-    spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
-    spec.disparity.isDualCamera = c.dual;
-    spec.disparity.packMode = c.mode;
-    EXPECT_EQ(filtered(filter, spec), despeckled(spec, {}, 0, 256, 1, c.invalid_value));
+    devhost::FrameSpec traits = room(120, 80);
+    traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+    traits.disparity.isDualCamera = c.dual;
+    traits.disparity.packMode = c.mode;
+    EXPECT_EQ(filtered(filter, traits), despeckled(traits, {}, 0, 256, 1, c.invalid_value));
   }
 }
 
@@ -137,12 +138,12 @@ TEST(NoiseRemovalFilter, ChecksItsParametersInOrderAndStoresAllOrNone) {
   EXPECT_EQ(filter.update({"1000", "10000", "1281", "1"}), out_of_range("width"));
   EXPECT_EQ(filter.update({"1000", "10000", "1280", "1025"}), out_of_range("height"));
   EXPECT_EQ(filter.update({"1"}), kBadCount);
-  const devhost::FrameSpec spec = room(424, 240);
-  EXPECT_EQ(filtered(filter, spec), despeckled(spec, kTable, 9, 0, 20));
+  const devhost::FrameSpec traits = room(424, 240);
+  EXPECT_EQ(filtered(filter, traits), despeckled(traits, kTable, 9, 0, 20));
   EXPECT_EQ(filter.update({"1000", "128", "1280", "1024"}), kNoError);
-  EXPECT_EQ(filtered(filter, spec), despeckled(spec, {3, 12, 28, 50, 78, 112, 153}, 9, 0, 77));
+  EXPECT_EQ(filtered(filter, traits), despeckled(traits, {3, 12, 28, 50, 78, 112, 153}, 9, 0, 77));
   filter.reset();
-  EXPECT_EQ(filtered(filter, spec), despeckled(spec, kTable, 9, 0, 20));
+  EXPECT_EQ(filtered(filter, traits), despeckled(traits, kTable, 9, 0, 20));
 }
 
 TEST(NoiseRemovalFilter, AFailedConfigurationIsNotRetriedForTheSameKindOfFrame) {
@@ -206,8 +207,8 @@ TEST(NoiseRemovalFilter, CallsTheHostInOrder) {
 
 TEST(NoiseRemovalFilter, PrintsItsStateWithItsBytesRaw) {
   NoiseRemovalFilter filter;
-  devhost::FrameSpec spec = room(424, 240);
-  const devhost::Frame frame = devhost::make_frame(spec);
+  devhost::FrameSpec traits = room(424, 240);
+  const devhost::Frame frame = devhost::make_frame(traits);
   const devhost::Frame output(filter.filter_process(frame.get(), nullptr));
   const std::string expected =
       "anchor_params: \nwidth:    848\nheight:   480\nmax_size: 80\nmin_diff: 256\n"

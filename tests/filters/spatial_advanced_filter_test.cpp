@@ -16,32 +16,32 @@ ErrorTexts out_of_range(const char* name) {
 ErrorTexts invalid(const char* field) { return {"invalid params", "updateConfig", field, 4}; }
 
 devhost::FrameSpec room() {
-  devhost::FrameSpec spec;
-  spec.width = 200;
-  spec.height = 130;
-  spec.pixels = bench::stereo_scene(200, 130).pixels;
-  spec.disparity.fx = 800;
-  spec.disparity.baseline = 50;
-  spec.disparity.dispIntPlace = 8;
-  return spec;
+  devhost::FrameSpec traits;
+  traits.width = 200;
+  traits.height = 130;
+  traits.pixels = bench::stereo_scene(200, 130).pixels;
+  traits.disparity.fx = 800;
+  traits.disparity.baseline = 50;
+  traits.disparity.dispIntPlace = 8;
+  return traits;
 }
 
-Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& spec) {
-  const devhost::Frame output = filter.process(devhost::make_frame(spec));
+Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& traits) {
+  const devhost::Frame output = filter.process(devhost::make_frame(traits));
   EXPECT_EQ(filter.last_error(), kNoError);
   return output ? devhost::inspect(output.get()).pixels : Pixels{};
 }
 
-Pixels smoothed(const devhost::FrameSpec& spec, const std::vector<std::uint16_t>& table,
+Pixels smoothed(const devhost::FrameSpec& traits, const std::vector<std::uint16_t>& table,
                 std::uint8_t shift, int magnitude = 1, float alpha = 0.5f, std::uint8_t radius = 1) {
-  Pixels pixels = spec.pixels;
+  Pixels pixels = traits.pixels;
   depth_api_spatial_filter_origin_lut(pixels.data(), 200, 130, table.data(), shift, 7, magnitude, radius,
                                       1, 1, alpha);
   return pixels;
 }
 
-Pixels smoothed_fixed(const devhost::FrameSpec& spec, float difference) {
-  Pixels pixels = spec.pixels;
+Pixels smoothed_fixed(const devhost::FrameSpec& traits, float difference) {
+  Pixels pixels = traits.pixels;
   depth_api_spatial_filter_origin(pixels.data(), 200, 130, 1, 1, 1, 1, 0.5f, difference);
   return pixels;
 }
@@ -50,64 +50,64 @@ const std::vector<std::uint16_t> kTable = {3, 15, 35, 62, 97, 140, 191};
 
 TEST(SpatialAdvancedFilter, TurnsTheDisparityStepIntoStepsOfDepth) {
   FilterDriver filter(kName);
-  const devhost::FrameSpec spec = room();
-  const Pixels result = filtered(filter, spec);
-  EXPECT_EQ(result, smoothed(spec, kTable, 9));
-  EXPECT_NE(result, spec.pixels);
+  const devhost::FrameSpec traits = room();
+  const Pixels result = filtered(filter, traits);
+  EXPECT_EQ(result, smoothed(traits, kTable, 9));
+  EXPECT_NE(result, traits.pixels);
   EXPECT_EQ(filter.update({"3", "0.3", "160", "4"}), kNoError);
-  EXPECT_EQ(filtered(filter, spec), smoothed(spec, kTable, 9, 3, 0.3f, 4));
+  EXPECT_EQ(filtered(filter, traits), smoothed(traits, kTable, 9, 3, 0.3f, 4));
   filter.reset();
-  EXPECT_EQ(filtered(filter, spec), result);
+  EXPECT_EQ(filtered(filter, traits), result);
 }
 
 TEST(SpatialAdvancedFilter, GoesOverDisparityFramesOnceWithAFixedStep) {
   FilterDriver filter(kName);
-  devhost::FrameSpec spec = room();
-  spec.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
-  spec.value_scale = 0;  // does not matter for disparity
+  devhost::FrameSpec traits = room();
+  traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+  traits.value_scale = 0;  // does not matter for disparity
   EXPECT_EQ(filter.update({"5", "0.5", "160", "1"}), kNoError);
-  EXPECT_EQ(filtered(filter, spec), smoothed_fixed(spec, 160));
-  spec.bits = 12;  // 4 fraction bits
-  EXPECT_EQ(filtered(filter, spec), smoothed_fixed(spec, 10));
+  EXPECT_EQ(filtered(filter, traits), smoothed_fixed(traits, 160));
+  traits.bits = 12;  // 4 fraction bits
+  EXPECT_EQ(filtered(filter, traits), smoothed_fixed(traits, 10));
 }
 
 TEST(SpatialAdvancedFilter, KeepsTheGeometryOfAnEarlierFrameForLinearDepth) {
   FilterDriver filter(kName);
-  devhost::FrameSpec spec = room();
-  spec.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
-  spec.value_scale = 0;  // not read
-  spec.disparity = {};
-  EXPECT_EQ(filtered(filter, spec), smoothed(spec, {160, 320, 480, 640, 800, 960, 1120}, 9));
+  devhost::FrameSpec traits = room();
+  traits.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
+  traits.value_scale = 0;  // not read
+  traits.disparity = {};
+  EXPECT_EQ(filtered(filter, traits), smoothed(traits, {160, 320, 480, 640, 800, 960, 1120}, 9));
   devhost::FrameSpec bad = room();
   bad.value_scale = 0;
   FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
   EXPECT_EQ(filter.last_error(), invalid("frame_info.depth_unit"));
-  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(spec))); });
+  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(traits))); });
   EXPECT_EQ(filter.last_error(), invalid("frame_info.depth_unit")) << "the unit of the frame before";
 }
 
 TEST(SpatialAdvancedFilter, OnlyHolesChangeInFramesOfOtherPixelTypes) {
   FilterDriver filter(kName);
-  devhost::FrameSpec spec = room();
-  spec.pixel_type = 9;
+  devhost::FrameSpec traits = room();
+  traits.pixel_type = 9;
   EXPECT_EQ(filter.update({"1", "0.5", "160", "8"}), kNoError);
-  const Pixels result = filtered(filter, spec);
-  EXPECT_EQ(result, smoothed(spec, Pixels(7), 0, 1, 0.5f, 8));
+  const Pixels result = filtered(filter, traits);
+  EXPECT_EQ(result, smoothed(traits, Pixels(7), 0, 1, 0.5f, 8));
   for (std::size_t i = 0; i < result.size(); ++i) {
-    if (spec.pixels[i] != 0) {
-      ASSERT_EQ(result[i], spec.pixels[i]);
+    if (traits.pixels[i] != 0) {
+      ASSERT_EQ(result[i], traits.pixels[i]);
     }
   }
-  spec.pixel_type = -1;
-  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(spec))); });
+  traits.pixel_type = -1;
+  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(traits))); });
   EXPECT_EQ(filter.last_error(), invalid("frame_info.pixel_type"));
 }
 
 TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
   FilterDriver filter(kName);
-  const devhost::FrameSpec spec = room();
-  const Pixels result = filtered(filter, spec);
-  devhost::FrameSpec bad = spec;
+  const devhost::FrameSpec traits = room();
+  const Pixels result = filtered(filter, traits);
+  devhost::FrameSpec bad = traits;
   bad.disparity.baseline = 0;
   FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
   EXPECT_EQ(filter.last_error(),
@@ -120,11 +120,11 @@ TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
 
 TEST(SpatialAdvancedFilter, FramesWiderThanTheKernelsSizesFail) {
   FilterDriver filter(kName);
-  devhost::FrameSpec spec = room();
-  spec.width = 70000;
-  spec.height = 1;
-  spec.pixels.resize(70000);
-  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(spec))); });
+  devhost::FrameSpec traits = room();
+  traits.width = 70000;
+  traits.height = 1;
+  traits.pixels.resize(70000);
+  FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(traits))); });
   EXPECT_EQ(filter.last_error(),
             (ErrorTexts{"spatial advanced filter error", "filter_process", "SpatialaDvancedFilter", 0}));
 }
@@ -137,15 +137,15 @@ TEST(SpatialAdvancedFilter, ChecksItsParametersInOrderAndStoresAllOrNone) {
   EXPECT_EQ(filter.update({"2", "0.1", "10001", "1"}), out_of_range("disp_diff"));
   EXPECT_EQ(filter.update({"2", "1", "1", "-1"}), out_of_range("radius"));
   EXPECT_EQ(filter.update({"1", "0.5", "160", "1", "1"}), kBadCount);
-  const devhost::FrameSpec spec = room();
-  EXPECT_EQ(filtered(filter, spec), smoothed(spec, kTable, 9));
+  const devhost::FrameSpec traits = room();
+  EXPECT_EQ(filtered(filter, traits), smoothed(traits, kTable, 9));
 }
 
 TEST(SpatialAdvancedFilter, PrintsItsStateInNumbers) {
   SpatialAdvancedFilter filter;
-  devhost::FrameSpec spec = room();
-  spec.bits = 12;
-  const devhost::Frame frame = devhost::make_frame(spec);
+  devhost::FrameSpec traits = room();
+  traits.bits = 12;
+  const devhost::Frame frame = devhost::make_frame(traits);
   const devhost::Frame output(filter.filter_process(frame.get(), nullptr));
   EXPECT_EQ(
       FilterDriver::output_of([&] { filter.print_key_params(); }),

@@ -8,11 +8,11 @@ namespace {
 using Pixels = std::vector<std::uint16_t>;
 
 devhost::FrameSpec row(Pixels pixels) {
-  devhost::FrameSpec spec;
-  spec.width = static_cast<std::uint32_t>(pixels.size());
-  spec.height = 1;
-  spec.pixels = std::move(pixels);
-  return spec;
+  devhost::FrameSpec traits;
+  traits.width = static_cast<std::uint32_t>(pixels.size());
+  traits.height = 1;
+  traits.pixels = std::move(pixels);
+  return traits;
 }
 
 Pixels filtered(FilterDriver& filter, Pixels pixels) {
@@ -65,9 +65,9 @@ TEST(TemporalFilter, StoresTheScaleBeforeItChecksTheWeight) {
 TEST(TemporalFilter, RefusesFramesThatOnlyClaimToBeLarge) {
   FilterDriver filter("TemporalFilter");
   for (const std::uint32_t side : {60000u, 0xffffffffu}) {
-    devhost::FrameSpec spec = row({1000, 1000});
-    spec.width = spec.height = side;
-    EXPECT_FALSE(filter.process(devhost::make_frame(spec)));
+    devhost::FrameSpec traits = row({1000, 1000});
+    traits.width = traits.height = side;
+    EXPECT_FALSE(filter.process(devhost::make_frame(traits)));
     EXPECT_EQ(filter.last_error(), kBadFrame);
   }
   EXPECT_EQ(filtered(filter, {}), Pixels{});

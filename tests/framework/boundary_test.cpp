@@ -8,15 +8,15 @@ namespace filterprocessor {
 namespace {
 
 devhost::FrameSpec small_depth() {
-  devhost::FrameSpec spec;
-  spec.width = 8;
-  spec.height = 4;
-  spec.format = 7;
-  spec.value_scale = 0.5f;
-  spec.metadata = {{3, 33}};
-  spec.pixels.resize(32, 1234);
-  spec.pixels[9] = 0;
-  return spec;
+  devhost::FrameSpec traits;
+  traits.width = 8;
+  traits.height = 4;
+  traits.format = 7;
+  traits.value_scale = 0.5f;
+  traits.metadata = {{3, 33}};
+  traits.pixels.resize(32, 1234);
+  traits.pixels[9] = 0;
+  return traits;
 }
 
 TEST(Registry, ListsNineFiltersAndRefusesOtherIndices) {
@@ -72,17 +72,17 @@ TEST(Boundary, TwoFiltersOfOneIndexAreIndependent) {
 
 TEST(Boundary, TheOutputIsANewFrameOfTheInputsDescription) {
   FilterDriver filter("HoleFillingFilter");
-  const devhost::FrameSpec spec = small_depth();
-  const devhost::Frame frame = devhost::make_frame(spec);
+  const devhost::FrameSpec traits = small_depth();
+  const devhost::Frame frame = devhost::make_frame(traits);
   const devhost::Frame output = filter.process(frame);
   ASSERT_TRUE(output);
   EXPECT_NE(output.get(), frame.get());
-  EXPECT_EQ(devhost::inspect(frame.get()).pixels, spec.pixels) << "the input never changes";
+  EXPECT_EQ(devhost::inspect(frame.get()).pixels, traits.pixels) << "the input never changes";
   const devhost::FrameSpec result = devhost::inspect(output.get());
   EXPECT_EQ(result.type, ZV_FRAME_TYPE_DEPTH);
-  EXPECT_EQ(result.format, spec.format);
-  EXPECT_EQ(result.value_scale, spec.value_scale);
-  EXPECT_EQ(result.metadata, spec.metadata);
+  EXPECT_EQ(result.format, traits.format);
+  EXPECT_EQ(result.value_scale, traits.value_scale);
+  EXPECT_EQ(result.metadata, traits.metadata);
 }
 
 TEST(Boundary, AFrameSetComesBackAsASetHoldingTheNewFrame) {
@@ -102,10 +102,10 @@ TEST(Boundary, FramesThatHoldNoDepthAreRefused) {
   EXPECT_FALSE(filter.process(devhost::make_frame_set(nullptr)));
   EXPECT_EQ(filter.last_error(), kBadFrameType);
   for (const int type : {0, 1, 2, 4, 6, -3}) {
-    devhost::FrameSpec spec = small_depth();
-    spec.type = type;
+    devhost::FrameSpec traits = small_depth();
+    traits.type = type;
     const std::string printed =
-        FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(spec))); });
+        FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(traits))); });
     EXPECT_EQ(filter.last_error(), kBadFrameType);
     EXPECT_EQ(printed, "") << "the filter's own error is not a host error";
   }
@@ -114,12 +114,12 @@ TEST(Boundary, FramesThatHoldNoDepthAreRefused) {
 TEST(Boundary, DataThatDoNotFitTheDescriptionAreRefusedBeforeTheKernel) {
   FilterDriver filter("HoleFillingFilter");
   const devhost::LiveObjects before = devhost::live_objects();
-  devhost::FrameSpec spec = small_depth();
-  spec.pixels.pop_back();
-  EXPECT_FALSE(filter.process(devhost::make_frame(spec)));
+  devhost::FrameSpec traits = small_depth();
+  traits.pixels.pop_back();
+  EXPECT_FALSE(filter.process(devhost::make_frame(traits)));
   EXPECT_EQ(filter.last_error(), kBadFrame);
-  spec.width = spec.height = 0xffffffffu;
-  EXPECT_FALSE(filter.process(devhost::make_frame(spec)));
+  traits.width = traits.height = 0xffffffffu;
+  EXPECT_FALSE(filter.process(devhost::make_frame(traits)));
   EXPECT_EQ(filter.last_error(), kBadFrame);
   devhost::hide_data(true);
   EXPECT_FALSE(filter.process(devhost::make_frame(small_depth())));
@@ -162,10 +162,10 @@ struct CompleteTempFilter1 : TempFilter1 {
 
 TEST(TempFilter1, MakesAFrameLikeAnyFrame) {
   CompleteTempFilter1 filter;
-  devhost::FrameSpec spec = small_depth();
-  spec.type = 1;
+  devhost::FrameSpec traits = small_depth();
+  traits.type = 1;
   zv_error* error = nullptr;
-  const devhost::Frame frame = devhost::make_frame(spec);
+  const devhost::Frame frame = devhost::make_frame(traits);
   const devhost::Frame output(filter.filter_process(frame.get(), &error));
   ASSERT_TRUE(output);
   EXPECT_EQ(devhost::inspect(output.get()).type, 1);

@@ -110,18 +110,18 @@ TEST(VirtualCamera, EveryCodingReadsBackAsTheDepthThatWasMeasured) {
     config.disparity_correction = coding.correction;
     const VirtualCamera camera(config);
     const CameraFrame frame = camera.frame(0);
-    const FrameSpec& spec = frame.disparity;
+    const FrameSpec& traits = frame.disparity;
     SCOPED_TRACE(testing::Message() << "pack mode " << int{coding.pack_mode} << ", dual " << coding.dual
-                                    << ", format " << coding.format << ", bits " << int{spec.bits});
+                                    << ", format " << coding.format << ", bits " << int{traits.bits});
 
-    EXPECT_EQ(spec.bits, spec.disparity.bitSize);
+    EXPECT_EQ(traits.bits, traits.disparity.bitSize);
     EXPECT_EQ(frame.truth, reference.truth);
     EXPECT_LT(median(errors(frame)), 0.02);
-    const std::vector<double> depths = read_depths(spec);
-    const double step = std::ldexp(1.0, spec.disparity.dispIntPlace - spec.bits);
+    const std::vector<double> depths = read_depths(traits);
+    const double step = std::ldexp(1.0, traits.disparity.dispIntPlace - traits.bits);
     int wrong = 0, lost = 0, misread_marks = 0;
     for (std::size_t i = 0; i < depths.size(); ++i) {
-      const bool marked = spec.pixels[i] == camera.invalid_pixel();
+      const bool marked = traits.pixels[i] == camera.invalid_pixel();
       misread_marks += marked && depths[i] != 0;
       // Half a step of this coding and half a step of the finest, 1/256.
       if (depths[i] > 0) wrong += std::abs(fb / depths[i] - fb / expected[i]) > step / 2 + 0.00196;
@@ -292,15 +292,15 @@ TEST(VirtualCamera, OddSizesCarryTheirWholeDescription) {
   config.height = 49;
   config.disparity_correction = -2;
   const VirtualCamera camera(config);
-  const FrameSpec spec = inspect(make_frame(camera.frame(3).disparity).get());
-  EXPECT_EQ(spec.pixels.size(), 131u * 49u);
-  EXPECT_EQ(spec.type, 3);
-  EXPECT_EQ(spec.pixel_type, 2);
-  EXPECT_EQ(spec.metadata.at(32), -2);
-  EXPECT_EQ(spec.intrinsic.width, 131);
-  EXPECT_EQ(spec.intrinsic.cx, 65);
-  EXPECT_DOUBLE_EQ(spec.disparity.fx, 0.7 * 131);
-  EXPECT_GT(std::count_if(spec.pixels.begin(), spec.pixels.end(), [](int p) { return p != 0; }),
+  const FrameSpec traits = inspect(make_frame(camera.frame(3).disparity).get());
+  EXPECT_EQ(traits.pixels.size(), 131u * 49u);
+  EXPECT_EQ(traits.type, 3);
+  EXPECT_EQ(traits.pixel_type, 2);
+  EXPECT_EQ(traits.metadata.at(32), -2);
+  EXPECT_EQ(traits.intrinsic.width, 131);
+  EXPECT_EQ(traits.intrinsic.cx, 65);
+  EXPECT_DOUBLE_EQ(traits.disparity.fx, 0.7 * 131);
+  EXPECT_GT(std::count_if(traits.pixels.begin(), traits.pixels.end(), [](int p) { return p != 0; }),
             131 * 49 / 2);
 
   // More disparities than columns: what is too near for half the width stays unseen.
