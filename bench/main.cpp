@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr const char* kForms[] = {"plain", "avx2", "avx512", "neon", "peer"};
+constexpr const char* kForms[] = {"plain", "avx2", "avx512", "neon", "peer", "libyuv"};
 
 class TableReporter : public benchmark::BenchmarkReporter {
  public:
@@ -63,7 +63,8 @@ class TableReporter : public benchmark::BenchmarkReporter {
       const double time = median(forms[form]);
       std::printf(" | %7.4f (%5.2f)", time, copy > 0 ? time / copy : 0);
       if (form == std::string("plain")) plain = time;
-      if (form != std::string("peer")) best = time;
+      const bool is_peer = form == std::string("peer") || form == std::string("libyuv");
+      if (!is_peer) best = time;
     }
     std::printf(" | %12.1f |\n", best > 0 ? plain / best : 0);
   }
@@ -87,6 +88,7 @@ int main(int argc, char** argv) {
 
   filterprocessor::bench::add_disparity_rows();
   filterprocessor::bench::add_hole_filling_rows();
+  filterprocessor::bench::add_resize_rows();
   filterprocessor::bench::add_smoothing_rows();
   filterprocessor::bench::add_speckle_rows();
 

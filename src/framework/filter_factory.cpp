@@ -1,5 +1,6 @@
 #include "framework/filter_factory.h"
 
+#include "filters/depth_resize.h"
 #include "filters/disparity_transform.h"
 #include "filters/hardware_d2d_correction_filter.h"
 #include "filters/hole_filling_filter.h"
@@ -30,7 +31,7 @@ FilterFactory::FilterFactory()
                {"NoiseRemovalFilter", create<NoiseRemovalFilter>},
                {"SpatialAdvancedFilter", create<SpatialAdvancedFilter>},
                {"TemporalFilter", create<TemporalFilter>},
-               {"DepthResize", not_yet},
+               {"DepthResize", create<DepthResize>},
                {"EdgeNoiseRemovalFilter", not_yet},
                {"HardwareD2DCorrectionFilter", create<HardwareD2DCorrectionFilter>},
                {"OpenNIDisparityTransform", create<OpenNIDisparityTransform>}} {}

@@ -434,6 +434,38 @@ inline U16 increment_where(Mask16 mask, U16 value) { return {_mm256_sub_epi16(va
 /// a < b as signed numbers.
 inline Mask16 below(U16 a, U16 b) { return {_mm256_cmpgt_epi16(b.v, a.v)}; }
 
+/// Picks pixels out of the `reach` from an address on. N is 1, 2 or 4.
+template <int N>
+struct Picker {
+  static constexpr std::size_t lanes = 8;
+  static constexpr std::size_t reach = N * lanes;
+
+  __m128i bytes[N];  ///< which bytes each eight pixels give; at least 128: none
+
+  /// @param positions  `lanes` of them, below `reach`
+  static Picker of(const std::uint16_t* positions) {
+    const __m128i all =
+        _mm_add_epi16(_mm_mullo_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(positions)),
+                                      _mm_set1_epi16(0x0202)),
+                      _mm_set1_epi16(0x0100));
+    Picker picker;
+    for (int i = 0; i < N; ++i) {
+      const __m128i here = _mm_sub_epi8(all, _mm_set1_epi8(static_cast<char>(16 * i)));
+      picker.bytes[i] = _mm_adds_epu8(here, _mm_set1_epi8(0x70));
+    }
+    return picker;
+  }
+  /// Writes `lanes` pixels.
+  void pick(const std::uint16_t* from, std::uint16_t* to) const {
+    __m128i picked = _mm_setzero_si128();
+    for (std::size_t i = 0; i < N; ++i) {
+      const __m128i part = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i * lanes));
+      picked = _mm_or_si128(picked, _mm_shuffle_epi8(part, bytes[i]));
+    }
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), picked);
+  }
+};
+
 }  // namespace filterprocessor::avx2
 
 #endif

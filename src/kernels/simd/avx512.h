@@ -446,6 +446,34 @@ inline U16 increment_where(Mask16 mask, U16 value) {
 /// a < b as signed numbers.
 inline Mask16 below(U16 a, U16 b) { return {_mm512_cmplt_epi16_mask(a.v, b.v)}; }
 
+/// Picks pixels out of the `reach` from an address on. N is 1, 2 or 4.
+template <int N>
+struct Picker {
+  static constexpr std::size_t lanes = 32;
+  static constexpr std::size_t reach = N * lanes;
+
+  __m512i positions;
+
+  /// @param positions  `lanes` of them, below `reach`
+  static Picker of(const std::uint16_t* positions) { return {_mm512_loadu_si512(positions)}; }
+  /// Writes `lanes` pixels.
+  void pick(const std::uint16_t* from, std::uint16_t* to) const {
+    const auto part = [from](std::size_t i) { return _mm512_loadu_si512(from + i * lanes); };
+    __m512i picked;
+    if constexpr (N == 1) {
+      picked = _mm512_permutexvar_epi16(positions, part(0));
+    } else {
+      picked = _mm512_permutex2var_epi16(part(0), positions, part(1));
+    }
+    if constexpr (N == 4) {
+      const __mmask32 upper = _mm512_test_epi16_mask(positions, _mm512_set1_epi16(2 * lanes));
+      const __m512i others = _mm512_permutex2var_epi16(part(2), positions, part(3));
+      picked = _mm512_mask_blend_epi16(upper, picked, others);
+    }
+    _mm512_storeu_si512(to, picked);
+  }
+};
+
 }  // namespace filterprocessor::avx512
 
 #endif

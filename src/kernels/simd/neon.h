@@ -380,6 +380,30 @@ inline U16 increment_where(Mask16 mask, U16 value) { return {vsubq_u16(value.v, 
 /// a < b as unsigned numbers.
 inline Mask16 below(U16 a, U16 b) { return {vcltq_u16(a.v, b.v)}; }
 
+/// Picks pixels out of the `reach` from an address on. N is 1, 2 or 4.
+template <int N>
+struct Picker {
+  static constexpr std::size_t lanes = 8;
+  static constexpr std::size_t reach = N * lanes;
+
+  uint8x16_t bytes;
+
+  /// @param positions  `lanes` of them, below `reach`
+  static Picker of(const std::uint16_t* positions) {
+    const uint16x8_t first = vmulq_n_u16(vld1q_u16(positions), 0x0202);
+    return {vreinterpretq_u8_u16(vaddq_u16(first, vdupq_n_u16(0x0100)))};
+  }
+  /// Writes `lanes` pixels.
+  void pick(const std::uint16_t* from, std::uint16_t* to) const {
+    const auto* source = reinterpret_cast<const std::uint8_t*>(from);
+    uint8x16_t picked;
+    if constexpr (N == 1) picked = vqtbl1q_u8(vld1q_u8(source), bytes);
+    if constexpr (N == 2) picked = vqtbl2q_u8(vld1q_u8_x2(source), bytes);
+    if constexpr (N == 4) picked = vqtbl4q_u8(vld1q_u8_x4(source), bytes);
+    vst1q_u16(to, vreinterpretq_u16_u8(picked));
+  }
+};
+
 }  // namespace filterprocessor::neon
 
 #endif
