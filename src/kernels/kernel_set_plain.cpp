@@ -3,6 +3,7 @@
 #include "kernels/disparity/depth_table_plain.h"
 #include "kernels/hole_filling/hole_filling_plain.h"
 #include "kernels/kernel_set.h"
+#include "kernels/margin/margin_plain.h"
 #include "kernels/spatial/spatial_plain.h"
 #include "kernels/speckle/speckle_plain.h"
 #include "kernels/temporal/temporal_plain.h"
@@ -15,6 +16,7 @@ const KernelSet kernels = {.level = Level::scalar,
                            .depth_table = depth_table,
                            .depth_lookup = depth_lookup,
                            .hole_filling = hole_filling,
+                           .margin = margin,
                            .speckle = speckle,
                            .spatial = spatial,
                            .temporal = temporal};
