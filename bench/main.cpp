@@ -88,6 +88,7 @@ int main(int argc, char** argv) {
 
   filterprocessor::bench::add_disparity_rows();
   filterprocessor::bench::add_hole_filling_rows();
+  filterprocessor::bench::add_margin_rows();
   filterprocessor::bench::add_resize_rows();
   filterprocessor::bench::add_smoothing_rows();
   filterprocessor::bench::add_speckle_rows();

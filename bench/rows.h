@@ -48,6 +48,7 @@ class Row {
 /// Each registers the rows of one kernel family.
 void add_disparity_rows();
 void add_hole_filling_rows();
+void add_margin_rows();
 void add_resize_rows();
 void add_smoothing_rows();
 void add_speckle_rows();

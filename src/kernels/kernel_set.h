@@ -6,6 +6,7 @@
 #include "kernels/disparity/depth_table.h"
 #include "kernels/hole_filling/hole_filling.h"
 #include "kernels/level.h"
+#include "kernels/margin/margin.h"
 #include "kernels/resize/resize.h"
 #include "kernels/spatial/spatial.h"
 #include "kernels/speckle/speckle.h"
@@ -20,6 +21,7 @@ struct KernelSet {
   DepthTableKernels depth_table;
   DepthLookupKernels depth_lookup;
   HoleFillingKernels hole_filling;
+  MarginKernels margin;
   ResizeKernels resize;
   SpeckleKernels speckle;
   SpatialKernels spatial;

@@ -2,6 +2,7 @@
 #include "filterprocessor/filter_processor.h"
 #include "filterprocessor/hole_filling.h"
 #include "filterprocessor/host.h"
+#include "filterprocessor/margin.h"
 #include "filterprocessor/spatial.h"
 #include "filterprocessor/speckle.h"
 #include "filterprocessor/temporal.h"

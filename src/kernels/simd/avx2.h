@@ -244,13 +244,14 @@ inline U16 subtract_saturated(U16 a, U16 b) { return {_mm256_subs_epu16(a.v, b.v
 inline Mask16 equal(U16 a, U16 b) { return {_mm256_cmpeq_epi16(a.v, b.v)}; }
 inline Mask16 differ(U16 a, U16 b) { return ~equal(a, b); }
 
-/// The flags of 64 lanes in order, the first in the lowest bit.
+/// The flags of 32 lanes in order, the first in the lowest bit.
+inline std::uint32_t bits_of(const Mask16 (&masks)[2]) {
+  const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packs_epi16(masks[0].v, masks[1].v), 0xd8);
+  return static_cast<std::uint32_t>(_mm256_movemask_epi8(bytes));
+}
+/// The same for 64 lanes.
 inline std::uint64_t bits_of(const Mask16 (&masks)[4]) {
-  const auto half = [](Mask16 a, Mask16 b) {
-    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packs_epi16(a.v, b.v), 0xd8);
-    return static_cast<std::uint32_t>(_mm256_movemask_epi8(bytes));
-  };
-  return half(masks[0], masks[1]) | std::uint64_t{half(masks[2], masks[3])} << 32;
+  return bits_of({masks[0], masks[1]}) | std::uint64_t{bits_of({masks[2], masks[3]})} << 32;
 }
 /// Writes `base` + the positions of the set bits, ascending, and up to 64 values of no meaning.
 /// @return the number of set bits

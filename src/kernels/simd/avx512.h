@@ -209,6 +209,8 @@ inline Mask16 differ(U16 a, U16 b) { return {_mm512_cmpneq_epi16_mask(a.v, b.v)}
 inline std::uint64_t bits_of(const Mask16 (&masks)[2]) {
   return masks[0].bits | std::uint64_t{masks[1].bits} << 32;
 }
+/// The same for 32 lanes.
+inline std::uint32_t bits_of(const Mask16 (&masks)[1]) { return masks[0].bits; }
 /// Writes `base` + the positions of the set bits, ascending, and up to 64 values of no meaning.
 /// @return the number of set bits
 inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::uint16_t* to) {

@@ -208,16 +208,25 @@ inline U16 subtract_saturated(U16 a, U16 b) { return {vqsubq_u16(a.v, b.v)}; }
 inline Mask16 equal(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
 inline Mask16 differ(U16 a, U16 b) { return ~equal(a, b); }
 
-/// The flags of 64 lanes in order, the first in the lowest bit.
-inline std::uint64_t bits_of(const Mask16 (&masks)[8]) {
+/// The flags of 32 lanes as weights that add up to bytes of bits.
+inline uint8x16_t pairs_of_bits(const Mask16 (&masks)[4]) {
   static constexpr std::uint8_t weights[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
   const uint8x16_t weight = vld1q_u8(weights);
   const auto weighted = [&](Mask16 a, Mask16 b) {
     return vandq_u8(vuzp1q_u8(vreinterpretq_u8_u16(a.v), vreinterpretq_u8_u16(b.v)), weight);
   };
-  const uint8x16_t first = vpaddq_u8(weighted(masks[0], masks[1]), weighted(masks[2], masks[3]));
-  const uint8x16_t second = vpaddq_u8(weighted(masks[4], masks[5]), weighted(masks[6], masks[7]));
-  const uint8x16_t sums = vpaddq_u8(first, second);
+  return vpaddq_u8(weighted(masks[0], masks[1]), weighted(masks[2], masks[3]));
+}
+/// The flags of 32 lanes in order, the first in the lowest bit.
+inline std::uint32_t bits_of(const Mask16 (&masks)[4]) {
+  const uint8x16_t pairs = pairs_of_bits(masks);
+  const uint8x16_t sums = vpaddq_u8(pairs, pairs);
+  return vgetq_lane_u32(vreinterpretq_u32_u8(vpaddq_u8(sums, sums)), 0);
+}
+/// The same for 64 lanes.
+inline std::uint64_t bits_of(const Mask16 (&masks)[8]) {
+  const uint8x16_t sums = vpaddq_u8(pairs_of_bits({masks[0], masks[1], masks[2], masks[3]}),
+                                    pairs_of_bits({masks[4], masks[5], masks[6], masks[7]}));
   return vgetq_lane_u64(vreinterpretq_u64_u8(vpaddq_u8(sums, sums)), 0);
 }
 /// Writes `base` + the positions of the set bits, ascending, and up to 64 values of no meaning.
