@@ -53,6 +53,9 @@ void add_resize_rows();
 void add_smoothing_rows();
 void add_speckle_rows();
 
+/// Measures a chain of filters at the active level and prints a table for each of two sizes.
+void print_chain_tables();
+
 }  // namespace filterprocessor::bench
 
 #endif

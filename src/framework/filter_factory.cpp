@@ -2,6 +2,7 @@
 
 #include "filters/depth_resize.h"
 #include "filters/disparity_transform.h"
+#include "filters/edge_noise_removal_filter.h"
 #include "filters/hardware_d2d_correction_filter.h"
 #include "filters/hole_filling_filter.h"
 #include "filters/noise_removal_filter.h"
@@ -18,8 +19,6 @@ std::shared_ptr<IPrivFilter> create() {
   return std::make_shared<Filter>();
 }
 
-std::shared_ptr<IPrivFilter> not_yet() { return nullptr; }
-
 }  // namespace
 
 std::shared_ptr<FilterFactory> FilterFactory::instance_;
@@ -32,7 +31,7 @@ FilterFactory::FilterFactory()
                {"SpatialAdvancedFilter", create<SpatialAdvancedFilter>},
                {"TemporalFilter", create<TemporalFilter>},
                {"DepthResize", create<DepthResize>},
-               {"EdgeNoiseRemovalFilter", not_yet},
+               {"EdgeNoiseRemovalFilter", create<EdgeNoiseRemovalFilter>},
                {"HardwareD2DCorrectionFilter", create<HardwareD2DCorrectionFilter>},
                {"OpenNIDisparityTransform", create<OpenNIDisparityTransform>}} {}
 

@@ -52,6 +52,9 @@ const Scenario kScenarios[] = {
     {"disparity", "SpatialAdvancedFilter", {}, disparity},
     {"linear depth", "SpatialAdvancedFilter", {}, [](auto& traits) { traits.pixel_type = 4; }},
     {"depth", "TemporalFilter", {}, [](auto&) {}},
+    {"both directions", "EdgeNoiseRemovalFilter", {}, [](auto&) {}},
+    {"rows", "EdgeNoiseRemovalFilter", {"6", "6", "70", "30", "0", "40", "24"}, [](auto&) {}},
+    {"half size", "DepthResize", {"20", "13", "0.5", "0", "0", "1", "0"}, [](auto&) {}},
 };
 
 devhost::Frame make_input(const Scenario& scenario, bool as_set) {

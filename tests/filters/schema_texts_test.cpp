@@ -28,6 +28,22 @@ const std::map<std::string, std::string> kSchemas = {
     {"TemporalFilter",
      "diff_scale, float, 0.1, 1, 0.01, 0.1, difference scale for neighbour frame\n"
      "weight, float, 0.1, 1, 0.01, 0.4, weight for the current frame value"},
+    {"DepthResize",
+     "dst_width, integer, 1, 65535, 1, 1280, target width of depth frame\n"
+     "dst_height, integer, 1, 65535, 1, 720, target height of depth frame\n"
+     "scale, float, 0.01, 50, 0.01, 1, scaling ratio of the target frame to the original frame\n"
+     "ex_left, integer, -640, 640, 1, 0, extension on the left of the frame\n"
+     "ex_right, integer,-640, 640, 1, 0, extension on the right of the frame\n"
+     "ex_top, integer, -400, 400, 1, 0, extension on the top of the frame\n"
+     "ex_bottom, integer, -400, 400, 1, 0, extension on the bottom of the frame"},
+    {"EdgeNoiseRemovalFilter",
+     "margin_x_th, integer, 1, 640, 1, 6, Horizontal threshold settings \n"
+     "margin_y_th, integer, 1, 400, 1, 6, Vertical threshold settings\n"
+     "limit_x_th, integer, 1, 640, 1, 70, Maximum horizontal threshold\n"
+     "limit_y_th, integer, 1, 400, 1, 30, Maximum vertical threshold\n"
+     "enable_vertical_direction, bool, 0, 1, 1, 0, whether vertical threshold is enable or not\n"
+     "width, integer, 1, 1280, 1, 1280, depth map width of the above parameters corresponded\n"
+     "height, integer, 1, 800, 1, 800, depth map height of the above parameters corresponded"},
     {"HardwareD2DCorrectionFilter", ""},
     {"OpenNIDisparityTransform",
      "max_depth, uint32_t, 1, 65535, 1, 10000, value max depth\n"
@@ -48,6 +64,7 @@ const std::map<std::string, std::string> kSchemas = {
 };
 
 TEST(SchemaTexts, StayToTheLetterAndTheirDefaultsAreAccepted) {
+  EXPECT_EQ(std::int32_t(kSchemas.size()), zv_get_filter_count());
   for (const auto& [name, text] : kSchemas) {
     FilterDriver filter(name);
     EXPECT_EQ(filter.schema(), text);
