@@ -86,11 +86,42 @@ struct Strip {
   }
 };
 
+/// Where the transposed blocks of strips wait between the passes: in the image, which takes any width ...
+struct InImage {
+  [[gnu::always_inline]] void put(const Strip& strip, std::size_t /*index*/, std::size_t x,
+                                  const U16 (&block)[kGroup]) const {
+    strip.store(x, block);
+  }
+  [[gnu::always_inline]] void get(const Strip& strip, std::size_t /*index*/, std::size_t x,
+                                  U16 (&block)[kGroup]) const {
+    strip.load(x, block);
+  }
+};
+
+/// ... or beside it, in whole vectors, which is a tenth faster.
+struct OnStack {
+  static constexpr std::size_t kStrips = 2;
+  static constexpr std::size_t kMostColumns = 1280;  // 160 KB with the widest vectors
+
+  alignas(64) std::uint16_t blocks[kStrips * kLanes * kMostColumns];
+
+  [[gnu::always_inline]] void put(const Strip& /*strip*/, std::size_t index, std::size_t x,
+                                  const U16 (&block)[kGroup]) {
+    std::uint16_t* to = blocks + (x * kStrips + index * kGroup) * kLanes;
+    repeat<kGroup>([&](auto c) FILTERPROCESSOR_INLINE { block[c].store(to + c * kLanes); });
+  }
+  [[gnu::always_inline]] void get(const Strip& /*strip*/, std::size_t index, std::size_t x,
+                                  U16 (&block)[kGroup]) const {
+    const std::uint16_t* from = blocks + (x * kStrips + index * kGroup) * kLanes;
+    repeat<kGroup>([&](auto c) FILTERPROCESSOR_INLINE { block[c] = U16::load(from + c * kLanes); });
+  }
+};
+
 /// The horizontal passes.
 template <typename Step>
 struct Horizontal {
   // A step waits for the one before it, so two strips go side by side; more gain nothing.
-  static constexpr std::size_t kSideBySide = 2;
+  static constexpr std::size_t kSideBySide = OnStack::kStrips;
 
   std::uint16_t* pixels;
   std::size_t width, height;
@@ -102,22 +133,23 @@ struct Horizontal {
     const std::size_t rows = width < 2 ? 0 : height / kGroup * kGroup;
     if (first >= rows) return first;
     std::uint16_t* top = pixels + first * width;
-    if (rows - first >= kSideBySide * kLanes) {
-      filter<kSideBySide>(top, Groups(U16::groups, kGroup * width));
+    if (rows - first >= kSideBySide * kLanes && width <= OnStack::kMostColumns) {
+      filter<kSideBySide, OnStack>(top, Groups(U16::groups, kGroup * width));
       return first + kSideBySide * kLanes;
     }
     const std::size_t end = rows - first < kLanes ? rows : first + kLanes;
-    filter<1>(top, Groups((end - first) / kGroup, kGroup * width));
+    filter<1, InImage>(top, Groups((end - first) / kGroup, kGroup * width));
     return end;
   }
 
  private:
   /// Both horizontal passes over kStrips strips side by side. On the way to the right blocks of eight
-  /// columns are transposed and put back as they are; on the way to the left they are transposed again.
-  template <std::size_t kStrips>
+  /// columns are transposed and put away as they are; on the way to the left they are transposed again.
+  template <std::size_t kStrips, typename Waiting>
   [[gnu::noinline]] void filter(std::uint16_t* rows, Groups groups) const {
     typename Step::State states[kStrips];
     U16 blocks[kStrips][kGroup];
+    Waiting waiting;
     const auto strip = [&](std::size_t s) { return Strip{rows + s * kLanes * width, width, groups}; };
     const std::size_t last = (width - 1) / kGroup * kGroup;
     for (std::size_t x = 0; x < last; x += kGroup) {
@@ -129,12 +161,12 @@ struct Horizontal {
         repeat<kStrips>([&](auto s)
                             FILTERPROCESSOR_INLINE { blocks[s][c] = step(states[s], blocks[s][c]); });
       });
-      repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { strip(s).store(x, blocks[s]); });
+      repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { waiting.put(strip(s), s, x, blocks[s]); });
     }
     for (std::size_t s = 0; s < kStrips; ++s) states[s] = turn(strip(s), last, states[s]);
     for (std::size_t x = last; x != 0;) {
       x -= kGroup;
-      repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { strip(s).load(x, blocks[s]); });
+      repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { waiting.get(strip(s), s, x, blocks[s]); });
       repeat<kGroup>([&](auto i) FILTERPROCESSOR_INLINE {
         constexpr std::size_t c = kGroup - 1 - i;
         repeat<kStrips>([&](auto s)
