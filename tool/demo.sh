@@ -8,13 +8,15 @@ if [ $# -ne 2 ]; then
 fi
 tool=$1 folder=$2 frames=30
 
-echo "A virtual stereo camera, $frames frames of 640x400: disparity becomes depth, speckles go, space and time"
-echo "are smoothed, holes are filled. The true depth is known, so each step shows what it does to the error."
+echo "A virtual stereo camera, $frames frames of 640x400: disparity becomes depth, speckles and noisy edges go, space and"
+echo "time are smoothed, holes are filled, the image is halved. The true depth is known, so each step but the last, which"
+echo "changes the size, shows what it does to the error."
 echo
-"$tool" run -f DisparityTransform: -f NoiseRemovalFilter:min_diff=64 -f SpatialAdvancedFilter: \
-  -f TemporalFilter: -f HoleFillingFilter:hole_filling_mode=1 \
+"$tool" run -f DisparityTransform: -f NoiseRemovalFilter:min_diff=64 -f EdgeNoiseRemovalFilter:enable_vertical_direction=1 \
+  -f SpatialAdvancedFilter: -f TemporalFilter: -f HoleFillingFilter:hole_filling_mode=1 \
+  -f DepthResize:dst_width=320,dst_height=200,scale=0.5 \
   "camera:frames=$frames,size=640x400" -o "$folder" --preview
 echo
-echo "Pictures: disparity on the left, filtered depth on the right, near in blue and far in red, each in its own range:"
+echo "Pictures: disparity on the left, half-size depth on the right, near in blue and far in red, each in its own range:"
 echo "  $folder/disparity_0000_preview.png to $folder/disparity_$(printf %04d $((frames - 1)))_preview.png"
 echo "The depth images themselves (16 bits, millimetres) lie beside them without \"_preview\"."

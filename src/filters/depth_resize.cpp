@@ -80,9 +80,7 @@ zv_frame_t* DepthResize::filter_process(const zv_frame_t* frame, zv_error** erro
       host.fail_kernel(std::move(output), "depth resize error", "DepthResize");
     }
 
-    ProfileHandle taken = host.profile_of(depth);
-    ProfileHandle profile = host.create_like(taken.get());
-    host.release(std::move(taken));
+    ProfileHandle profile = host.copy_profile_of(depth);
     host.set_size_and_attach(std::move(profile), static_cast<std::uint32_t>(target.width),
                              static_cast<std::uint32_t>(target.height), output.get());
     host.call(zv_frame_update_data, output.get(), static_cast<const void*>(pixels), size);

@@ -116,9 +116,7 @@ zv_frame_t* OpenNIDisparityTransform::convert_sampled(const FrameProcess& host, 
   match_bit_size(host, bits);
   if (!sample(target, source, width, height, pixels)) fail_sampling();
 
-  ProfileHandle taken = host.profile_of(depth);
-  ProfileHandle profile = host.create_like(taken.get());
-  host.release(std::move(taken));
+  ProfileHandle profile = host.copy_profile_of(depth);
   ZVCameraIntrinsic intrinsic = host.call(zv_video_stream_profile_get_intrinsic,
                                           static_cast<const zv_stream_profile_t*>(profile.get()));
   intrinsic.cx -= principal_point_shift(target.target_width, target.target_height);

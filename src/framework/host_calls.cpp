@@ -23,9 +23,11 @@ ProfileHandle HostCalls::profile_of(const zv_frame_t* frame) const {
   return profile;
 }
 
-ProfileHandle HostCalls::create_like(const zv_stream_profile_t* other) const {
-  ProfileHandle profile(zv_create_stream_profile_from_other_stream_profile(other, slot_));
+ProfileHandle HostCalls::copy_profile_of(const zv_frame_t* frame) const {
+  ProfileHandle taken = profile_of(frame);
+  ProfileHandle profile(zv_create_stream_profile_from_other_stream_profile(taken.get(), slot_));
   test();
+  release(std::move(taken));
   return profile;
 }
 

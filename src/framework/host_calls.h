@@ -51,8 +51,8 @@ class HostCalls {
   FrameHandle create_frame(std::int32_t frame_type, std::int32_t format, std::uint32_t data_size) const;
   /// A reference to the frame's profile.
   ProfileHandle profile_of(const zv_frame_t* frame) const;
-  /// A new profile like `other`.
-  ProfileHandle create_like(const zv_stream_profile_t* other) const;
+  /// A new profile like the frame's.
+  ProfileHandle copy_profile_of(const zv_frame_t* frame) const;
 
   /// Gives a reference back as a host call like any other. The reference is gone even if that fails.
   void release(FrameHandle frame) const { call(zv_delete_frame, frame.release()); }
