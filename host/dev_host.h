@@ -82,12 +82,14 @@ void start_call_log();
 std::vector<std::string> stop_call_log();
 
 /// Makes the `occurrence`-th call (1 is the next) of a function fail with "injected fault", exception
-/// type 7. One fault is armed at a time.
+/// type 7. One fault is armed at a time. An empty name stands for every function.
 void fail_call(std::string_view function, int occurrence);
 /// Disarms the fault. Returns whether it happened.
 bool clear_fault();
 /// Makes every frame report a null data pointer.
 void hide_data(bool hidden);
+/// Makes zv_create_frame() refuse frames of more bytes.
+void refuse_frames_above(std::uint32_t bytes);
 
 }  // namespace devhost
 

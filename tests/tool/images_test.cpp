@@ -76,6 +76,14 @@ TEST(Png, RefusesColourAndDamage) {
   EXPECT_MENTIONS(refusal("png", bytes_of("P5 1 1 65535 ab")), "is no PNG file");
 }
 
+TEST(Png, ReadsWhatCompressesBestAndRefusesWhatNoFileOfItsSizeHolds) {
+  const Image empty = make_image(4000, 500);
+  const Bytes file = encode_png(empty);
+  EXPECT_EQ(decode_png(file, kNoSize), empty) << "from " << file.size() << " bytes";
+  const Bytes start(file.begin(), file.begin() + 60);
+  EXPECT_MENTIONS(refusal("png", start), "60 bytes cannot hold 4000x500 pixels");
+}
+
 TEST(Pgm, ReadsCommentsAndBigEndianSamples) {
   const Image image =
       decode_pgm(bytes_of("P5# one\n# two 9 9\r 2\t1 # three\n1000\n\x01\x02\x03\x04"), kNoSize);

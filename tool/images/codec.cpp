@@ -4,15 +4,24 @@
 
 namespace zvfilter {
 
-Image make_image(std::uint64_t width, std::uint64_t height) {
+namespace {
+
+/// @throws BadImage
+std::size_t count_pixels(std::uint64_t width, std::uint64_t height) {
   constexpr std::uint64_t most = std::uint64_t{1} << 28;
   if (width == 0 || height == 0) throw BadImage(concat("has no pixels (", width, "x", height, ")"));
   if (width > most || height > most || width * height > most) {
     throw BadImage(concat("claims ", width, "x", height, " pixels; at most ", most, " are read"));
   }
-  Image image{static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), {}};
-  image.pixels.resize(static_cast<std::size_t>(width * height));
-  return image;
+  return static_cast<std::size_t>(width * height);
+}
+
+}  // namespace
+
+Image make_image(std::uint64_t width, std::uint64_t height) {
+  const std::size_t count = count_pixels(width, height);
+  return {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
+          std::vector<std::uint16_t>(count)};
 }
 
 const std::vector<Codec>& codecs() {
@@ -42,17 +51,18 @@ const Codec* codec_of_extension(std::string_view extension) {
   return nullptr;
 }
 
-void read_samples(ByteView bytes, ByteOrder order, Image& image) {
-  const std::size_t expected = 2 * image.pixels.size();
+Image read_samples(ByteView bytes, ByteOrder order, std::uint64_t width, std::uint64_t height) {
+  const std::size_t expected = 2 * count_pixels(width, height);
   if (bytes.size() != expected) {
     throw BadImage(concat(bytes.size() < expected ? "is truncated: " : "is too long: ", bytes.size(),
-                          " bytes of pixels, expected ", expected, " for ", image.width, "x",
-                          image.height));
+                          " bytes of pixels, expected ", expected, " for ", width, "x", height));
   }
+  Image image = make_image(width, height);
   const std::size_t low = order == ByteOrder::little ? 0 : 1;
   for (std::size_t i = 0; i < image.pixels.size(); ++i) {
     image.pixels[i] = static_cast<std::uint16_t>(bytes[2 * i + low] | bytes[2 * i + 1 - low] << 8);
   }
+  return image;
 }
 
 void append_samples(const Image& image, ByteOrder order, Bytes& bytes) {

@@ -67,9 +67,9 @@ Image decode_raw(ByteView file, const Size& size);
 Bytes encode_raw(const Image& image);
 
 enum class ByteOrder { little, big };
-/// Fills the image from exactly as many bytes as it has.
-/// @throws BadImage naming the number of bytes found and expected
-void read_samples(ByteView bytes, ByteOrder order, Image& image);
+/// The image of exactly these bytes.
+/// @throws BadImage as make_image(), or naming the number of bytes found and expected
+Image read_samples(ByteView bytes, ByteOrder order, std::uint64_t width, std::uint64_t height);
 void append_samples(const Image& image, ByteOrder order, Bytes& bytes);
 
 }  // namespace zvfilter

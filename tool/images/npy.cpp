@@ -152,9 +152,8 @@ Image decode_npy(ByteView file, const Size&) {
   if (header.shape.size() != 2) {
     throw BadImage("has the shape " + shape_text(header.shape) + "; expected (height, width)");
   }
-  Image image = make_image(header.shape[1], header.shape[0]);
-  read_samples(file, header.type == "<u2" ? ByteOrder::little : ByteOrder::big, image);
-  return image;
+  return read_samples(file, header.type == "<u2" ? ByteOrder::little : ByteOrder::big, header.shape[1],
+                      header.shape[0]);
 }
 
 Bytes encode_npy(const Image& image) {

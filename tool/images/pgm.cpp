@@ -56,9 +56,7 @@ Image decode_pgm(ByteView file, const Size&) {
   if (most < 256)
     throw BadImage(concat("is 8-bit (maximum value ", most, "); expected a 16-bit PGM file"));
   if (most > 65535) throw BadImage(concat("has the maximum value ", most, "; expected at most 65535"));
-  const ByteView samples = header.samples();
-  Image image = make_image(width, height);
-  read_samples(samples, ByteOrder::big, image);
+  Image image = read_samples(header.samples(), ByteOrder::big, width, height);
   const std::uint16_t largest = *std::max_element(image.pixels.begin(), image.pixels.end());
   if (largest > most)
     throw BadImage(concat("has a pixel of ", largest, " above its maximum value ", most));

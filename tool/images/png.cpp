@@ -161,8 +161,14 @@ Image decode_png(ByteView file, const Size&) {
     throw BadImage(
         concat("is ", depth, "-bit ", color_name(color), "; expected a 16-bit grayscale PNG file"));
   }
-  Image image = make_image(png_get_image_width(reader.png, reader.info),
-                           png_get_image_height(reader.png, reader.info));
+  const std::uint32_t width = png_get_image_width(reader.png, reader.info);
+  const std::uint32_t height = png_get_image_height(reader.png, reader.info);
+  constexpr std::size_t kMostPerByte = 1032;  // what a compressed byte can stand for
+  if (std::uint64_t{2} * width * height / kMostPerByte > file.size()) {
+    throw BadImage(
+        concat("is truncated: ", file.size(), " bytes cannot hold ", width, "x", height, " pixels"));
+  }
+  Image image = make_image(width, height);
   std::vector<png_bytep> rows(image.height);
   for (std::size_t y = 0; y < rows.size(); ++y) {
     rows[y] = reinterpret_cast<png_bytep>(image.pixels.data() + y * image.width);

@@ -4,9 +4,7 @@
 namespace zvfilter {
 
 Image decode_raw(ByteView file, const Size& size) {
-  Image image = make_image(size.width, size.height);
-  read_samples(file, ByteOrder::little, image);
-  return image;
+  return read_samples(file, ByteOrder::little, size.width, size.height);
 }
 
 Bytes encode_raw(const Image& image) {

@@ -1,0 +1,18 @@
+#ifndef FILTERPROCESSOR_FUZZ_ARGUMENTS_H
+#define FILTERPROCESSOR_FUZZ_ARGUMENTS_H
+
+#include <string>
+#include <vector>
+
+#include "framework/schema.h"
+#include "fuzz_input.h"
+
+namespace filterprocessor::fuzz {
+
+/// Texts for a filter's parameters: mostly all of them in range, otherwise some that are not, and now and
+/// then some too many or too few.
+std::vector<std::string> any_arguments(FuzzInput& input, const std::vector<SchemaParameter>& parameters);
+
+}  // namespace filterprocessor::fuzz
+
+#endif

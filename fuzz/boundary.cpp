@@ -1,0 +1,143 @@
+// A host's doings with the plug-in: filters are made, configured, given frames, reset and destroyed in
+// any order, while host calls fail.
+#include <array>
+#include <memory>
+
+#include "arguments.h"
+#include "filterprocessor/filter_processor.h"
+#include "frames.h"
+#include "target.h"
+
+namespace filterprocessor::fuzz {
+
+namespace {
+
+struct Destroy {
+  void operator()(PrivFilterContext* context) const { context->destroy(context); }
+};
+using Filter = std::unique_ptr<PrivFilterContext, Destroy>;
+
+/// Makes the n-th host call fail, whichever it is, as long as this lives; none for 0.
+class Fault {
+ public:
+  explicit Fault(int occurrence) : armed_(occurrence > 0) {
+    if (armed_) devhost::fail_call("", occurrence);
+  }
+  Fault(const Fault&) = delete;
+  Fault& operator=(const Fault&) = delete;
+  ~Fault() {
+    if (armed_) devhost::clear_fault();
+  }
+
+ private:
+  bool armed_;
+};
+
+long frames_in(const devhost::Frame& frame) {
+  if (!frame) return 0;
+  return devhost::depth_frame_of(frame.get()).get() == frame.get() ? 1 : 2;
+}
+
+class Host {
+ public:
+  explicit Host(FuzzInput& input) : input_(input) {}
+
+  void act() {
+    Filter& filter = filters_[input_.number<std::uint8_t>() % filters_.size()];
+    devhost::Frame& frame = frames_[input_.number<std::uint8_t>() % frames_.size()];
+    if (!frame) frame = any_frame(input_);
+    if (!filter) {
+      filter = any_filter();
+      if (input_.flag()) update(filter);
+    }
+    const int action = input_.integer(0, 15);
+    fault_ = input_.one_in(4) ? input_.integer(1, 40) : 0;
+    if (action < 9) {
+      process(filter, frame);
+    } else if (action < 12) {
+      update(filter);
+    } else if (action < 14) {
+      frame = nullptr;
+    } else if (action == 14) {
+      const Fault fault(fault_);
+      zv_priv_filter_reset(handle(filter), slot());
+    } else {
+      const Fault fault(fault_);
+      filter.reset();
+    }
+  }
+
+ private:
+  static zv_priv_filter_t* handle(const Filter& filter) { return filter ? filter->filter : nullptr; }
+
+  Filter any_filter() {
+    const int index =
+        input_.one_in(16) ? input_.number<std::int32_t>() : input_.integer(0, zv_get_filter_count() - 1);
+    const std::string name = zv_get_filter_name(index);
+    Filter filter(zv_create_filter(index));
+    require(!filter || name != "UnknownFilter", "only known filters are made");
+    return filter;
+  }
+
+  /// A place for an error, with one in it already now and then; or none.
+  zv_error** slot() {
+    error_ = input_.one_in(16) ? zv_create_error(1, "old", "before", "", 0) : nullptr;
+    return input_.one_in(8) ? nullptr : &error_;
+  }
+
+  void update(const Filter& filter) {
+    const char* schema = zv_priv_filter_get_config_schema(handle(filter), slot());
+    require((schema != nullptr) == (filter != nullptr), "a filter has a schema");
+    if (schema == nullptr) return;
+    const auto texts = any_arguments(input_, parse_schema(schema));
+    std::vector<const char*> argv;
+    for (const std::string& text : texts) argv.push_back(input_.one_in(64) ? nullptr : text.c_str());
+    filter->update_config(filter->filter, argv.size(), input_.one_in(64) ? nullptr : argv.data(), slot());
+  }
+
+  void process(const Filter& filter, devhost::Frame& held) {
+    const zv_frame_t* frame = input_.one_in(32) ? nullptr : held.get();
+    const std::string before = content_of(held.get());
+    const long frames = devhost::live_objects().frames;
+    zv_error** const error = slot();
+    zv_error* const old = error_;
+
+    devhost::hide_data(input_.one_in(64));
+    devhost::Frame result;
+    {
+      const Fault fault(fault_);
+      result.reset(zv_priv_filter_process(handle(filter), frame, error));
+    }
+    devhost::hide_data(false);
+
+    require(content_of(held.get()) == before, "the input stays as it is");
+    require(devhost::live_objects().frames == frames + frames_in(result), "no frame is left behind");
+    if (!filter || frame == nullptr) {
+      require(!result && error_ == old, "nothing comes from nothing");
+    } else if (error != nullptr) {
+      require((result == nullptr) == (error_ != nullptr), "there is a result or an error");
+      require(old == nullptr || !result, "an error that is there already counts");
+    }
+    if (result && input_.one_in(4)) held = std::move(result);
+  }
+
+  FuzzInput& input_;
+  std::array<Filter, 2> filters_;
+  std::array<devhost::Frame, 2> frames_;
+  zv_error* error_ = nullptr;
+  int fault_ = 0;
+};
+
+}  // namespace
+
+void run_input(FuzzInput& input) {
+  devhost::refuse_frames_above(1u << 19);
+  {
+    Host host(input);
+    for (int actions = 0; actions < 40 && !input.empty(); ++actions) host.act();
+  }
+  require(devhost::live_objects() == devhost::LiveObjects{}, "everything is given back");
+  devhost::clear_errors();
+}
+
+}  // namespace filterprocessor::fuzz

@@ -1,0 +1,34 @@
+// Reading of configuration schemas: what can be read says the same when it is written and read again.
+#include "framework/schema.h"
+
+#include <stdexcept>
+
+#include "target.h"
+
+namespace filterprocessor::fuzz {
+
+namespace {
+
+std::string written(const std::vector<SchemaParameter>& parameters) {
+  std::string text;
+  for (const SchemaParameter& p : parameters) {
+    for (const std::string* field : {&p.name, &p.type, &p.min, &p.max, &p.step, &p.default_value}) {
+      text += *field + ", ";
+    }
+    text += p.description + '\n';
+  }
+  return text;
+}
+
+}  // namespace
+
+void run_input(FuzzInput& input) {
+  const auto bytes = input.take_rest();
+  try {
+    const auto parameters = parse_schema({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    require(parse_schema(written(parameters)) == parameters, "a schema says the same when read again");
+  } catch (const std::invalid_argument&) {
+  }
+}
+
+}  // namespace filterprocessor::fuzz
