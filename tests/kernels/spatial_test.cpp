@@ -231,6 +231,18 @@ TEST_P(SpatialLevel, EqualsThePlainFormOnAnyImage) {
   }
 }
 
+TEST_P(SpatialLevel, EqualsThePlainFormOnEitherSideOfTheWidthThatFitsTheStack) {
+  Random random(7);
+  const std::uint16_t table[] = {3, 15, 35, 62};
+  for (const std::size_t width : {1279u, 1280u, 1281u, 2600u}) {
+    const Image image = {width, 77, random.pixels(width * 77, 900, 60, 9)};
+    for (const std::uint8_t radius : {std::uint8_t{1}, std::uint8_t{3}}) {
+      expect_plain(image, {{table, 4, 8}, 0.5f, radius}, std::to_string(width) + " columns");
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
 TEST_P(SpatialLevel, NotANumberAsAlphaStaysInsideTheImage) {
   Random random(5);
   const std::uint16_t threshold = 50;
