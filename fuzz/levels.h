@@ -19,7 +19,7 @@ namespace filterprocessor::fuzz {
 class Buffers {
  public:
   /// @param placements five bits for each buffer
-  explicit Buffers(std::uint64_t placements) : placements_(placements) {}
+  explicit Buffers(std::uint32_t placements) : placements_(placements) {}
 
   /// A copy of the values, which the kernel may change.
   template <typename T>
@@ -36,7 +36,7 @@ class Buffers {
   using List = std::vector<std::unique_ptr<GuardedBytes>>;
   std::byte* add(std::span<const std::byte> content, std::size_t unit, List& list);
 
-  std::uint64_t placements_;
+  std::uint32_t placements_;
   List compared_, others_;
 };
 

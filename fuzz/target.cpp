@@ -7,7 +7,7 @@ namespace filterprocessor::fuzz {
 
 void require(bool holds, std::string_view what) {
   if (holds) return;
-  std::fprintf(stderr, "NOT SO: %.*s\n", static_cast<int>(what.size()), what.data());
+  std::fprintf(stderr, "does not hold: %.*s\n", static_cast<int>(what.size()), what.data());
   std::abort();
 }
 

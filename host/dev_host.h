@@ -35,7 +35,6 @@ struct ProfileSpec {
 };
 
 /// What a frame is made of. Its profile has the same size and format.
-/// format.
 struct FrameSpec {
   std::int32_t type = ZV_FRAME_TYPE_DEPTH;
   std::int32_t format = 0;
