@@ -95,7 +95,7 @@ std::int32_t DepthResize::depthProcess(const std::uint16_t* src, std::int32_t sr
   if (double{param.scale} < 0.001) return -2;
   const TargetSize expected = target_size(src_width, src_height, param);
   if (expected.width != target_width || expected.height != target_height) return -3;
-  if (src_width < 0 || src_height < 0 || target_width < 0 || target_height < 0) return 0;  // no pixels
+  if (target_width < 0 || target_height < 0) return 0;  // no pixels
   active_kernels().resize.resize(src, resize_axis(src_width, target_width, param.scale, param.ex_left),
                                  resize_axis(src_height, target_height, param.scale, param.ex_top), dst);
   return 0;

@@ -16,7 +16,7 @@ devhost::FrameSpec full(std::uint32_t width, std::uint32_t height) {
   return traits;
 }
 
-/// Marks what is left of a full frame: how many rows and columns were cleared at its borders.
+/// How many columns and rows of a full frame were cleared at each border; opposite ones must be the same.
 struct Cleared {
   std::size_t left, top;
   bool operator==(const Cleared&) const = default;
@@ -30,6 +30,12 @@ Cleared cleared(FilterDriver& filter, std::uint32_t width, std::uint32_t height)
   Cleared result = {};
   while (result.left < width && pixels[centre + result.left] == 0) ++result.left;
   while (result.top < height && pixels[result.top * width + width / 2] == 0) ++result.top;
+  Cleared opposite = {};
+  while (opposite.left < width && pixels[centre + width - 1 - opposite.left] == 0) ++opposite.left;
+  while (opposite.top < height && pixels[(height - 1 - opposite.top) * width + width / 2] == 0) {
+    ++opposite.top;
+  }
+  EXPECT_EQ(opposite, result);
   return result;
 }
 
@@ -82,6 +88,43 @@ TEST(EdgeNoiseRemovalFilter, ATransposedFrameRunsWithTheRowsOfTheAnchor) {
   EXPECT_EQ(cleared(filter, 800, 1280), (Cleared{3, 9})) << "once scaled for another size, it is scaled";
 }
 
+TEST(EdgeNoiseRemovalFilter, AValidAreaThatBeginsPastALimitKeepsItsEdge) {
+  devhost::FrameSpec traits = full(1280, 800);
+  for (std::size_t i = 0; i < traits.pixels.size(); ++i) {
+    const std::size_t x = i % 1280;
+    const std::size_t y = i / 1280;
+    if (x < 40 || x >= 1240 || y < 20 || y >= 780) traits.pixels[i] = 0;
+  }
+  FilterDriver filter("EdgeNoiseRemovalFilter");
+  EXPECT_EQ(filter.update(config(6, 5, 70, 10, 1, 1280, 800)), kNoError);
+  const Pixels pixels = devhost::inspect(filter.process(devhost::make_frame(traits)).get()).pixels;
+  const auto valid = [&](std::size_t x, std::size_t y) { return pixels[y * 1280 + x] != 0; };
+  EXPECT_TRUE(!valid(45, 400) && valid(46, 400) && !valid(1234, 400) && valid(1233, 400));
+  EXPECT_TRUE(valid(600, 20) && valid(600, 779)) << "rows 20 lie past the limit of 10";
+}
+
+/// Only square frames keep the working parameters, and frames across the size they were made for.
+TEST(EdgeNoiseRemovalFilter, AConfigurationCountsFromTheNextFrameOnce) {
+  FilterDriver filter("EdgeNoiseRemovalFilter");
+  EXPECT_EQ(cleared(filter, 640, 640), (Cleared{3, 4}));
+  EXPECT_EQ(filter.update(config(12, 8, 70, 30, 1, 1280, 800)), kNoError);
+  EXPECT_EQ(cleared(filter, 640, 640), (Cleared{6, 6}));
+
+  const auto runs_across = [](FilterDriver& across, std::uint32_t width, std::uint32_t height) {
+    const devhost::Frame output = across.process(devhost::make_frame(full(width, height)));
+    const Pixels pixels = devhost::inspect(output.get()).pixels;
+    return pixels[std::size_t{height} * (width / 2)] == 0;  // where a row of the other shape begins
+  };
+  FilterDriver same("EdgeNoiseRemovalFilter");
+  EXPECT_EQ(same.update(config(6, 6, 70, 30, 1, 1280, 800)), kNoError);
+  EXPECT_TRUE(runs_across(same, 800, 1280)) << "the same values change nothing";
+  EXPECT_EQ(same.update(config(6, 6, 70, 30, 0, 640, 400)), kNoError);
+  EXPECT_EQ(cleared(same, 640, 400), (Cleared{6, 0}));
+  EXPECT_TRUE(runs_across(same, 400, 640)) << "the change has been taken in";
+  same.reset();
+  EXPECT_TRUE(runs_across(same, 800, 1280)) << "as a new filter";
+}
+
 TEST(EdgeNoiseRemovalFilter, AMarginAboveItsLimitFailsEveryFrameOnly) {
   const ErrorTexts failed = {"edge noise removal filter error", "filter_process",
                              "EdgeNoiseRemovalFilter", 0};
@@ -99,8 +142,12 @@ TEST(EdgeNoiseRemovalFilter, AFailedScalingIsTriedAgain) {
   FilterDriver filter("EdgeNoiseRemovalFilter");
   const ErrorTexts failed = {"invalid params", "updateConfig", "width||height", 4};
   for (int n = 0; n < 2; ++n) {
-    EXPECT_FALSE(filter.process(devhost::make_frame(full(2, 1))));
+    const std::string printed =
+        FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(full(2, 1)))); });
     EXPECT_EQ(filter.last_error(), failed);
+    EXPECT_EQ(printed,
+              "zv_error was raised: \n\tcall: updateConfig(width||height)\n"
+              "\tmessage: invalid params\n\terror type: 4\n");
   }
   EXPECT_EQ(cleared(filter, 640, 400), (Cleared{3, 3}));
 }
@@ -115,7 +162,9 @@ TEST(EdgeNoiseRemovalFilter, ChecksItsParametersInOrderAndStoresAllOrNone) {
   EXPECT_EQ(filter.update(config(9, 9, 641, 0, 2, 0, 0)), refused("limit_x_th"));
   EXPECT_EQ(filter.update(config(9, 9, 70, 0, 2, 0, 0)), refused("limit_y_th"));
   EXPECT_EQ(filter.update(config(9, 9, 70, 30, 2, 0, 0)), refused("enable_vertical_direction"));
+  EXPECT_EQ(filter.update(config(9, 9, 70, 30, -1, 0, 0)), refused("enable_vertical_direction"));
   EXPECT_EQ(filter.update(config(9, 9, 70, 30, 0, 1281, 0)), refused("width"));
+  EXPECT_EQ(filter.update(config(9, 9, 70, 30, 0, 0, 0)), refused("width"));
   EXPECT_EQ(filter.update(config(9, 9, 70, 30, 0, 1280, 1025)), refused("height"));
   EXPECT_EQ(filter.update({"9"}), kBadCount);
   EXPECT_EQ(cleared(filter, 1280, 800), (Cleared{6, 6}));
@@ -131,6 +180,14 @@ TEST(EdgeNoiseRemovalFilter, PrintsBothSetsOfParameters) {
             "margin_x_th:      6\nmargin_y_th:      6\n"
             "current_filter_params: \nenable_direction: 1\nlimit_x_th:       35\n"
             "limit_y_th:       15\nmargin_x_th:      3\nmargin_y_th:      3\n");
+  const devhost::Frame tiny = devhost::make_frame(full(2, 1));
+  const std::string after_a_failure = FilterDriver::output_of([&] {
+    EXPECT_EQ(filter.filter_process(tiny.get(), nullptr), nullptr);
+    filter.print_key_params();
+  });
+  EXPECT_NE(after_a_failure.find("current_filter_params: \nenable_direction: 1\nlimit_x_th:       70\n"),
+            std::string::npos)
+      << "the unscaled values are stored";
 }
 
 }  // namespace

@@ -198,6 +198,31 @@ TEST(MarginInterface, ChecksInOrderAndChangesNothing) {
   EXPECT_NE(image, before);
 }
 
+TEST(MarginInterface, HandsEveryArgumentToItsPlace) {
+  Random random(9);
+  const Pixels image = random.pixels(64 * 40, 900, 60, 2);
+  const auto expect_from = [](const Pixels& input, const MarginRule& rule, auto filter) {
+    Pixels pixels = input;
+    EXPECT_EQ(filter(pixels.data()), 0);
+    EXPECT_EQ(pixels, expected_of(input, 64, 40, rule));
+  };
+  const auto expect = [&](const MarginRule& rule, auto filter) { expect_from(image, rule, filter); };
+  Pixels table(80);
+  for (auto& margin : table) margin = static_cast<std::uint16_t>(random.integer(0, 9));
+  expect({.left = 5, .right = 5, .limit_x = 20},
+         [](std::uint16_t* data) { return depth_api_horizontal_margin_filter(data, 64, 40, 5, 20); });
+  expect({5, 5, 20, 3, 9},
+         [](std::uint16_t* data) { return depth_api_margin_filter(data, 64, 40, 5, 3, 20, 9); });
+  expect({.limit_x = 20, .margin_y = 3, .limit_y = 9, .chamfer = table.data()}, [&](std::uint16_t* data) {
+    return depth_api_margin_filter_with_chamfer(data, 64, 40, 3, 20, 9, table.data());
+  });
+  Pixels asymmetric = image;  // the right gap is the wider one
+  for (std::size_t y = 0; y < 40; ++y) std::fill_n(&asymmetric[y * 64 + 50], 14, std::uint16_t{0});
+  expect_from(asymmetric, {5, 7, 20, 3, 9}, [](std::uint16_t* data) {
+    return depth_api_margin_filter_asym(data, 64, 40, 7, 5, 3, 20, 9);
+  });
+}
+
 /// 100 x 10 pixels; the sampled rows 2, 4, 6 and 8 are valid from `first` to `last`, the others all over.
 class AsymmetricMargins : public testing::Test {
  protected:
@@ -228,6 +253,8 @@ TEST_F(AsymmetricMargins, TheSideWithTheWiderGapGetsTheLargeOne) {
   EXPECT_EQ(margins(image_), (std::pair{4, 4})) << "gaps of 40 and 44";
   fill(image_, {2, 4, 6, 8}, 12, 90);
   EXPECT_EQ(margins(image_), (std::pair{4, 4})) << "48 is not above 1.2 x 40";
+  fill(image_, {2, 4, 6, 8}, 10, 88);
+  EXPECT_EQ(margins(image_), (std::pair{4, 4})) << "nor the other way round";
 }
 
 TEST_F(AsymmetricMargins, AnEmptyRowCountsAtTheRightOnly) {

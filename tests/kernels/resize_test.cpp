@@ -1,5 +1,7 @@
 #include "kernels/resize/resize.h"
 
+#include <limits>
+
 #include "filters/depth_resize.h"
 #include "support/levels.h"
 #include "support/random_image.h"
@@ -25,6 +27,14 @@ Pixels resized_row(const KernelSet& kernels, int width, int target, float scale,
                              resize_axis(1, 1, 1.0f, 0));
 }
 
+/// The same along a column.
+Pixels resized_column(const KernelSet& kernels, int height, int target, float scale, int before) {
+  Pixels source(static_cast<std::size_t>(height));
+  for (std::size_t i = 0; i < source.size(); ++i) source[i] = static_cast<std::uint16_t>(i + 1);
+  return ResizeLevel::resize(kernels, source, resize_axis(1, 1, 1.0f, 0),
+                             resize_axis(height, target, scale, before));
+}
+
 TEST_P(ResizeLevel, StepsThroughTheSourceInFixedPoint) {
   EXPECT_EQ(resized_row(kernels(), 6, 3, 0.5f, 0), (Pixels{1, 3, 5}));
   EXPECT_EQ(resized_row(kernels(), 3, 6, 2.0f, 0), (Pixels{1, 1, 2, 2, 3, 3}));
@@ -43,6 +53,17 @@ TEST_P(ResizeLevel, TheStepIsOneTooLargeAndReadsNothingPastTheEnd) {
   EXPECT_EQ(row[(999u << 16) / 1311 + 1], 1000);
   EXPECT_EQ(row[(1000u << 16) / 1311], 1000);
   EXPECT_EQ(row[(1000u << 16) / 1311 + 1], 0);
+  EXPECT_EQ(resized_column(kernels(), 1000, 50000, 50.0f, 0), row) << "rows as columns";
+}
+
+/// The products are rounded to 32 bits before anything is added, and so are the steps.
+TEST(ResizeAxis, IsWorkedOutInFloatsStepByStep) {
+  EXPECT_EQ(resized(400, 0.12f, -40, 0), 8) << "48 after rounding, less before";
+  EXPECT_EQ(resized(641, 1.0f, 100000000, -100000000), 640) << "from left to right";
+  EXPECT_EQ(resized(1e30f, 50.0f, 0, 0), std::numeric_limits<std::int32_t>::max());
+  EXPECT_EQ(resize_axis(100, 9, 0.1f, -1).start, 10u << 16);
+  EXPECT_EQ(resize_axis(100, 10, 0.1f, 0).step, 655361u);
+  EXPECT_EQ(resize_axis(70001, 1, 1.0f, -70000).start >> 16, 70000u - 65536u) << "32 bits wrap";
 }
 
 TEST_P(ResizeLevel, EqualsThePlainFormAtAnySizeScaleAndBand) {
@@ -77,6 +98,7 @@ TEST_P(ResizeLevel, CountersOf32BitsWrap) {
   EXPECT_EQ(row, resize(plain(), source, columns, resize_axis(1, 1, 1.0f, 0)));
   EXPECT_EQ(row[6553], source[65530]);
   EXPECT_EQ(row[6554], source[4]) << "65540 in 16 bits";
+  EXPECT_EQ(resize(kernels(), source, resize_axis(1, 1, 1.0f, 0), columns), row) << "rows as columns";
 }
 
 TEST(DepthProcess, ChecksSizesThenScaleThenAgreement) {
@@ -94,6 +116,8 @@ TEST(DepthProcess, ChecksSizesThenScaleThenAgreement) {
   EXPECT_EQ(process(3, 2, {.scale = std::numeric_limits<float>::quiet_NaN()}, 3, 2), -3);
   EXPECT_EQ(process(-3, -2, {.scale = 1}, -3, -2), 0);
   EXPECT_EQ(target, Pixels(6, 9)) << "nothing was written so far";
+  EXPECT_EQ(process(-3, 2, {.scale = 1, .ex_left = 5}, 2, 2), 0);
+  EXPECT_EQ(target, (Pixels{0, 0, 0, 0, 9, 9})) << "a source without pixels";
   EXPECT_EQ(process(3, 2, {.scale = 1, .ex_left = -1, .ex_top = 1, .ex_bottom = -1}, 2, 2), 0);
   EXPECT_EQ(target, (Pixels{0, 0, 2, 3, 9, 9}));
 }

@@ -17,7 +17,7 @@ ResizeAxis resize_axis(std::int32_t source_size, std::int32_t target_size, float
   const auto end = std::min(resized(static_cast<float>(source_size), scale, before, 0), target_size);
   const std::int32_t first = std::max(before, 0);
   const std::uint32_t skipped = before < 0 ? saturate<std::uint32_t>(std::fabs(added / scale)) : 0;
-  return {.source_size = static_cast<std::size_t>(source_size),
+  return {.source_size = static_cast<std::size_t>(std::max(source_size, 0)),
           .target_size = static_cast<std::size_t>(target_size),
           .first = static_cast<std::size_t>(std::min(first, std::max(end, 0))),
           .end = static_cast<std::size_t>(std::max(end, 0)),

@@ -34,8 +34,8 @@ struct ResizeKernels {
 /// An axis' target size: extent x scale + before + after, each step rounded to 32 bits, truncated.
 std::int32_t resized(float extent, float scale, std::int32_t before, std::int32_t after);
 
-/// The axis for sizes of at least 1. `before` pixels are added before the scaled source, or removed where
-/// negative; `scale` is at least 0.001.
+/// The axis for a target of at least 1; a source below 1 has no pixels. `before` pixels are added before
+/// the scaled source, or removed where negative; `scale` is at least 0.001.
 ResizeAxis resize_axis(std::int32_t source_size, std::int32_t target_size, float scale,
                        std::int32_t before);
 
