@@ -54,7 +54,11 @@ void sweep(const std::uint16_t* source, std::uint16_t* target, std::size_t count
   std::size_t i = (kBytes - reinterpret_cast<std::uintptr_t>(target) % kBytes) % kBytes / sizeof *target;
   i = i < count ? i : count;
   some(0, i);
-  for (; i + U16::lanes <= count; i += U16::lanes) convert(U16::load(source + i)).store(target + i);
+  for (; i + U16::lanes <= count; i += U16::lanes) {
+    prefetch(source + i, kSweepAhead);
+    prefetch(target + i, kSweepAhead);
+    convert(U16::load(source + i)).store(target + i);
+  }
   some(i, count - i);
 }
 

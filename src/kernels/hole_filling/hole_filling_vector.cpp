@@ -63,6 +63,7 @@ void for_each_vector_with_holes(std::uint16_t* pixels, std::size_t count, Visit&
     const std::size_t size = count - begin < 64 * kLanes ? count - begin : 64 * kLanes;
     const std::size_t whole = size / kLanes;
     const auto has_hole = [pixels, begin](std::size_t i) {
+      prefetch(pixels + begin + i * kLanes, kSweepAhead);
       return std::uint64_t{Order::map(U16::load(pixels + begin + i * kLanes)).is_zero().any()};
     };
     std::uint64_t todo = 0;

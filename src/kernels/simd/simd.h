@@ -18,4 +18,23 @@
 #error "compile vector kernels with one of the FILTERPROCESSOR_LEVEL_* definitions"
 #endif
 
+namespace filterprocessor::FILTERPROCESSOR_LEVEL {
+
+/// Pixels in a cache line.
+inline constexpr std::size_t kCacheLine = 32;
+
+/// How far a sweep through memory asks for pixels in advance.
+inline constexpr std::size_t kSweepAhead = 16 * kCacheLine;
+
+/// Asks for the cache line of the pixel `further` on. Nothing is read: it may lie past the image.
+[[gnu::always_inline]] inline void prefetch(const std::uint16_t* at, std::size_t further) {
+  // Vectors much shorter than a line would ask for the same one again and again.
+  if constexpr (U16::lanes >= kCacheLine / 2) {
+    const auto address = reinterpret_cast<std::uintptr_t>(at) + further * sizeof *at;
+    __builtin_prefetch(reinterpret_cast<const void*>(address));
+  }
+}
+
+}  // namespace filterprocessor::FILTERPROCESSOR_LEVEL
+
 #endif

@@ -37,6 +37,8 @@ void smooth_temporal(std::uint16_t* depth, std::uint16_t* history, std::size_t c
   const Smoother smooth = {Factor(diff_scale), Factor(1 - weight), Factor(weight)};
   std::size_t i = 0;
   for (; i + U16::lanes <= count; i += U16::lanes) {
+    prefetch(depth + i, kSweepAhead);
+    prefetch(history + i, kSweepAhead);
     const U16 result = smooth(U16::load(depth + i), U16::load(history + i));
     result.store(depth + i);
     result.store(history + i);
