@@ -75,10 +75,13 @@ const CameraOption* option_named(std::string_view name) {
 /// Refuses the setting of the field that the camera complains of.
 [[noreturn]] void fail_camera(const std::vector<CameraSetting>& settings, const std::string& problem) {
   for (const CameraSetting& setting : settings) {
-    for (const std::string_view field : option_named(setting.name)->fields) {
-      if (problem.starts_with(concat("camera ", field, ' '))) {
-        fail_usage(concat(setting.typed, ": ", problem));
-      }
+    const auto& fields = option_named(setting.name)->fields;
+    for (const std::string_view field : fields) {
+      const std::string start = concat("camera ", field, ' ');
+      if (!problem.starts_with(start)) continue;
+      // Where the option sets one field, its name says enough.
+      const std::string named = fields.size() > 1 ? concat(field, ' ') : "";
+      fail_usage(concat(setting.typed, ": ", named, problem.substr(start.size())));
     }
   }
   fail_usage(problem);
@@ -110,7 +113,7 @@ const std::vector<CameraOption>& camera_options() {
       {"bits",
        "N",
        "Bits of a disparity code, chosen by pack mode and pixel format by default",
-       "a whole number",
+       "a whole number from 0 to 255",
        set_bits,
        {"bit_size"}},
       {"pixel-format",
@@ -122,7 +125,7 @@ const std::vector<CameraOption>& camera_options() {
       {"correction",
        "N",
        "Disparity correction: metadata item 32, none by default",
-       "a whole number",
+       "a whole number of at most 32 bits",
        set_correction,
        {"disparity_correction"}},
       {"baseline",
@@ -183,7 +186,7 @@ CameraRequest make_camera_request(const std::vector<CameraSetting>& settings) {
 }
 
 std::string camera_frame_stem(std::size_t index) {
-  return concat("disparity_", std::setfill('0'), std::setw(4), index);
+  return concat(kCameraFramePrefix, std::setfill('0'), std::setw(4), index);
 }
 
 }  // namespace zvfilter

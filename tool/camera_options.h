@@ -13,6 +13,10 @@ namespace zvfilter {
 /// The start of an input that is the virtual camera.
 inline constexpr std::string_view kCameraInput = "camera:";
 
+/// What a recording of it consists of.
+inline constexpr const char* kCameraFile = "camera.json";
+inline constexpr std::string_view kCameraFramePrefix = "disparity_";
+
 /// What is asked of the virtual camera.
 struct CameraRequest {
   devhost::CameraConfig config;

@@ -167,6 +167,7 @@ std::unique_ptr<FrameSource> open_source(const RunOptions& options, const FrameA
     if (!input.starts_with(kCameraInput)) continue;
     if (options.inputs.size() > 1) fail_usage(input + " has to be the only input");
     if (options.truth) fail_usage("--truth is for files; " + input + " brings its own");
+    if (options.size) fail_usage("--size is for raw files; " + input + " takes its own: camera:size=WxH");
     return std::make_unique<CameraSource>(make_camera_request(parse_camera_input(input)), attributes);
   }
   std::vector<std::filesystem::path> truth;
@@ -174,21 +175,33 @@ std::unique_ptr<FrameSource> open_source(const RunOptions& options, const FrameA
   return std::make_unique<FileSource>(collect_inputs(options.inputs), truth, size, attributes);
 }
 
+/// A recording is never mixed with another: neither the frames nor their camera.json would be right.
+void expect_no_recording(const std::filesystem::path& folder) {
+  std::error_code none;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, none)) {
+    const std::string name = entry.path().filename().string();
+    if (name != kCameraFile && !(name.starts_with(kCameraFramePrefix) && name.ends_with(".png")))
+      continue;
+    fail_run(entry.path().string() + ": belongs to another recording; expected a folder without one");
+  }
+}
+
 void write_camera_frames(CameraSource& source, const std::filesystem::path& folder,
                          const std::filesystem::path& truth) {
+  expect_no_recording(folder);
+  expect_no_recording(truth);
   make_folder(truth);
   Progress progress(source.count());
+  std::string camera;
   for (std::size_t i = 0; i < source.count(); ++i) {
     SourceFrame made = source.load(i);
-    if (i == 0) {
-      const std::string camera = camera_json(made.frame);
-      write_whole(folder / "camera.json", Bytes(camera.begin(), camera.end()));
-    }
+    if (i == 0) camera = camera_json(made.frame);
     const std::string name = camera_frame_stem(i) + ".png";
     write_whole(folder / name, encode_png(FrameImage(std::move(made.frame)).image));
     write_whole(truth / name, encode_png(*made.truth));
     progress.show(i + 1);
   }
+  write_whole(folder / kCameraFile, Bytes(camera.begin(), camera.end()));
 }
 
 }  // namespace

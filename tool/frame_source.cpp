@@ -35,8 +35,11 @@ const fs::path& truth_of(const fs::path& file, const std::vector<fs::path>& trut
 FileSource::FileSource(std::vector<fs::path> files, const std::vector<fs::path>& truth,
                        std::optional<Size> raw_size, FrameAttributes attributes)
     : files_(std::move(files)), raw_size_(raw_size.value_or(Size{})), attributes_(std::move(attributes)) {
+  bool needs_size = false;
   const auto expect_size = [&](const fs::path& file) {
-    if (codec_of(file).needs_size && !raw_size) {
+    if (!codec_of(file).needs_size) return;
+    needs_size = true;
+    if (!raw_size) {
       fail_usage(file.string() + ": a raw file does not say its size; give it with --size WxH");
     }
   };
@@ -45,6 +48,10 @@ FileSource::FileSource(std::vector<fs::path> files, const std::vector<fs::path>&
     if (truth.empty()) continue;
     truth_.push_back(truth_of(file, truth));
     expect_size(truth_.back());
+  }
+  if (raw_size && !needs_size) {
+    fail_usage(concat("--size ", raw_size->width, 'x', raw_size->height,
+                      ": is for raw files, and there is none; the others say their size"));
   }
 }
 

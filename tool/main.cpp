@@ -129,10 +129,16 @@ int run_program(int argc, char** argv) {
   } catch (const CLI::ParseError& problem) {
     if (app.get_subcommands().empty() && !app.remaining().empty()) {
       const std::string unknown = app.remaining().front();
-      zvfilter::fail_usage((unknown.starts_with('-') ? "unknown option " : "unknown command ") + unknown +
-                           "; " + zvfilter::suggest(unknown, {"list", "schema", "run", "camera"}));
+      const bool option = unknown.starts_with('-');
+      zvfilter::fail_usage(
+          (option ? "unknown option " : "unknown command ") + unknown + "; " +
+          zvfilter::suggest(unknown, option
+                                         ? std::vector<std::string>{"--help", "--version", "--plugin"}
+                                         : std::vector<std::string>{"list", "schema", "run", "camera"}));
     }
-    zvfilter::fail_usage(std::string(problem.what()) + "; see zvfilter --help");
+    const std::string command =
+        app.get_subcommands().empty() ? "" : app.get_subcommands().front()->get_name() + ' ';
+    zvfilter::fail_usage(std::string(problem.what()) + "; see zvfilter " + command + "--help");
   }
   if (list->parsed()) zvfilter::list_command(arguments.plugin, arguments.json, std::cout);
   if (schema->parsed()) zvfilter::schema_command(arguments.plugin, arguments.filter, std::cout);

@@ -8,8 +8,8 @@
 namespace zvfilter {
 
 std::size_t edit_distance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() +
-                               1);  // distances of the first i characters of a to every start of b
+  // The distances of the first i characters of a to every start of b.
+  std::vector<std::size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
   for (std::size_t i = 1; i <= a.size(); ++i) {
     std::size_t diagonal = row[0];

@@ -62,16 +62,16 @@ TEST(CameraOptions, AreRefusedByName) {
       {"frames=0", "camera: frames=0: expected 1 to 10000"},
       {"frames=", "camera: frames=: expected 1 to 10000"},
       {"size=640", "camera: size=640: expected WIDTHxHEIGHT"},
-      {"size=640x5000", "camera: size=640x5000: camera height has to be 48 to 4096"},
+      {"size=640x5000", "camera: size=640x5000: height has to be 48 to 4096"},
       {"seed=-1", "camera: seed=-1: expected a whole number"},
       {"pack-mode=5", "camera: pack-mode=5: expected 1 to 4"},
-      {"pack-mode=3,mono", "camera: pack-mode=3: camera pack_mode has to be 1, 2 or 4 with one camera"},
-      {"bits=300", "camera: bits=300: expected"},
-      {"mono,bits=12", "camera: bits=12: camera bit_size has to be 0 or 14 to 16 here"},
-      {"pixel-format=1", "camera: pixel-format=1: camera format has to be 0 or 34"},
-      {"correction=129", "camera: correction=129: camera disparity_correction has to be -128 to 128"},
+      {"pack-mode=3,mono", "camera: pack-mode=3: has to be 1, 2 or 4 with one camera"},
+      {"bits=300", "camera: bits=300: expected a whole number from 0 to 255"},
+      {"mono,bits=12", "camera: bits=12: has to be 0 or 14 to 16 here"},
+      {"pixel-format=1", "camera: pixel-format=1: has to be 0 or 34"},
+      {"correction=129", "camera: correction=129: has to be -128 to 128"},
       {"baseline=nan", "camera: baseline=nan: expected a number"},
-      {"fx=1", "camera: fx=1: camera fx has to be"},
+      {"fx=1", "camera: fx=1: has to be"},
   };
   for (const auto& [options, start] : cases) {
     const std::string input = concat("camera:size=96x64,", options);

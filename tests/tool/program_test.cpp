@@ -237,6 +237,19 @@ TEST_F(Program, CameraFilesAndTheCameraItselfGiveTheSameResults) {
   }
 }
 
+TEST_F(Program, NeverMixesTwoRecordings) {
+  ASSERT_EQ(run("camera -o cam --frames 2 --size 64x48").status, 0);
+  const std::string frame = text_of(folder_ / "cam/disparity_0000.png");
+  expect_refused(run("camera -o cam --frames 1 --size 96x64"), 1,
+                 ": belongs to another recording; expected a folder without one");
+  EXPECT_EQ(text_of(folder_ / "cam/disparity_0000.png"), frame);
+  fs::remove_all(folder_ / "cam");
+  fs::create_directories(folder_ / "cam/truth");
+  put("cam/truth/disparity_0007.png", kHoles);
+  expect_refused(run("camera -o cam --frames 1 --size 96x64"), 1,
+                 "cam/truth/disparity_0007.png: belongs");
+}
+
 TEST_F(Program, OptionsReplaceWhatTheCameraSays) {
   ASSERT_EQ(run("camera -o cam --frames 1 --size 64x48").status, 0);
   const std::string replaced =
@@ -288,8 +301,11 @@ TEST_F(Program, RefusesWrongCamerasAndTruths) {
       {"run -f HoleFillingFilter -o results camera: --truth truth",
        "--truth is for files; camera: brings its own"},
       {"run -f HoleFillingFilter -o truth in/a.png --truth truth", "would replace the input truth/a.png"},
-      {"camera -o results --pack-mode 3 --mono",
-       "--pack-mode 3: camera pack_mode has to be 1, 2 or 4 with"},
+      {"run -f HoleFillingFilter -o results camera: --size 64x64",
+       "--size is for raw files; camera: takes its own: camera:size=WxH"},
+      {"run -f HoleFillingFilter -o results in --size 3x3", "--size 3x3: is for raw files"},
+      {"camera -o results --pack-mode 3 --mono", "--pack-mode 3: has to be 1, 2 or 4 with"},
+      {"--bogus", "unknown option --bogus; known: --help"},
       {"camera -o results --frames 0", "--frames 0: expected 1 to 10000"},
       {"camera -o ''", "the folder for the frames has no name"},
       {"camera", "--output is required"},
