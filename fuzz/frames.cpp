@@ -41,9 +41,9 @@ Sides any_frame_sides(FuzzInput& input) {
   return {static_cast<std::size_t>(input.integer(0, 40)), static_cast<std::size_t>(input.integer(0, 40))};
 }
 
-devhost::FrameSpec any_traits(FuzzInput& input) {
+devhost::FrameTraits any_traits(FuzzInput& input) {
   const Sides sides = any_frame_sides(input);
-  devhost::FrameSpec traits;
+  devhost::FrameTraits traits;
   traits.type = any_of<std::int32_t>(input, {ZV_FRAME_TYPE_DEPTH});
   traits.format = any_of<std::int32_t>(input, {0, 0, ZV_FORMAT_PACKED_CODE});
   traits.width = static_cast<std::uint32_t>(sides.width);
@@ -63,7 +63,7 @@ devhost::FrameSpec any_traits(FuzzInput& input) {
 }
 
 /// More or fewer pixels than described, or described.
-void break_size(FuzzInput& input, devhost::FrameSpec& traits) {
+void break_size(FuzzInput& input, devhost::FrameTraits& traits) {
   if (input.flag()) return traits.pixels.resize(static_cast<std::size_t>(input.integer(0, 4000)));
   const auto claim = [&](std::uint32_t& side) {
     side = any_of<std::uint32_t>(input, {side, 0xffffffff, 0x80000000, 65536, 70000, 32768});
@@ -81,8 +81,8 @@ void add_values(std::string& content, const auto&... values) {
 }
 
 void add_frame(std::string& content, const zv_frame_t* frame) {
-  const devhost::FrameSpec f = devhost::inspect(frame);
-  const devhost::ProfileSpec p = devhost::inspect_profile(frame);
+  const devhost::FrameTraits f = devhost::inspect(frame);
+  const devhost::ProfileTraits p = devhost::inspect_profile(frame);
   add_values(content, f.type, f.format, f.width, f.height, f.pixel_type, f.bits, f.value_scale, p.format,
              p.width, p.height, p.intrinsic, p.disparity);
   for (const auto& [item, value] : f.metadata) add_values(content, item, value);
@@ -99,11 +99,11 @@ devhost::Frame any_frame(FuzzInput& input) {
                                 nullptr));
     zv_video_frame_set_pixel_type(frame.get(), input.pick({0, 2, 4}), nullptr);
   } else {
-    devhost::FrameSpec traits = any_traits(input);
+    devhost::FrameTraits traits = any_traits(input);
     if (input.one_in(16)) break_size(input, traits);
     frame = devhost::make_frame(traits);
     if (input.one_in(16)) {
-      devhost::ProfileSpec profile = devhost::inspect_profile(frame.get());
+      devhost::ProfileTraits profile = devhost::inspect_profile(frame.get());
       profile.width += 1;
       profile.disparity = any_disparity(input);
       devhost::attach_profile(frame.get(), profile);

@@ -14,14 +14,14 @@ namespace filterprocessor::fuzz {
 namespace {
 
 void read_camera(std::string_view text) {
-  devhost::FrameSpec camera;
+  devhost::FrameTraits camera;
   try {
     camera = zvfilter::parse_camera_json(text, "camera.json");
   } catch (const zvfilter::Failure&) {
     return;
   }
   const std::string written = zvfilter::camera_json(camera);
-  const devhost::FrameSpec again = zvfilter::parse_camera_json(written, "again");
+  const devhost::FrameTraits again = zvfilter::parse_camera_json(written, "again");
   require(zvfilter::camera_json(again) == written, "a camera says the same when read again");
 }
 

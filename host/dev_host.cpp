@@ -17,24 +17,24 @@ struct zv_error {
 };
 
 struct zv_stream_profile_t {
-  explicit zv_stream_profile_t(devhost::ProfileSpec s);
+  explicit zv_stream_profile_t(devhost::ProfileTraits s);
   zv_stream_profile_t(const zv_stream_profile_t&) = delete;
   zv_stream_profile_t& operator=(const zv_stream_profile_t&) = delete;
   ~zv_stream_profile_t();
 
-  devhost::ProfileSpec traits;
+  devhost::ProfileTraits traits;
   mutable std::atomic<long> references{1};
 };
 
 struct zv_frame_t {
-  explicit zv_frame_t(devhost::FrameSpec s);
+  explicit zv_frame_t(devhost::FrameTraits s);
   zv_frame_t(const zv_frame_t&) = delete;
   zv_frame_t& operator=(const zv_frame_t&) = delete;
   ~zv_frame_t();
 
   void copy_info(const zv_frame_t& from);
 
-  devhost::FrameSpec traits;  // without the pixels
+  devhost::FrameTraits traits;  // without the pixels
   std::vector<unsigned char> data;
   devhost::Profile profile;
   devhost::Frame depth;  // of a set
@@ -126,13 +126,13 @@ Object* share(const Object* object) {
   return const_cast<Object*>(object);
 }
 
-template <typename Object, typename Value, typename Spec>
-Value read(const char* function, const Object* object, zv_error** error, Value Spec::*field) {
+template <typename Object, typename Value, typename Traits>
+Value read(const char* function, const Object* object, zv_error** error, Value Traits::*field) {
   return Call(function, error).needs(object, "object") ? object->traits.*field : Value{};
 }
 
-template <typename Object, typename Value, typename Spec>
-void write(const char* function, Object* object, zv_error** error, Value Spec::*field, Value value) {
+template <typename Object, typename Value, typename Traits>
+void write(const char* function, Object* object, zv_error** error, Value Traits::*field, Value value) {
   if (Call(function, error).needs(object, "object")) object->traits.*field = value;
 }
 
@@ -149,9 +149,9 @@ zv_frame_t* copy_of(const zv_frame_t& other) {
 void Release::operator()(zv_frame_t* frame) const { drop(frame); }
 void Release::operator()(zv_stream_profile_t* profile) const { drop(profile); }
 
-Profile make_profile(const ProfileSpec& traits) { return Profile(new zv_stream_profile_t(traits)); }
+Profile make_profile(const ProfileTraits& traits) { return Profile(new zv_stream_profile_t(traits)); }
 
-Frame make_frame(const FrameSpec& traits) {
+Frame make_frame(const FrameTraits& traits) {
   Frame frame(new zv_frame_t(traits));
   frame->data.resize(traits.pixels.size() * sizeof traits.pixels[0]);
   if (!traits.pixels.empty()) std::memcpy(frame->data.data(), traits.pixels.data(), frame->data.size());
@@ -171,12 +171,12 @@ Frame depth_frame_of(const zv_frame_t* frame) {
   return Frame(share(frame));
 }
 
-void attach_profile(zv_frame_t* frame, const ProfileSpec& traits) {
+void attach_profile(zv_frame_t* frame, const ProfileTraits& traits) {
   frame->profile = make_profile(traits);
 }
 
-FrameSpec inspect(const zv_frame_t* frame) {
-  FrameSpec traits = frame->traits;
+FrameTraits inspect(const zv_frame_t* frame) {
+  FrameTraits traits = frame->traits;
   traits.pixels.resize(frame->data.size() / sizeof traits.pixels[0]);
   if (!traits.pixels.empty())
     std::memcpy(traits.pixels.data(), frame->data.data(), traits.pixels.size() * 2);
@@ -187,8 +187,8 @@ FrameSpec inspect(const zv_frame_t* frame) {
   return traits;
 }
 
-ProfileSpec inspect_profile(const zv_frame_t* frame) {
-  return frame->profile ? frame->profile->traits : ProfileSpec{};
+ProfileTraits inspect_profile(const zv_frame_t* frame) {
+  return frame->profile ? frame->profile->traits : ProfileTraits{};
 }
 
 LiveObjects live_objects() { return {live_frames, live_profiles}; }
@@ -242,16 +242,16 @@ void refuse_frames_above(std::uint32_t bytes) { largest_frame = bytes; }
 }  // namespace devhost
 
 using devhost::Call;
-using devhost::FrameSpec;
-using devhost::ProfileSpec;
+using devhost::FrameTraits;
+using devhost::ProfileTraits;
 using devhost::share;
 
-zv_stream_profile_t::zv_stream_profile_t(ProfileSpec s) : traits(std::move(s)) {
+zv_stream_profile_t::zv_stream_profile_t(ProfileTraits s) : traits(std::move(s)) {
   ++devhost::live_profiles;
 }
 zv_stream_profile_t::~zv_stream_profile_t() { --devhost::live_profiles; }
 
-zv_frame_t::zv_frame_t(devhost::FrameSpec s) : traits(std::move(s)) {
+zv_frame_t::zv_frame_t(devhost::FrameTraits s) : traits(std::move(s)) {
   traits.pixels.clear();
   ++devhost::live_frames;
 }
@@ -280,11 +280,11 @@ const char* zv_error_get_args(const zv_error* error) { return error ? error->arg
 int32_t zv_error_get_exception_type(const zv_error* error) { return error ? error->exception_type : 0; }
 
 int32_t zv_frame_get_type(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameSpec::type);
+  return devhost::read(__func__, frame, error, &FrameTraits::type);
 }
 
 int32_t zv_frame_get_format(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameSpec::format);
+  return devhost::read(__func__, frame, error, &FrameTraits::format);
 }
 
 void* zv_frame_get_data(const zv_frame_t* frame, zv_error** error) {
@@ -376,35 +376,35 @@ void zv_frame_set_stream_profile(zv_frame_t* frame, const zv_stream_profile_t* p
 }
 
 uint32_t zv_video_frame_get_width(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameSpec::width);
+  return devhost::read(__func__, frame, error, &FrameTraits::width);
 }
 
 uint32_t zv_video_frame_get_height(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameSpec::height);
+  return devhost::read(__func__, frame, error, &FrameTraits::height);
 }
 
 int32_t zv_video_frame_get_pixel_type(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameSpec::pixel_type);
+  return devhost::read(__func__, frame, error, &FrameTraits::pixel_type);
 }
 
 void zv_video_frame_set_pixel_type(zv_frame_t* frame, int32_t pixel_type, zv_error** error) {
-  devhost::write(__func__, frame, error, &FrameSpec::pixel_type, pixel_type);
+  devhost::write(__func__, frame, error, &FrameTraits::pixel_type, pixel_type);
 }
 
 uint8_t zv_video_frame_get_pixel_available_bit_size(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameSpec::bits);
+  return devhost::read(__func__, frame, error, &FrameTraits::bits);
 }
 
 void zv_video_frame_set_pixel_available_bit_size(zv_frame_t* frame, uint8_t bits, zv_error** error) {
-  devhost::write(__func__, frame, error, &FrameSpec::bits, bits);
+  devhost::write(__func__, frame, error, &FrameTraits::bits, bits);
 }
 
 float zv_depth_frame_get_value_scale(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameSpec::value_scale);
+  return devhost::read(__func__, frame, error, &FrameTraits::value_scale);
 }
 
 void zv_depth_frame_set_value_scale(zv_frame_t* frame, float value_scale, zv_error** error) {
-  devhost::write(__func__, frame, error, &FrameSpec::value_scale, value_scale);
+  devhost::write(__func__, frame, error, &FrameTraits::value_scale, value_scale);
 }
 
 zv_stream_profile_t* zv_create_stream_profile_from_other_stream_profile(const zv_stream_profile_t* other,
@@ -418,38 +418,38 @@ void zv_delete_stream_profile(const zv_stream_profile_t* profile, zv_error** err
 }
 
 int32_t zv_stream_profile_get_format(const zv_stream_profile_t* profile, zv_error** error) {
-  return devhost::read(__func__, profile, error, &ProfileSpec::format);
+  return devhost::read(__func__, profile, error, &ProfileTraits::format);
 }
 
 uint32_t zv_video_stream_profile_get_width(const zv_stream_profile_t* profile, zv_error** error) {
-  return devhost::read(__func__, profile, error, &ProfileSpec::width);
+  return devhost::read(__func__, profile, error, &ProfileTraits::width);
 }
 
 uint32_t zv_video_stream_profile_get_height(const zv_stream_profile_t* profile, zv_error** error) {
-  return devhost::read(__func__, profile, error, &ProfileSpec::height);
+  return devhost::read(__func__, profile, error, &ProfileTraits::height);
 }
 
 void zv_video_stream_profile_set_width(zv_stream_profile_t* profile, uint32_t width, zv_error** error) {
-  devhost::write(__func__, profile, error, &ProfileSpec::width, width);
+  devhost::write(__func__, profile, error, &ProfileTraits::width, width);
 }
 
 void zv_video_stream_profile_set_height(zv_stream_profile_t* profile, uint32_t height, zv_error** error) {
-  devhost::write(__func__, profile, error, &ProfileSpec::height, height);
+  devhost::write(__func__, profile, error, &ProfileTraits::height, height);
 }
 
 ZVCameraIntrinsic zv_video_stream_profile_get_intrinsic(const zv_stream_profile_t* profile,
                                                         zv_error** error) {
-  return devhost::read(__func__, profile, error, &ProfileSpec::intrinsic);
+  return devhost::read(__func__, profile, error, &ProfileTraits::intrinsic);
 }
 
 void zv_video_stream_profile_set_intrinsic(zv_stream_profile_t* profile, ZVCameraIntrinsic intrinsic,
                                            zv_error** error) {
-  devhost::write(__func__, profile, error, &ProfileSpec::intrinsic, intrinsic);
+  devhost::write(__func__, profile, error, &ProfileTraits::intrinsic, intrinsic);
 }
 
 ZVDisparityParam zv_disparity_based_stream_profile_get_disparity_param(const zv_stream_profile_t* profile,
                                                                        zv_error** error) {
-  return devhost::read(__func__, profile, error, &ProfileSpec::disparity);
+  return devhost::read(__func__, profile, error, &ProfileTraits::disparity);
 }
 
 }  // extern "C"

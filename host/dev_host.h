@@ -26,7 +26,7 @@ struct Release {
 using Frame = std::unique_ptr<zv_frame_t, Release>;
 using Profile = std::unique_ptr<zv_stream_profile_t, Release>;
 
-struct ProfileSpec {
+struct ProfileTraits {
   std::int32_t format = 0;
   std::uint32_t width = 0;
   std::uint32_t height = 0;
@@ -35,7 +35,7 @@ struct ProfileSpec {
 };
 
 /// What a frame is made of. Its profile has the same size and format.
-struct FrameSpec {
+struct FrameTraits {
   std::int32_t type = ZV_FRAME_TYPE_DEPTH;
   std::int32_t format = 0;
   std::uint32_t width = 0;
@@ -49,19 +49,19 @@ struct FrameSpec {
   ZVCameraIntrinsic intrinsic = {};        ///< of the profile
 };
 
-Frame make_frame(const FrameSpec& traits);
-Profile make_profile(const ProfileSpec& traits);
+Frame make_frame(const FrameTraits& traits);
+Profile make_profile(const ProfileTraits& traits);
 /// A set holding `depth`, which may be null.
 Frame make_frame_set(Frame depth);
 /// A new reference to the depth frame of a set, or to the frame itself.
 Frame depth_frame_of(const zv_frame_t* frame);
 /// Replaces the frame's profile.
-void attach_profile(zv_frame_t* frame, const ProfileSpec& traits);
+void attach_profile(zv_frame_t* frame, const ProfileTraits& traits);
 
 /// The frame's description and samples.
-FrameSpec inspect(const zv_frame_t* frame);
+FrameTraits inspect(const zv_frame_t* frame);
 /// The frame's profile.
-ProfileSpec inspect_profile(const zv_frame_t* frame);
+ProfileTraits inspect_profile(const zv_frame_t* frame);
 
 /// Frames and profiles that somebody still holds a reference to. Errors are not counted: the host owns
 /// all of them.

@@ -102,7 +102,7 @@ CameraFrame VirtualCamera::frame(unsigned index) const {
     if (z >= kNearest && z <= kFarthest) truth[i] = static_cast<std::uint16_t>(std::lround(z));
   }
 
-  FrameSpec traits;
+  FrameTraits traits;
   traits.format = config_.format;
   traits.width = config_.width;
   traits.height = config_.height;

@@ -32,7 +32,7 @@ struct CameraConfig {
 };
 
 struct CameraFrame {
-  FrameSpec disparity;               ///< ready for make_frame(), width x height pixels
+  FrameTraits disparity;             ///< ready for make_frame(), width x height pixels
   std::vector<std::uint16_t> truth;  ///< depth of the left view, mm; 0 where no surface is in range
 };
 

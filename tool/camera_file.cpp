@@ -146,7 +146,7 @@ class FieldReader {
 /// Shows every field to a writer or reader. They take and give values, because no reference may be bound
 /// to a field of the packed record.
 template <typename Fields>
-void visit_camera(Fields& at, devhost::FrameSpec& camera) {
+void visit_camera(Fields& at, devhost::FrameTraits& camera) {
   camera.format = at("format", camera.format);
   camera.pixel_type = at("pixelType", camera.pixel_type);
   camera.bits = at("bits", camera.bits);
@@ -180,14 +180,14 @@ void visit_camera(Fields& at, devhost::FrameSpec& camera) {
 
 }  // namespace
 
-std::string camera_json(const devhost::FrameSpec& camera) {
-  devhost::FrameSpec copy = camera;
+std::string camera_json(const devhost::FrameTraits& camera) {
+  devhost::FrameTraits copy = camera;
   FieldWriter fields;
   visit_camera(fields, copy);
   return fields.result().dump(2) + '\n';
 }
 
-devhost::FrameSpec parse_camera_json(std::string_view text, const std::string& label) {
+devhost::FrameTraits parse_camera_json(std::string_view text, const std::string& label) {
   Json object;
   try {
     object = Json::parse(text);
@@ -198,14 +198,14 @@ devhost::FrameSpec parse_camera_json(std::string_view text, const std::string& l
         concat(label, ": is no JSON: ", end != std::string_view::npos ? what.substr(end + 2) : what));
   }
   if (!object.is_object()) fail_run(label + ": is no JSON object");
-  devhost::FrameSpec camera;
+  devhost::FrameTraits camera;
   FieldReader fields(object, label, "");
   visit_camera(fields, camera);
   fields.expect_no_other();
   return camera;
 }
 
-devhost::FrameSpec read_camera_file(const std::filesystem::path& file) {
+devhost::FrameTraits read_camera_file(const std::filesystem::path& file) {
   const Bytes bytes = read_whole(file);
   return parse_camera_json({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file.string());
 }

@@ -11,13 +11,13 @@ namespace zvfilter {
 
 /// What the frames of a camera carry beside size and pixels, as a JSON text: format, pixelType, bits,
 /// valueScale, intrinsics, disparity (the fields of ZVDisparityParam) and metadata (by item number).
-std::string camera_json(const devhost::FrameSpec& camera);
+std::string camera_json(const devhost::FrameTraits& camera);
 
 /// The reverse; every field has to be there, and no other.
 /// @param label of the text in messages
 /// @throws Failure naming the field that is wrong and what it may be
-devhost::FrameSpec parse_camera_json(std::string_view text, const std::string& label);
-devhost::FrameSpec read_camera_file(const std::filesystem::path& file);
+devhost::FrameTraits parse_camera_json(std::string_view text, const std::string& label);
+devhost::FrameTraits read_camera_file(const std::filesystem::path& file);
 
 }  // namespace zvfilter
 

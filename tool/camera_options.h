@@ -42,8 +42,7 @@ struct CameraSetting {
 };
 
 /// The settings of "camera:name=value,flag,..."; none in "camera:".
-/// @throws Failure for a name that is unknown or given twice, and for a value that is missing or not
-/// wanted
+/// @throws Failure for a name that is unknown or given twice, and for a value missing or not wanted
 std::vector<CameraSetting> parse_camera_input(std::string_view input);
 
 /// A camera with these settings, whose values fit together.

@@ -8,12 +8,12 @@ namespace zvfilter {
 namespace {
 
 /// Depth frames of 16 bits and millimetres, whose geometry is a guess.
-devhost::FrameSpec nominal_camera(const Image& image, std::uint8_t bits) {
+devhost::FrameTraits nominal_camera(const Image& image, std::uint8_t bits) {
   const double fx = FrameAttributes::kNominalFocalPerWidth * image.width;
   const auto side = [](std::uint32_t pixels) {
     return static_cast<std::int16_t>(std::min(pixels, std::uint32_t{INT16_MAX}));
   };
-  devhost::FrameSpec camera;
+  devhost::FrameTraits camera;
   camera.bits = bits;
   camera.intrinsic = {.fx = static_cast<float>(fx),
                       .fy = static_cast<float>(fx),
@@ -33,8 +33,8 @@ devhost::FrameSpec nominal_camera(const Image& image, std::uint8_t bits) {
 
 }  // namespace
 
-devhost::FrameSpec describe_frame(Image image, const FrameAttributes& attributes) {
-  devhost::FrameSpec frame =
+devhost::FrameTraits describe_frame(Image image, const FrameAttributes& attributes) {
+  devhost::FrameTraits frame =
       attributes.camera ? *attributes.camera : nominal_camera(image, attributes.bits.value_or(16));
   if (attributes.value_scale) frame.value_scale = *attributes.value_scale;
   if (attributes.bits) frame.bits = frame.disparity.bitSize = *attributes.bits;

@@ -17,16 +17,16 @@ struct FrameAttributes {
   static constexpr double kNominalFocalPerWidth = 0.7;  ///< focal length in pixels over the width
   static constexpr int kDisparityIntegerBits = 8;
 
-  std::optional<devhost::FrameSpec> camera;  ///< without pixels; nothing: the nominal dual camera
-  std::optional<float> value_scale;          ///< from a pixel's value to millimetres
-  std::optional<std::uint8_t> bits;          ///< of a pixel and of a disparity code
+  std::optional<devhost::FrameTraits> camera;  ///< without pixels; nothing: the nominal dual camera
+  std::optional<float> value_scale;            ///< from a pixel's value to millimetres
+  std::optional<std::uint8_t> bits;            ///< of a pixel and of a disparity code
   std::optional<std::int32_t> pixel_type;
   std::optional<double> baseline;  ///< millimetres
   std::optional<double> fx;        ///< pixels
 };
 
 /// The image as a frame of the camera.
-devhost::FrameSpec describe_frame(Image image, const FrameAttributes& attributes);
+devhost::FrameTraits describe_frame(Image image, const FrameAttributes& attributes);
 
 }  // namespace zvfilter
 

@@ -13,11 +13,11 @@ constexpr std::int32_t kInvalidSigned = 8192;
 
 }  // namespace
 
-FrameImage::FrameImage(devhost::FrameSpec frame) : attributes(std::move(frame)) {
+FrameImage::FrameImage(devhost::FrameTraits frame) : attributes(std::move(frame)) {
   image = {attributes.width, attributes.height, std::exchange(attributes.pixels, {})};
 }
 
-PixelReader::PixelReader(const devhost::FrameSpec& frame)
+PixelReader::PixelReader(const devhost::FrameTraits& frame)
     : code_(frame.pixel_type != ZV_PIXEL_TYPE_DISPARITY  ? Code::depth
             : frame.disparity.packMode == 1              ? Code::growing
             : devhost::has_signed_codes(frame.disparity) ? Code::two_complement

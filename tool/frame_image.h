@@ -13,16 +13,16 @@ namespace zvfilter {
 struct FrameImage {
   explicit FrameImage(Image pixels) : image(std::move(pixels)) {}
   /// @param frame with width x height pixels
-  explicit FrameImage(devhost::FrameSpec frame);
+  explicit FrameImage(devhost::FrameTraits frame);
 
   Image image;
-  devhost::FrameSpec attributes;  ///< without pixels
+  devhost::FrameTraits attributes;  ///< without pixels
 };
 
 /// What a pixel says about the distance.
 class PixelReader {
  public:
-  explicit PixelReader(const devhost::FrameSpec& frame);
+  explicit PixelReader(const devhost::FrameTraits& frame);
 
   /// A number that grows with the distance, from -65535 to 65535: the depth itself where the frame is
   /// depth. Nothing for an invalid pixel.

@@ -23,7 +23,7 @@ struct FrameName {
 };
 
 struct SourceFrame {
-  devhost::FrameSpec frame;
+  devhost::FrameTraits frame;
   std::optional<Image> truth;  ///< depth in millimetres, 0 where it is not known; of the frame's size
 };
 

@@ -15,7 +15,7 @@ namespace {
 
 FrameImage image_of(const zv_frame_t* frame, const std::string& filter) {
   const devhost::Frame depth = devhost::depth_frame_of(frame);
-  devhost::FrameSpec traits = devhost::inspect(depth.get());
+  devhost::FrameTraits traits = devhost::inspect(depth.get());
   if (traits.pixels.empty() || traits.pixels.size() != std::size_t{traits.width} * traits.height) {
     fail_run(concat(filter, " gave a frame of ", traits.width, "x", traits.height, " with ",
                     traits.pixels.size(), " pixels"));

@@ -8,12 +8,12 @@
  * `destroy` once.
  *
  * Rules that hold for every function here:
- * - Threads: any thread. Different filters are independent. One filter is driven by one thread at a time,
- * but for `update_config`, which may run beside `process` where the filter has a lock of its own (all but
- *   `HoleFillingFilter`, `DepthResize`, `TemporalFilter` and `HardwareD2DCorrectionFilter`).
+ * - Threads: any thread. Different filters are independent. One filter is driven by one thread at a
+ *   time, but for `update_config`, which may run beside `process` where the filter has a lock of its own
+ *   (all but `HoleFillingFilter`, `DepthResize`, `TemporalFilter` and `HardwareD2DCorrectionFilter`).
  * - Errors: failures are reported by storing a new host error in `*error`. A null `error` is accepted:
- * the operation does the same work and the report is lost. `*error` should be null on entry; an error
- * that is already there is taken for a failure of the first host call.
+ *   the operation does the same work and the report is lost. `*error` should be null on entry; an error
+ *   that is already there is taken for a failure of the first host call.
  * - No exception leaves these functions, save std::bad_alloc from zv_get_filter_count(),
  *   zv_get_filter_name() and zv_create_filter().
  */
@@ -47,11 +47,14 @@ typedef struct PrivFilterContext {
 /** The number of filters, 9. */
 FILTERPROCESSOR_API int32_t zv_get_filter_count(void);
 
-/** The name at `index`, or "UnknownFilter". The text belongs to the library and lives as long as it is
- * loaded. */
+/**
+ * The name at `index`, or "UnknownFilter". The text belongs to the library and lives as long as it is
+ * loaded.
+ */
 FILTERPROCESSOR_API const char* zv_get_filter_name(int32_t index);
 
-/** A new filter of the class named at `index`, or null when there is none. The caller owns it: see
+/**
+ * A new filter of the class named at `index`, or null when there is none. The caller owns it: see
  * `destroy`.
  */
 FILTERPROCESSOR_API PrivFilterContext* zv_create_filter(int32_t index);
@@ -68,7 +71,8 @@ FILTERPROCESSOR_API const char* zv_priv_filter_get_config_schema(zv_priv_filter_
 
 /**
  * Sets every parameter from `argc` texts in schema order, which are read before the call returns. A text
- * that is not a number reads as 0. Fails when the count is wrong or a value is refused; some filters have
+ * that is not a number reads as 0; the decimal point is that of the process's C locale (LC_NUMERIC), and
+ * of whole numbers past 32 bits the low 32 count. Fails when the count is wrong or a value is refused; some filters have
  * stored the values before the refused one by then. The disparity transforms ignore bad depth limits in
  * silence, and `HardwareD2DCorrectionFilter` ignores everything. Null `filter`: nothing.
  */

@@ -26,8 +26,7 @@ enum {
  * of a row, from the first on, takes the pixel to its left alone. Where there is no valid neighbour a
  * hole stays 0. In mode 1 the value 65535 counts as a hole too.
  *
- * @param depth   `width` x `height` pixels, row after row without gaps; may be null only when there are
- * none
+ * @param depth   `width` x `height` pixels, row after row without gaps; null only when there are none
  * @param width   pixels in a row; below 1: nothing to do
  * @param height  rows; below 2 (mode 0) or 3 (modes 1 and 2): nothing to do
  * @param mode    0, 1 or 2

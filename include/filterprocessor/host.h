@@ -7,8 +7,8 @@
  *
  * Rules that hold for every function here:
  * - Errors: a function with a `zv_error** error` argument leaves `*error` alone on success and stores a
- * new error object there on failure. It never clears `*error`. The result of a failed call is 0, false or
- * null.
+ *   new error object there on failure. It never clears `*error`. The result of a failed call is 0, false
+ *   or null.
  * - Threads: any thread. Two threads may use one object at a time only to read it.
  * - Null: no object argument may be null; a null object is a failure, not a crash.
  */

@@ -13,16 +13,16 @@
  *
  * What depends on the processor family:
  * - x86 (and any other but 64-bit Arm): a pixel is valid from 1 to 32767; thresholds are read as signed
- * 16-bit numbers; the blend is (1 - alpha) x neighbour + alpha x pixel in 32-bit floats, rounded to the
- * nearest integer, ties to even.
+ *   16-bit numbers; the blend is (1 - alpha) x neighbour + alpha x pixel in 32-bit floats, rounded to the
+ *   nearest integer, ties to even.
  * - 64-bit Arm: a pixel is valid unless it is 0; thresholds are unsigned; the blend is half the sum
- * modulo 65536, truncated, whatever `alpha`.
+ *   modulo 65536, truncated, whatever `alpha`.
  *
  * Arguments that all functions share:
  * - data: `width` x `height` pixels, row after row without gaps, filtered in place
  * - lut: `lut_size` thresholds; a pixel uses entry (value >> lut_shift) mod 256, the last one when that
- * is past the end. A shift of 16 or more selects entry 0. No entries, or a null `lut`: every threshold is
- * 0.
+ *   is past the end. A shift of 16 or more selects entry 0. No entries, or a null `lut`: every threshold
+ *   is 0.
  * - disp_diff: the fixed threshold, truncated toward zero; its low 16 bits count
  * - magnitude: iterations, at least 1
  * - radius: of a run of invalid pixels the horizontal passes fill radius - 1 from each side

@@ -12,8 +12,7 @@
 FILTERPROCESSOR_BEGIN_C
 
 /**
- * Blends every pixel c of a frame with the last output p at its place, in place, and remembers the
- * result.
+ * Blends every pixel c of a frame with the last output p at its place and remembers the result.
  *
  * Where both are non-zero and |c - p| < min(p, c) x `diff_scale`, the result is p x (1 - `weight`) + c x
  * `weight`, truncated; elsewhere it is c. `depth` and `history` both receive it. All arithmetic is in
@@ -25,7 +24,7 @@ FILTERPROCESSOR_BEGIN_C
  * @param width       pixels in a row; below 1: nothing to do
  * @param height      rows; below 1: nothing to do
  * @param history     the last output, of the same size, or all 0 before the first frame; either `depth`
- * itself or apart from it; null: `depth`
+ *                    itself or apart from it; null: `depth`
  * @param diff_scale  largest accepted change, as a fraction of the smaller value
  * @param weight      weight of the current frame, 0..1
  * @return 0

@@ -17,7 +17,7 @@ struct DepthDifferenceTable {
   /// Turns a difference in disparity codes into depth differences for frames like `info`. Depth is
   /// baseline times focal length over disparity, so a step of disparity is a step of depth that grows
   /// with the square of the distance; entry k is that step at a depth of 500 (k + 1).
-  /// @return false when a depth frame's unit or geometry is not above 0; nothing has changed then
+  /// @return false when a depth frame's unit or geometry is 0 or below; nothing has changed then
   bool update(const IPrivFilter::FrameInfoInner& info, std::uint16_t difference);
 };
 

@@ -121,8 +121,9 @@ void NoiseRemovalFilter::configure(const FrameInfoInner& info, zv_error** error)
   const bool changed = check_frame_info_changed(info);
   if (changed) last_frame_info = info;
   if (!changed && !config_changed) return;
-  config_changed = false;
+  config_changed = true;  // stays so when memory runs out, and the next frame tries again
   updateConfig(info, error);
+  config_changed = false;
 }
 
 void NoiseRemovalFilter::updateConfig(const FrameInfoInner& info, zv_error** error) {

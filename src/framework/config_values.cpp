@@ -12,7 +12,10 @@ bool ConfigValues::count_is(std::size_t expected) const {
   return false;
 }
 
-std::int32_t ConfigValues::integer(std::size_t index) const { return std::atoi(text(index)); }
+// What atoi() gives on every processor here, defined for numbers of more than 32 bits as well: their low bits.
+std::int32_t ConfigValues::integer(std::size_t index) const {
+  return static_cast<std::int32_t>(std::strtol(text(index), nullptr, 10));
+}
 
 double ConfigValues::number(std::size_t index) const { return std::atof(text(index)); }
 

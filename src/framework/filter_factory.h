@@ -19,7 +19,7 @@ class FilterFactory {
   std::int32_t getFilterCount() const;
   /// The name at `index`, or "UnknownFilter". Lives as long as the registry.
   const char* getFilterName(std::int32_t index) const;
-  /// A new filter, or null for a bad index and for a listed name that has no class yet.
+  /// A new filter, or null for a bad index.
   std::shared_ptr<IPrivFilter> createFilter(std::int32_t index) const;
 
  private:

@@ -10,7 +10,7 @@
 namespace filterprocessor {
 namespace {
 
-using Traits = devhost::FrameSpec;
+using Traits = devhost::FrameTraits;
 
 struct Fault {
   std::string name;

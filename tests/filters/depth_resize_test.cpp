@@ -8,8 +8,8 @@ namespace {
 const ErrorTexts kDisagrees = {"incorrect config schema", "filter_process", "DepthResize", 4};
 const ErrorTexts kFailed = {"depth resize error", "filter_process", "DepthResize", 0};
 
-devhost::FrameSpec ramp(std::uint32_t width, std::uint32_t height) {
-  devhost::FrameSpec traits;
+devhost::FrameTraits ramp(std::uint32_t width, std::uint32_t height) {
+  devhost::FrameTraits traits;
   traits.width = width;
   traits.height = height;
   traits.format = 3;
@@ -39,7 +39,7 @@ TEST(DepthResize, ScalesAndDescribesTheNewSize) {
     const devhost::Frame result = filter.process(frame);
     ASSERT_TRUE(result) << filter.last_error();
     const devhost::Frame output = devhost::depth_frame_of(result.get());
-    const devhost::FrameSpec traits = devhost::inspect(output.get());
+    const devhost::FrameTraits traits = devhost::inspect(output.get());
     EXPECT_EQ(traits.pixels, (std::vector<std::uint16_t>{0, 1, 3, 5, 0, 13, 15, 17}));
     EXPECT_EQ(traits.type, as_set ? ZV_FRAME_TYPE_SET : ZV_FRAME_TYPE_DEPTH)
         << "made with the type of what was handed in";
@@ -69,7 +69,7 @@ TEST(DepthResize, AFilterNeitherConfiguredNorResetFailsOnEveryFrame) {
   EXPECT_FALSE(filter.process(frame));
   EXPECT_EQ(filter.last_error(), kDisagrees);
   EXPECT_EQ(devhost::live_objects(), before);
-  const devhost::FrameSpec full = ramp(1280, 720);
+  const devhost::FrameTraits full = ramp(1280, 720);
   EXPECT_EQ(devhost::inspect(filter.process(devhost::make_frame(full)).get()).pixels, full.pixels);
 }
 
@@ -152,7 +152,7 @@ TEST(DepthResize, RefusesATargetOfMoreThan32BitsOfBytesBeforeItMakesAFrame) {
 TEST(DepthResize, RefusesASourceShorterThanItSays) {
   FilterDriver filter("DepthResize");
   EXPECT_EQ(filter.update(config(6, 4, "1")), kNoError);
-  devhost::FrameSpec traits = ramp(6, 4);
+  devhost::FrameTraits traits = ramp(6, 4);
   traits.pixels.pop_back();
   EXPECT_FALSE(filter.process(devhost::make_frame(traits)));
   EXPECT_EQ(filter.last_error(), kBadFrame);

@@ -9,8 +9,6 @@
 namespace filterprocessor {
 namespace {
 
-using Pixels = std::vector<std::uint16_t>;
-
 constexpr const char* kTransform = "DisparityTransform";
 constexpr const char* kOpenNI = "OpenNIDisparityTransform";
 
@@ -29,8 +27,8 @@ ZVDisparityParam camera(std::uint8_t pack_mode, bool dual, std::uint8_t bit_size
 }
 
 /// 256 x 256 pixels, one of every value.
-devhost::FrameSpec every_code(const ZVDisparityParam& params) {
-  devhost::FrameSpec traits;
+devhost::FrameTraits every_code(const ZVDisparityParam& params) {
+  devhost::FrameTraits traits;
   traits.width = traits.height = 256;
   traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
   traits.bits = params.bitSize;
@@ -104,7 +102,7 @@ void expect_every_code(const char* name, const ZVDisparityParam& params, const S
     if (open_ni) values.insert(values.end(), {"0", "0", "1", "0", "0", "0", "0"});
     ASSERT_EQ(filter.update(values), kNoError);
   }
-  devhost::FrameSpec traits = every_code(params);
+  devhost::FrameTraits traits = every_code(params);
   if (s.packed) traits.format = ZV_FORMAT_PACKED_CODE;
   if (s.metadata != 0.0f) traits.metadata[32] = static_cast<std::int64_t>(s.metadata);
   const devhost::Frame frame = devhost::make_frame(traits);
@@ -157,15 +155,15 @@ TEST(DisparityTables, EqualAnIndependentEvaluationForEveryCode) {
 }
 
 /// One row of pixels.
-devhost::FrameSpec row(const ZVDisparityParam& params, Pixels pixels) {
-  devhost::FrameSpec traits = every_code(params);
+devhost::FrameTraits row(const ZVDisparityParam& params, Pixels pixels) {
+  devhost::FrameTraits traits = every_code(params);
   traits.width = static_cast<std::uint32_t>(pixels.size());
   traits.height = 1;
   traits.pixels = std::move(pixels);
   return traits;
 }
 
-Pixels converted(FilterDriver& filter, const devhost::FrameSpec& traits) {
+Pixels converted(FilterDriver& filter, const devhost::FrameTraits& traits) {
   const devhost::Frame output = filter.process(devhost::make_frame(traits));
   EXPECT_EQ(filter.last_error(), kNoError);
   return output ? devhost::inspect(output.get()).pixels : Pixels{};
@@ -180,7 +178,7 @@ TEST(DisparityTransform, DescribesItsOutputAsDepth) {
   EXPECT_EQ(filter.update({"4000", "1", "0.5"}), kNoError);
   const devhost::Frame output = filter.process(devhost::make_frame(row(camera(2, true), kCodes)));
   ASSERT_TRUE(output);
-  const devhost::FrameSpec depth = devhost::inspect(output.get());
+  const devhost::FrameTraits depth = devhost::inspect(output.get());
   EXPECT_EQ(depth.pixel_type, ZV_PIXEL_TYPE_DEPTH);
   EXPECT_EQ(depth.bits, 13) << "4000 units of 0.5 need 13 bits";
   EXPECT_EQ(depth.value_scale, 0.5f);
@@ -189,7 +187,7 @@ TEST(DisparityTransform, DescribesItsOutputAsDepth) {
 
 TEST(DisparityTransform, PassesOtherFramesThroughAsCopies) {
   FilterDriver filter(kTransform);
-  devhost::FrameSpec depth = row(camera(2, true), kCodes);
+  devhost::FrameTraits depth = row(camera(2, true), kCodes);
   depth.pixel_type = ZV_PIXEL_TYPE_DEPTH;
   EXPECT_EQ(converted(filter, depth), kCodes);
   const devhost::Frame set = filter.process(devhost::make_frame_set(devhost::make_frame(depth)));
@@ -209,7 +207,7 @@ TEST(DisparityTransform, ConvertsTheDepthFrameOfASet) {
 
 TEST(DisparityTransform, IgnoresABadConfigurationInSilence) {
   FilterDriver filter(kTransform);
-  const devhost::FrameSpec traits = row(camera(2, true), kCodes);
+  const devhost::FrameTraits traits = row(camera(2, true), kCodes);
   for (const std::vector<std::string>& values :
        std::vector<std::vector<std::string>>{{"0", "1", "1"},
                                              {"65536", "1", "1"},
@@ -230,7 +228,7 @@ TEST(DisparityTransform, IgnoresABadConfigurationInSilence) {
 
 TEST(DisparityTransform, DropsAChangeOfTheLowerLimitAlone) {
   FilterDriver filter(kTransform);
-  const devhost::FrameSpec traits = row(camera(2, true), kCodes);
+  const devhost::FrameTraits traits = row(camera(2, true), kCodes);
   EXPECT_EQ(filter.update({"5000", "1", "1"}), kNoError);
   EXPECT_EQ(filter.update({"5000", "1000", "1"}), kNoError);
   EXPECT_EQ(converted(filter, traits), kDepths);
@@ -242,7 +240,7 @@ TEST(DisparityTransform, DropsAChangeOfTheLowerLimitAlone) {
 
 TEST(DisparityTransform, ANewCorrectionAloneRebuildsNothing) {
   FilterDriver filter(kTransform);
-  devhost::FrameSpec traits = row(camera(2, true), kCodes);
+  devhost::FrameTraits traits = row(camera(2, true), kCodes);
   EXPECT_EQ(converted(filter, traits), kDepths);
   traits.metadata[32] = 10;
   EXPECT_EQ(converted(filter, traits), kDepths);
@@ -253,7 +251,7 @@ TEST(DisparityTransform, ANewCorrectionAloneRebuildsNothing) {
 TEST(DisparityTransform, RebuildsAtEveryFrameWhereAParameterIsNoNumberOrTheBitSizesDiffer) {
   for (const bool nan : {true, false}) {
     FilterDriver filter(kTransform);
-    devhost::FrameSpec traits = row(camera(2, true), kCodes);
+    devhost::FrameTraits traits = row(camera(2, true), kCodes);
     if (nan) traits.disparity.zpps = std::nan("");
     if (!nan) traits.disparity.bitSize = 14;
     EXPECT_EQ(converted(filter, traits), kDepths) << "the frame's 16 bits count";
@@ -266,7 +264,7 @@ TEST(DisparityTransform, RebuildsAtEveryFrameWhereAParameterIsNoNumberOrTheBitSi
 
 TEST(DisparityTransform, TheProfileIsReadAgainOnlyForANewSizeFormatOrBitSize) {
   FilterDriver filter(kTransform);
-  devhost::FrameSpec traits = row(camera(2, true), kCodes);
+  devhost::FrameTraits traits = row(camera(2, true), kCodes);
   EXPECT_EQ(converted(filter, traits), kDepths);
   traits.disparity.baseline *= 2;
   EXPECT_EQ(converted(filter, traits), kDepths) << "a new baseline alone goes unnoticed";
@@ -279,7 +277,7 @@ TEST(DisparityTransform, TheProfileIsReadAgainOnlyForANewSizeFormatOrBitSize) {
 
 TEST(DisparityTransform, AResetTableIsRebuilt) {
   FilterDriver filter(kTransform);
-  const devhost::FrameSpec traits = row(camera(2, true), kCodes);
+  const devhost::FrameTraits traits = row(camera(2, true), kCodes);
   EXPECT_EQ(converted(filter, traits), kDepths);
   filter.reset();
   EXPECT_EQ(converted(filter, traits), kDepths);
@@ -289,7 +287,7 @@ TEST(DisparityTransform, AnUnknownPackModeFailsOnceAndThenGivesZeros) {
   for (const bool dual : {true, false}) {
     FilterDriver filter(kTransform);
     const char* rule = dual ? "stereo_camera_init_lookup_table" : "mono_camera_init_lookup_table";
-    const devhost::FrameSpec traits = row(camera(dual ? 4 : 3, dual), kCodes);
+    const devhost::FrameTraits traits = row(camera(dual ? 4 : 3, dual), kCodes);
     const devhost::LiveObjects before = devhost::live_objects();
     const std::string printed =
         FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(traits))); });
@@ -303,7 +301,7 @@ TEST(DisparityTransform, AnUnknownPackModeFailsOnceAndThenGivesZeros) {
 
 TEST(DisparityTransform, CodesPastTheTableGiveZero) {
   FilterDriver filter(kTransform);
-  devhost::FrameSpec traits = row(camera(2, true, 12), {160, 4095, 4096, 65535});
+  devhost::FrameTraits traits = row(camera(2, true, 12), {160, 4095, 4096, 65535});
   for (int n = 0; n < 3; ++n) EXPECT_EQ(converted(filter, traits), (Pixels{2973, 116, 0, 0}));
   traits.disparity.bitSize = traits.bits = 0;
   EXPECT_EQ(converted(filter, traits), Pixels(4));
@@ -324,7 +322,7 @@ TEST(DisparityTransform, PrintsTheRecordWithItsBytesRaw) {
 
 TEST(DisparityTransform, RefusesFramesShorterThanTheySay) {
   FilterDriver filter(kTransform);
-  devhost::FrameSpec traits = row(camera(2, true), kCodes);
+  devhost::FrameTraits traits = row(camera(2, true), kCodes);
   traits.height = 2;
   EXPECT_FALSE(filter.process(devhost::make_frame(traits)));
   EXPECT_EQ(filter.last_error(), kBadFrame);
@@ -349,8 +347,8 @@ ErrorTexts out_of_range(const char* name) {
 }
 
 /// Codes whose depth tells where they stood: column plus 16 times the row, all of them distinct depths.
-devhost::FrameSpec positions(std::uint32_t width, std::uint32_t height) {
-  devhost::FrameSpec traits = every_code(camera(1, true, 16));
+devhost::FrameTraits positions(std::uint32_t width, std::uint32_t height) {
+  devhost::FrameTraits traits = every_code(camera(1, true, 16));
   traits.width = width;
   traits.height = height;
   traits.pixels.clear();
@@ -362,7 +360,7 @@ devhost::FrameSpec positions(std::uint32_t width, std::uint32_t height) {
   traits.intrinsic = {500, 501, 320, 200, 640, 400};
   return traits;
 }
-int depth_at(const devhost::FrameSpec& source, std::uint32_t x, std::uint32_t y) {
+int depth_at(const devhost::FrameTraits& source, std::uint32_t x, std::uint32_t y) {
   if (x >= source.width || y >= source.height) return 0;
   return expected_depth(source.disparity, {65535, 1}, true, source.pixels[y * source.width + x]);
 }
@@ -382,10 +380,10 @@ TEST(OpenNIDisparityTransform, SamplesScalesCropsAndBlanks) {
     FilterDriver filter(kOpenNI);
     ASSERT_EQ(filter.update(open_ni(c.width, c.height, c.scale, c.x_cut, c.y_cut, c.x_set, c.y_set)),
               kNoError);
-    const devhost::FrameSpec source = positions(16, 12);
+    const devhost::FrameTraits source = positions(16, 12);
     const devhost::Frame output = filter.process(devhost::make_frame(source));
     ASSERT_TRUE(output) << filter.last_error();
-    const devhost::FrameSpec depth = devhost::inspect(output.get());
+    const devhost::FrameTraits depth = devhost::inspect(output.get());
     ASSERT_EQ(depth.pixels.size(), static_cast<std::size_t>(c.width * c.height));
     const auto step = static_cast<std::uint32_t>(65536 / std::stof(c.scale) + 1);
     for (int y = 0; y < c.height; ++y) {
@@ -434,7 +432,7 @@ TEST(OpenNIDisparityTransform, RewritesTheIntrinsicsOfTheSampledProfile) {
 
 TEST(OpenNIDisparityTransform, SamplingClearsEntryZeroForGood) {
   FilterDriver filter(kOpenNI);
-  devhost::FrameSpec traits = row(camera(1, true), {0, 30000});
+  devhost::FrameTraits traits = row(camera(1, true), {0, 30000});
   traits.disparity.minDisparity = 100;  // code 0 is then a disparity of 228.375 pixels
   const Pixels whole = converted(filter, traits);
   EXPECT_NE(whole[0], 0);

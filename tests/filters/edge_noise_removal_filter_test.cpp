@@ -5,11 +5,10 @@
 namespace filterprocessor {
 namespace {
 
-using Pixels = std::vector<std::uint16_t>;
 using Parameters = EdgeNoiseRemovalFilter::Parameters;
 
-devhost::FrameSpec full(std::uint32_t width, std::uint32_t height) {
-  devhost::FrameSpec traits;
+devhost::FrameTraits full(std::uint32_t width, std::uint32_t height) {
+  devhost::FrameTraits traits;
   traits.width = width;
   traits.height = height;
   traits.pixels.resize(std::size_t{width} * height, 1000);
@@ -89,7 +88,7 @@ TEST(EdgeNoiseRemovalFilter, ATransposedFrameRunsWithTheRowsOfTheAnchor) {
 }
 
 TEST(EdgeNoiseRemovalFilter, AValidAreaThatBeginsPastALimitKeepsItsEdge) {
-  devhost::FrameSpec traits = full(1280, 800);
+  devhost::FrameTraits traits = full(1280, 800);
   for (std::size_t i = 0; i < traits.pixels.size(); ++i) {
     const std::size_t x = i % 1280;
     const std::size_t y = i / 1280;

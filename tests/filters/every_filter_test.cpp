@@ -44,7 +44,7 @@ TEST_P(EveryFilter, ServesAHostFromCreationToDestruction) {
 
     EXPECT_FALSE(filter.process(nullptr));
     EXPECT_EQ(filter.last_error(), kNoError);
-    devhost::FrameSpec foreign = devhost::inspect(input.get());
+    devhost::FrameTraits foreign = devhost::inspect(input.get());
     foreign.type = 2;
     EXPECT_FALSE(filter.process(devhost::make_frame(foreign)));
     EXPECT_EQ(filter.last_error(), kBadFrameType);

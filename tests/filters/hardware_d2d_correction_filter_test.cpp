@@ -5,11 +5,9 @@
 namespace filterprocessor {
 namespace {
 
-using Pixels = std::vector<std::uint16_t>;
-
 /// fx times baseline is 46000, so a correction of 8 gives 5750.
-devhost::FrameSpec corrected(std::int64_t correction, Pixels pixels = {5749, 5750, 5751, 0}) {
-  devhost::FrameSpec traits;
+devhost::FrameTraits corrected(std::int64_t correction, Pixels pixels = {5749, 5750, 5751, 0}) {
+  devhost::FrameTraits traits;
   traits.width = static_cast<std::uint32_t>(pixels.size());
   traits.height = 1;
   traits.pixels = std::move(pixels);
@@ -19,7 +17,7 @@ devhost::FrameSpec corrected(std::int64_t correction, Pixels pixels = {5749, 575
   return traits;
 }
 
-Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& traits) {
+Pixels filtered(FilterDriver& filter, const devhost::FrameTraits& traits) {
   const devhost::Frame output = filter.process(devhost::make_frame(traits));
   EXPECT_EQ(filter.last_error(), kNoError);
   return output ? devhost::inspect(output.get()).pixels : Pixels{};
@@ -39,7 +37,7 @@ TEST(HardwareD2DCorrectionFilter, ClearsTheDepthOfEmptyDisparities) {
 
 TEST(HardwareD2DCorrectionFilter, CopiesFramesThatHaveNothingToCorrect) {
   FilterDriver filter("HardwareD2DCorrectionFilter");
-  devhost::FrameSpec traits = corrected(8);
+  devhost::FrameTraits traits = corrected(8);
   traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
   EXPECT_EQ(filtered(filter, traits), traits.pixels);
   EXPECT_EQ(filtered(filter, corrected(0)), traits.pixels);
@@ -51,7 +49,7 @@ TEST(HardwareD2DCorrectionFilter, CopiesFramesThatHaveNothingToCorrect) {
 
 TEST(HardwareD2DCorrectionFilter, TruncatesTheScaledPixelAndRoundsTheDepth) {
   FilterDriver filter("HardwareD2DCorrectionFilter");
-  devhost::FrameSpec traits = corrected(8, {57499, 57500, 57509, 57510});
+  devhost::FrameTraits traits = corrected(8, {57499, 57500, 57509, 57510});
   traits.value_scale = 0.1f;
   Pixels expected = traits.pixels;
   for (std::uint16_t& p : expected) {
@@ -69,7 +67,7 @@ TEST(HardwareD2DCorrectionFilter, TruncatesTheScaledPixelAndRoundsTheDepth) {
 TEST(HardwareD2DCorrectionFilter, KeepsTheDepthUnderANewProfileUntilTheCorrectionChanges) {
   FilterDriver filter("HardwareD2DCorrectionFilter");
   EXPECT_EQ(filtered(filter, corrected(8)), kCleared);
-  devhost::FrameSpec traits = corrected(8);
+  devhost::FrameTraits traits = corrected(8);
   traits.format = 1;
   traits.disparity.fx = 919.84;
   EXPECT_EQ(filtered(filter, traits), kCleared);

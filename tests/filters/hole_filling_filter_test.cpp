@@ -5,14 +5,12 @@
 namespace filterprocessor {
 namespace {
 
-using Pixels = std::vector<std::uint16_t>;
-
 constexpr const char* kName = "HoleFillingFilter";
 const ErrorTexts kBadMode = {"invalid hole filling mode params", "update_filter_config", "argv", 4};
 
 /// 8 x 3 pixels: one hole at (1, 1) between 700 above, 900 below and 800 to the left.
-devhost::FrameSpec one_hole() {
-  devhost::FrameSpec traits;
+devhost::FrameTraits one_hole() {
+  devhost::FrameTraits traits;
   traits.width = 8;
   traits.height = 3;
   traits.pixels = Pixels(24, 800);
@@ -22,7 +20,7 @@ devhost::FrameSpec one_hole() {
   return traits;
 }
 
-std::uint16_t filled(FilterDriver& filter, const devhost::FrameSpec& traits) {
+std::uint16_t filled(FilterDriver& filter, const devhost::FrameTraits& traits) {
   const devhost::Frame output = filter.process(devhost::make_frame(traits));
   EXPECT_EQ(filter.last_error(), kNoError);
   return output ? devhost::inspect(output.get()).pixels[9] : std::uint16_t{0};
@@ -30,8 +28,8 @@ std::uint16_t filled(FilterDriver& filter, const devhost::FrameSpec& traits) {
 
 TEST(HoleFillingFilter, NearestAndFarthestChangePlacesForDisparity) {
   FilterDriver filter(kName);
-  devhost::FrameSpec depth = one_hole();
-  devhost::FrameSpec disparity = one_hole();
+  devhost::FrameTraits depth = one_hole();
+  devhost::FrameTraits disparity = one_hole();
   disparity.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
   EXPECT_EQ(filled(filter, depth), 700) << "top, before any configuration";
   EXPECT_EQ(filter.update({"1"}), kNoError);

@@ -1,4 +1,5 @@
 // Every host call of every filter fails in turn.
+#include <algorithm>
 #include <functional>
 #include <map>
 
@@ -11,11 +12,11 @@ struct Scenario {
   const char* name;
   const char* filter;
   std::vector<std::string> configuration;  ///< none: as it is made
-  std::function<void(devhost::FrameSpec&)> describe;
+  std::function<void(devhost::FrameTraits&)> describe;
 };
 
-void disparity(devhost::FrameSpec& traits) { traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY; }
-void corrected(devhost::FrameSpec& traits) { traits.metadata[32] = 4; }
+void disparity(devhost::FrameTraits& traits) { traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY; }
+void corrected(devhost::FrameTraits& traits) { traits.metadata[32] = 4; }
 
 const Scenario kScenarios[] = {
     {"top", "HoleFillingFilter", {}, [](auto&) {}},
@@ -57,11 +58,12 @@ const Scenario kScenarios[] = {
     {"half size", "DepthResize", {"20", "13", "0.5", "0", "0", "1", "0"}, [](auto&) {}},
 };
 
-devhost::Frame make_input(const Scenario& scenario, bool as_set) {
-  devhost::FrameSpec traits;
-  traits.width = 40;
-  traits.height = 24;
-  traits.pixels.resize(40 * 24);
+devhost::Frame make_input(const Scenario& scenario, bool as_set, std::uint32_t width = 40,
+                          std::uint32_t height = 24) {
+  devhost::FrameTraits traits;
+  traits.width = width;
+  traits.height = height;
+  traits.pixels.resize(std::size_t{width} * height);
   for (std::size_t i = 0; i < traits.pixels.size(); ++i) {
     traits.pixels[i] = static_cast<std::uint16_t>(i % 7 == 0 ? 0 : 1000 + i % 50);
   }
@@ -77,25 +79,58 @@ devhost::Frame make_input(const Scenario& scenario, bool as_set) {
   return as_set ? devhost::make_frame_set(std::move(frame)) : std::move(frame);
 }
 
-/// A filter that has seen `frames` frames like `input`.
-FilterDriver prepared(const Scenario& scenario, const devhost::Frame& input, int frames) {
+/// A filter that has seen a frame `before`, if that is one.
+FilterDriver prepared(const Scenario& scenario, const devhost::Frame& before) {
   FilterDriver filter(scenario.filter);
   if (!scenario.configuration.empty()) {
     EXPECT_EQ(filter.update(scenario.configuration), kNoError);
   }
-  for (int n = 0; n < frames; ++n) EXPECT_TRUE(filter.process(input));
+  if (before) {
+    EXPECT_TRUE(filter.process(before));
+  }
   return filter;
 }
 
+Pixels depth_pixels(const devhost::Frame& frame) {
+  return devhost::inspect(devhost::depth_frame_of(frame.get()).get()).pixels;
+}
+
+/// A converted frame whose pixels have no depth; packed ones keep their confidence.
+Pixels without_depth(const devhost::Frame& frame) {
+  devhost::FrameTraits traits = devhost::inspect(devhost::depth_frame_of(frame.get()).get());
+  for (std::uint16_t& pixel : traits.pixels) pixel &= traits.format == ZV_FORMAT_PACKED_CODE ? 15 : 0;
+  return traits.pixels;
+}
+
+/// What may come out for the frame after one whose `call` failed.
+std::vector<Pixels> expected_next(const Scenario& scenario, const devhost::Frame& before,
+                                  const devhost::Frame& input, const std::string& call) {
+  FilterDriver filter = prepared(scenario, before);
+  std::vector<Pixels> expected = {depth_pixels(filter.process(input))};
+  const std::string name = scenario.filter;
+  // The history may know the frame that the host did not get.
+  if (name == "TemporalFilter") expected.push_back(depth_pixels(filter.process(input)));
+  // A table or a product that could not be worked out is not worked out again for the same parameters.
+  if (name == "DisparityTransform" && call == "zv_stream_profile_get_format") {
+    expected.push_back(without_depth(input));
+  }
+  if (name == "HardwareD2DCorrectionFilter" &&
+      call == "zv_disparity_based_stream_profile_get_disparity_param") {
+    expected.push_back(depth_pixels(input));
+  }
+  return expected;
+}
+
 /// Makes one call fail and checks what the caller gets, what is printed and that nothing is left behind.
-void expect_survived(const Scenario& scenario, const devhost::Frame& input, int frames_before,
+void expect_survived(const Scenario& scenario, const devhost::Frame& before, const devhost::Frame& input,
                      const std::string& call, int occurrence, bool null_slot) {
   const std::string what = std::string(scenario.filter) + ", " + scenario.name + ", " + call +
                            " number " + std::to_string(occurrence) + " after " +
-                           std::to_string(frames_before) + " frames";
+                           (before ? "a frame" : "none");
+  const std::vector<Pixels> expected = expected_next(scenario, before, input, call);
   const devhost::LiveObjects baseline = devhost::live_objects();
   {
-    FilterDriver filter = prepared(scenario, input, frames_before);
+    FilterDriver filter = prepared(scenario, before);
     devhost::fail_call(call, occurrence);
     const std::string printed = FilterDriver::output_of([&] {
       PrivFilterContext* context = filter.context();
@@ -113,20 +148,27 @@ void expect_survived(const Scenario& scenario, const devhost::Frame& input, int 
       EXPECT_EQ(filter.last_error(), (ErrorTexts{"injected fault", call, "", 7})) << what;
     }
     EXPECT_EQ(devhost::live_objects().frames, baseline.frames) << what;
-    EXPECT_TRUE(filter.process(input)) << what << ": the next frame";
-    EXPECT_EQ(filter.last_error(), kNoError) << what << ": the next frame";
+    const devhost::Frame next = filter.process(input);
+    ASSERT_TRUE(next) << what << ": the next frame: " << filter.last_error();
+    EXPECT_NE(std::count(expected.begin(), expected.end(), depth_pixels(next)), 0)
+        << what << ": the next frame";
   }
   EXPECT_EQ(devhost::live_objects(), baseline) << what;
 }
 
 TEST(HostFaults, EveryFailingCallIsPrintedOnceAndLeavesNothingBehind) {
+  const devhost::Frame none;
   int faults = 0;
   for (const Scenario& scenario : kScenarios) {
     for (const bool as_set : {false, true}) {
       const devhost::Frame input = make_input(scenario, as_set);
-      const auto pixels = devhost::inspect(devhost::depth_frame_of(input.get()).get()).pixels;
-      for (const int frames_before : {0, 1}) {
-        FilterDriver filter = prepared(scenario, input, frames_before);
+      const Pixels pixels = depth_pixels(input);
+      // A frame of another size makes the filters work out again what they keep.
+      const bool any_size = std::string(scenario.filter) != "DepthResize";
+      const devhost::Frame other =
+          any_size ? make_input(scenario, as_set, 48, 32) : make_input(scenario, as_set);
+      for (const devhost::Frame* before : {&none, &input, &other}) {
+        FilterDriver filter = prepared(scenario, *before);
         devhost::start_call_log();
         const devhost::Frame output = filter.process(input);
         const std::vector<std::string> calls = devhost::stop_call_log();
@@ -135,13 +177,12 @@ TEST(HostFaults, EveryFailingCallIsPrintedOnceAndLeavesNothingBehind) {
         for (const std::string& call : calls) {
           ++seen[call];
           for (const bool null_slot : {false, true}) {
-            expect_survived(scenario, input, frames_before, call, seen[call], null_slot);
+            expect_survived(scenario, *before, input, call, seen[call], null_slot);
             ++faults;
           }
         }
       }
-      EXPECT_EQ(devhost::inspect(devhost::depth_frame_of(input.get()).get()).pixels, pixels)
-          << "the input never changes";
+      EXPECT_EQ(depth_pixels(input), pixels) << "the input never changes";
     }
   }
   std::cout << faults << " faults injected\n";
@@ -166,7 +207,7 @@ TEST(EmptyFrames, AreConvertedToEmptyFramesOrRefused) {
   for (const Scenario& scenario : kScenarios) {
     for (const std::size_t bytes : {std::size_t{0}, std::size_t{3}}) {
       FilterDriver filter(scenario.filter);
-      devhost::FrameSpec traits = devhost::inspect(make_input(scenario, false).get());
+      devhost::FrameTraits traits = devhost::inspect(make_input(scenario, false).get());
       traits.width = traits.height = 0;
       traits.pixels.resize(bytes);
       const devhost::Frame input = devhost::make_frame(traits);

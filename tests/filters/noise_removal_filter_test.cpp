@@ -10,8 +10,6 @@ namespace filterprocessor {
 namespace {
 
 using FrameInfo = IPrivFilter::FrameInfoInner;
-using Pixels = std::vector<std::uint16_t>;
-
 constexpr const char* kName = "NoiseRemovalFilter";
 ErrorTexts out_of_range(const char* name) {
   return {"params out of range", "update_filter_config", name, 4};
@@ -19,8 +17,8 @@ ErrorTexts out_of_range(const char* name) {
 ErrorTexts invalid(const char* field) { return {"invalid params", "updateConfig", field, 4}; }
 const ErrorTexts kKernel = {"noise removal filter error", "filter_process", "NoiseRemovalFilter", 0};
 
-devhost::FrameSpec room(int width, int height) {
-  devhost::FrameSpec traits;
+devhost::FrameTraits room(int width, int height) {
+  devhost::FrameTraits traits;
   traits.width = static_cast<std::uint32_t>(width);
   traits.height = static_cast<std::uint32_t>(height);
   traits.pixels = bench::stereo_scene(width, height).pixels;
@@ -33,8 +31,8 @@ devhost::FrameSpec room(int width, int height) {
 }
 
 /// What the kernel makes of the frame with these parameters; a null table means the fixed threshold.
-Pixels despeckled(const devhost::FrameSpec& traits, std::vector<std::uint16_t> table, std::uint8_t shift,
-                  int max_diff, int max_size, std::uint16_t invalid_value = 0) {
+Pixels despeckled(const devhost::FrameTraits& traits, std::vector<std::uint16_t> table,
+                  std::uint8_t shift, int max_diff, int max_size, std::uint16_t invalid_value = 0) {
   Pixels pixels = traits.pixels;
   std::vector<std::uint8_t> buffer(9 * pixels.size() + 1);
   depth_api_softfilter(buffer.data(), pixels.data(), nullptr, static_cast<int>(traits.width),
@@ -44,7 +42,7 @@ Pixels despeckled(const devhost::FrameSpec& traits, std::vector<std::uint16_t> t
   return pixels;
 }
 
-Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& traits) {
+Pixels filtered(FilterDriver& filter, const devhost::FrameTraits& traits) {
   const devhost::Frame output = filter.process(devhost::make_frame(traits));
   EXPECT_EQ(filter.last_error(), kNoError);
   return output ? devhost::inspect(output.get()).pixels : Pixels{};
@@ -59,7 +57,7 @@ TEST(NoiseRemovalFilter, ScalesTheSizeLimitWithTheAreaOfTheFrame) {
   };
   for (const Case& c : {Case{848, 480, 80}, {424, 240, 20}, {640, 400, 50}, {100, 70, 1}}) {
     FilterDriver filter(kName);
-    const devhost::FrameSpec traits = room(c.width, c.height);
+    const devhost::FrameTraits traits = room(c.width, c.height);
     const Pixels result = filtered(filter, traits);
     EXPECT_EQ(result, despeckled(traits, kTable, 9, 0, c.max_size)) << c.width << " x " << c.height;
     if (c.width > 100) {
@@ -76,7 +74,7 @@ TEST(NoiseRemovalFilter, ScalesTheSizeLimitWithTheAreaOfTheFrame) {
 
 TEST(NoiseRemovalFilter, RescalesTheDifferenceByFractionBits) {
   FilterDriver filter(kName);
-  devhost::FrameSpec traits = room(424, 240);
+  devhost::FrameTraits traits = room(424, 240);
   traits.bits = 12;  // 4 fraction bits: the difference becomes 16, and the table stays
   EXPECT_EQ(filtered(filter, traits), despeckled(traits, kTable, 9, 0, 20));
   traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
@@ -100,7 +98,7 @@ TEST(NoiseRemovalFilter, KnowsTheInvalidCodeOfEachCamera) {
   };
   for (const Case& c : {Case{1, 2, 0}, {1, 4, 0}, {0, 1, 0}, {0, 4, 65532}, {0, 2, 8192}, {0, 3, 8192}}) {
     FilterDriver filter(kName);
-    devhost::FrameSpec traits = room(120, 80);
+    devhost::FrameTraits traits = room(120, 80);
     traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
     traits.disparity.isDualCamera = c.dual;
     traits.disparity.packMode = c.mode;
@@ -138,7 +136,7 @@ TEST(NoiseRemovalFilter, ChecksItsParametersInOrderAndStoresAllOrNone) {
   EXPECT_EQ(filter.update({"1000", "10000", "1281", "1"}), out_of_range("width"));
   EXPECT_EQ(filter.update({"1000", "10000", "1280", "1025"}), out_of_range("height"));
   EXPECT_EQ(filter.update({"1"}), kBadCount);
-  const devhost::FrameSpec traits = room(424, 240);
+  const devhost::FrameTraits traits = room(424, 240);
   EXPECT_EQ(filtered(filter, traits), despeckled(traits, kTable, 9, 0, 20));
   EXPECT_EQ(filter.update({"1000", "128", "1280", "1024"}), kNoError);
   EXPECT_EQ(filtered(filter, traits), despeckled(traits, {3, 12, 28, 50, 78, 112, 153}, 9, 0, 77));
@@ -156,8 +154,8 @@ TEST(NoiseRemovalFilter, AFailedConfigurationIsNotRetriedForTheSameKindOfFrame) 
                         {"frame_info.depth_unit", 50, 0, 424},
                         {"frame_info.width||frame_info.height", 50, 1, 0}}) {
     FilterDriver filter(kName);
-    devhost::FrameSpec good = room(424, 240);
-    devhost::FrameSpec bad = good;
+    devhost::FrameTraits good = room(424, 240);
+    devhost::FrameTraits bad = good;
     bad.disparity.baseline = c.baseline;
     bad.value_scale = c.value_scale;
     bad.width = c.width;
@@ -174,7 +172,7 @@ TEST(NoiseRemovalFilter, AFailedConfigurationIsNotRetriedForTheSameKindOfFrame) 
 TEST(NoiseRemovalFilter, NeverUsesTheBufferOfAnotherSize) {
   FilterDriver filter(kName);
   EXPECT_FALSE(filtered(filter, room(100, 70)).empty());
-  devhost::FrameSpec larger = room(200, 140);
+  devhost::FrameTraits larger = room(200, 140);
   larger.disparity.fx = 0;  // refused before a buffer is made
   FilterDriver::output_of([&] {
     EXPECT_FALSE(filter.process(devhost::make_frame(larger)));
@@ -207,7 +205,7 @@ TEST(NoiseRemovalFilter, CallsTheHostInOrder) {
 
 TEST(NoiseRemovalFilter, PrintsItsStateWithItsBytesRaw) {
   NoiseRemovalFilter filter;
-  devhost::FrameSpec traits = room(424, 240);
+  devhost::FrameTraits traits = room(424, 240);
   const devhost::Frame frame = devhost::make_frame(traits);
   const devhost::Frame output(filter.filter_process(frame.get(), nullptr));
   const std::string expected =

@@ -7,16 +7,14 @@
 namespace filterprocessor {
 namespace {
 
-using Pixels = std::vector<std::uint16_t>;
-
 constexpr const char* kName = "SpatialAdvancedFilter";
 ErrorTexts out_of_range(const char* name) {
   return {"params out of range", "update_filter_config", name, 4};
 }
 ErrorTexts invalid(const char* field) { return {"invalid params", "updateConfig", field, 4}; }
 
-devhost::FrameSpec room() {
-  devhost::FrameSpec traits;
+devhost::FrameTraits room() {
+  devhost::FrameTraits traits;
   traits.width = 200;
   traits.height = 130;
   traits.pixels = bench::stereo_scene(200, 130).pixels;
@@ -26,13 +24,13 @@ devhost::FrameSpec room() {
   return traits;
 }
 
-Pixels filtered(FilterDriver& filter, const devhost::FrameSpec& traits) {
+Pixels filtered(FilterDriver& filter, const devhost::FrameTraits& traits) {
   const devhost::Frame output = filter.process(devhost::make_frame(traits));
   EXPECT_EQ(filter.last_error(), kNoError);
   return output ? devhost::inspect(output.get()).pixels : Pixels{};
 }
 
-Pixels smoothed(const devhost::FrameSpec& traits, const std::vector<std::uint16_t>& table,
+Pixels smoothed(const devhost::FrameTraits& traits, const std::vector<std::uint16_t>& table,
                 std::uint8_t shift, int magnitude = 1, float alpha = 0.5f, std::uint8_t radius = 1) {
   Pixels pixels = traits.pixels;
   depth_api_spatial_filter_origin_lut(pixels.data(), 200, 130, table.data(), shift, 7, magnitude, radius,
@@ -40,7 +38,7 @@ Pixels smoothed(const devhost::FrameSpec& traits, const std::vector<std::uint16_
   return pixels;
 }
 
-Pixels smoothed_fixed(const devhost::FrameSpec& traits, float difference) {
+Pixels smoothed_fixed(const devhost::FrameTraits& traits, float difference) {
   Pixels pixels = traits.pixels;
   depth_api_spatial_filter_origin(pixels.data(), 200, 130, 1, 1, 1, 1, 0.5f, difference);
   return pixels;
@@ -50,7 +48,7 @@ const std::vector<std::uint16_t> kTable = {3, 15, 35, 62, 97, 140, 191};
 
 TEST(SpatialAdvancedFilter, TurnsTheDisparityStepIntoStepsOfDepth) {
   FilterDriver filter(kName);
-  const devhost::FrameSpec traits = room();
+  const devhost::FrameTraits traits = room();
   const Pixels result = filtered(filter, traits);
   EXPECT_EQ(result, smoothed(traits, kTable, 9));
   EXPECT_NE(result, traits.pixels);
@@ -62,7 +60,7 @@ TEST(SpatialAdvancedFilter, TurnsTheDisparityStepIntoStepsOfDepth) {
 
 TEST(SpatialAdvancedFilter, GoesOverDisparityFramesOnceWithAFixedStep) {
   FilterDriver filter(kName);
-  devhost::FrameSpec traits = room();
+  devhost::FrameTraits traits = room();
   traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
   traits.value_scale = 0;  // does not matter for disparity
   EXPECT_EQ(filter.update({"5", "0.5", "160", "1"}), kNoError);
@@ -73,12 +71,12 @@ TEST(SpatialAdvancedFilter, GoesOverDisparityFramesOnceWithAFixedStep) {
 
 TEST(SpatialAdvancedFilter, KeepsTheGeometryOfAnEarlierFrameForLinearDepth) {
   FilterDriver filter(kName);
-  devhost::FrameSpec traits = room();
+  devhost::FrameTraits traits = room();
   traits.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
   traits.value_scale = 0;  // not read
   traits.disparity = {};
   EXPECT_EQ(filtered(filter, traits), smoothed(traits, {160, 320, 480, 640, 800, 960, 1120}, 9));
-  devhost::FrameSpec bad = room();
+  devhost::FrameTraits bad = room();
   bad.value_scale = 0;
   FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
   EXPECT_EQ(filter.last_error(), invalid("frame_info.depth_unit"));
@@ -88,7 +86,7 @@ TEST(SpatialAdvancedFilter, KeepsTheGeometryOfAnEarlierFrameForLinearDepth) {
 
 TEST(SpatialAdvancedFilter, OnlyHolesChangeInFramesOfOtherPixelTypes) {
   FilterDriver filter(kName);
-  devhost::FrameSpec traits = room();
+  devhost::FrameTraits traits = room();
   traits.pixel_type = 9;
   EXPECT_EQ(filter.update({"1", "0.5", "160", "8"}), kNoError);
   const Pixels result = filtered(filter, traits);
@@ -105,9 +103,9 @@ TEST(SpatialAdvancedFilter, OnlyHolesChangeInFramesOfOtherPixelTypes) {
 
 TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
   FilterDriver filter(kName);
-  const devhost::FrameSpec traits = room();
+  const devhost::FrameTraits traits = room();
   const Pixels result = filtered(filter, traits);
-  devhost::FrameSpec bad = traits;
+  devhost::FrameTraits bad = traits;
   bad.disparity.baseline = 0;
   FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
   EXPECT_EQ(filter.last_error(),
@@ -120,7 +118,7 @@ TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
 
 TEST(SpatialAdvancedFilter, FramesWiderThanTheKernelsSizesFail) {
   FilterDriver filter(kName);
-  devhost::FrameSpec traits = room();
+  devhost::FrameTraits traits = room();
   traits.width = 70000;
   traits.height = 1;
   traits.pixels.resize(70000);
@@ -137,13 +135,13 @@ TEST(SpatialAdvancedFilter, ChecksItsParametersInOrderAndStoresAllOrNone) {
   EXPECT_EQ(filter.update({"2", "0.1", "10001", "1"}), out_of_range("disp_diff"));
   EXPECT_EQ(filter.update({"2", "1", "1", "-1"}), out_of_range("radius"));
   EXPECT_EQ(filter.update({"1", "0.5", "160", "1", "1"}), kBadCount);
-  const devhost::FrameSpec traits = room();
+  const devhost::FrameTraits traits = room();
   EXPECT_EQ(filtered(filter, traits), smoothed(traits, kTable, 9));
 }
 
 TEST(SpatialAdvancedFilter, PrintsItsStateInNumbers) {
   SpatialAdvancedFilter filter;
-  devhost::FrameSpec traits = room();
+  devhost::FrameTraits traits = room();
   traits.bits = 12;
   const devhost::Frame frame = devhost::make_frame(traits);
   const devhost::Frame output(filter.filter_process(frame.get(), nullptr));

@@ -5,10 +5,8 @@
 namespace filterprocessor {
 namespace {
 
-using Pixels = std::vector<std::uint16_t>;
-
-devhost::FrameSpec row(Pixels pixels) {
-  devhost::FrameSpec traits;
+devhost::FrameTraits row(Pixels pixels) {
+  devhost::FrameTraits traits;
   traits.width = static_cast<std::uint32_t>(pixels.size());
   traits.height = 1;
   traits.pixels = std::move(pixels);
@@ -44,7 +42,7 @@ TEST(TemporalFilter, DropsItsHistoryOnANewSizeAndOnResetButNotOnConfiguration) {
   filter.reset();
   EXPECT_EQ(filtered(filter, {1000, 1000}), (Pixels{1000, 1000}));
   EXPECT_EQ(filtered(filter, {1050, 1050}), (Pixels{1020, 1020})) << "and the weight is 0.4 again";
-  devhost::FrameSpec transposed = row({1000, 1000});
+  devhost::FrameTraits transposed = row({1000, 1000});
   std::swap(transposed.width, transposed.height);
   EXPECT_EQ(devhost::inspect(filter.process(devhost::make_frame(transposed)).get()).pixels,
             (Pixels{1000, 1000}));
@@ -65,7 +63,7 @@ TEST(TemporalFilter, StoresTheScaleBeforeItChecksTheWeight) {
 TEST(TemporalFilter, RefusesFramesThatOnlyClaimToBeLarge) {
   FilterDriver filter("TemporalFilter");
   for (const std::uint32_t side : {60000u, 0xffffffffu}) {
-    devhost::FrameSpec traits = row({1000, 1000});
+    devhost::FrameTraits traits = row({1000, 1000});
     traits.width = traits.height = side;
     EXPECT_FALSE(filter.process(devhost::make_frame(traits)));
     EXPECT_EQ(filter.last_error(), kBadFrame);

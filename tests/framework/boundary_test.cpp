@@ -7,8 +7,8 @@
 namespace filterprocessor {
 namespace {
 
-devhost::FrameSpec small_depth() {
-  devhost::FrameSpec traits;
+devhost::FrameTraits small_depth() {
+  devhost::FrameTraits traits;
   traits.width = 8;
   traits.height = 4;
   traits.format = 7;
@@ -72,13 +72,13 @@ TEST(Boundary, TwoFiltersOfOneIndexAreIndependent) {
 
 TEST(Boundary, TheOutputIsANewFrameOfTheInputsDescription) {
   FilterDriver filter("HoleFillingFilter");
-  const devhost::FrameSpec traits = small_depth();
+  const devhost::FrameTraits traits = small_depth();
   const devhost::Frame frame = devhost::make_frame(traits);
   const devhost::Frame output = filter.process(frame);
   ASSERT_TRUE(output);
   EXPECT_NE(output.get(), frame.get());
   EXPECT_EQ(devhost::inspect(frame.get()).pixels, traits.pixels) << "the input never changes";
-  const devhost::FrameSpec result = devhost::inspect(output.get());
+  const devhost::FrameTraits result = devhost::inspect(output.get());
   EXPECT_EQ(result.type, ZV_FRAME_TYPE_DEPTH);
   EXPECT_EQ(result.format, traits.format);
   EXPECT_EQ(result.value_scale, traits.value_scale);
@@ -102,7 +102,7 @@ TEST(Boundary, FramesThatHoldNoDepthAreRefused) {
   EXPECT_FALSE(filter.process(devhost::make_frame_set(nullptr)));
   EXPECT_EQ(filter.last_error(), kBadFrameType);
   for (const int type : {0, 1, 2, 4, 6, -3}) {
-    devhost::FrameSpec traits = small_depth();
+    devhost::FrameTraits traits = small_depth();
     traits.type = type;
     const std::string printed =
         FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(traits))); });
@@ -114,7 +114,7 @@ TEST(Boundary, FramesThatHoldNoDepthAreRefused) {
 TEST(Boundary, DataThatDoNotFitTheDescriptionAreRefusedBeforeTheKernel) {
   FilterDriver filter("HoleFillingFilter");
   const devhost::LiveObjects before = devhost::live_objects();
-  devhost::FrameSpec traits = small_depth();
+  devhost::FrameTraits traits = small_depth();
   traits.pixels.pop_back();
   EXPECT_FALSE(filter.process(devhost::make_frame(traits)));
   EXPECT_EQ(filter.last_error(), kBadFrame);
@@ -162,7 +162,7 @@ struct CompleteTempFilter1 : TempFilter1 {
 
 TEST(TempFilter1, MakesAFrameLikeAnyFrame) {
   CompleteTempFilter1 filter;
-  devhost::FrameSpec traits = small_depth();
+  devhost::FrameTraits traits = small_depth();
   traits.type = 1;
   zv_error* error = nullptr;
   const devhost::Frame frame = devhost::make_frame(traits);

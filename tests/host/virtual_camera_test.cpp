@@ -23,7 +23,7 @@ CameraConfig small_config() {
 }
 
 // Depth in millimetres of one stored pixel as a reader of the frame finds it, 0 for none.
-double read_depth(const FrameSpec& frame, std::uint16_t pixel) {
+double read_depth(const FrameTraits& frame, std::uint16_t pixel) {
   const ZVDisparityParam& record = frame.disparity;
   const bool packed = frame.format == 34, dual = record.isDualCamera != 0;
   const int code = packed ? pixel >> 4 : pixel;
@@ -50,7 +50,7 @@ double read_depth(const FrameSpec& frame, std::uint16_t pixel) {
   return z >= 0 && z < 65536 ? z : 0;
 }
 
-std::vector<double> read_depths(const FrameSpec& frame) {
+std::vector<double> read_depths(const FrameTraits& frame) {
   std::vector<double> depths;
   for (const std::uint16_t pixel : frame.pixels) depths.push_back(read_depth(frame, pixel));
   return depths;
@@ -110,7 +110,7 @@ TEST(VirtualCamera, EveryCodingReadsBackAsTheDepthThatWasMeasured) {
     config.disparity_correction = coding.correction;
     const VirtualCamera camera(config);
     const CameraFrame frame = camera.frame(0);
-    const FrameSpec& traits = frame.disparity;
+    const FrameTraits& traits = frame.disparity;
     SCOPED_TRACE(testing::Message() << "pack mode " << int{coding.pack_mode} << ", dual " << coding.dual
                                     << ", format " << coding.format << ", bits " << int{traits.bits});
 
@@ -292,7 +292,7 @@ TEST(VirtualCamera, OddSizesCarryTheirWholeDescription) {
   config.height = 49;
   config.disparity_correction = -2;
   const VirtualCamera camera(config);
-  const FrameSpec traits = inspect(make_frame(camera.frame(3).disparity).get());
+  const FrameTraits traits = inspect(make_frame(camera.frame(3).disparity).get());
   EXPECT_EQ(traits.pixels.size(), 131u * 49u);
   EXPECT_EQ(traits.type, 3);
   EXPECT_EQ(traits.pixel_type, 2);

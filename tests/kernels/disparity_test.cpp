@@ -10,6 +10,7 @@ namespace filterprocessor {
 namespace {
 
 class DisparityLevel : public LevelTest {};
+class DisparityVectors : public LevelTest {};
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -45,7 +46,7 @@ MonoRule any_mono(std::mt19937& random) {
           .limits = any_limits(random)};
 }
 
-TEST_P(DisparityLevel, TablesEqualThePlainFormInEveryEntry) {
+TEST_P(DisparityVectors, TablesEqualThePlainFormInEveryEntry) {
   std::mt19937 random(3);
   for (const std::size_t size : {std::size_t{1}, std::size_t{2}, std::size_t{7}, std::size_t{1024},
                                  std::size_t{8192}, std::size_t{16384}, kMaxDepthTable}) {
@@ -110,7 +111,7 @@ TEST_P(DisparityLevel, ConversionStaysInsideShortBuffers) {
   }
 }
 
-TEST_P(DisparityLevel, CorrectionEqualsThePlainFormForEveryPixelValue) {
+TEST_P(DisparityVectors, CorrectionEqualsThePlainFormForEveryPixelValue) {
   Pixels every(65536 + 3);
   for (std::size_t i = 0; i < every.size(); ++i) every[i] = static_cast<std::uint16_t>(i);
   const float infinity = std::numeric_limits<float>::infinity();
@@ -129,6 +130,7 @@ TEST_P(DisparityLevel, CorrectionEqualsThePlainFormForEveryPixelValue) {
 }
 
 FILTERPROCESSOR_EVERY_LEVEL(DisparityLevel);
+FILTERPROCESSOR_VECTOR_LEVELS(DisparityVectors);
 
 }  // namespace
 }  // namespace filterprocessor

@@ -10,6 +10,7 @@ namespace {
 using Fill = HoleFillingKernels::Fill;
 
 class HoleFillingLevel : public LevelTest {};
+class HoleFillingVectors : public LevelTest {};
 
 constexpr Fill* HoleFillingKernels::*kModes[] = {&HoleFillingKernels::top, &HoleFillingKernels::smaller,
                                                  &HoleFillingKernels::larger};
@@ -26,7 +27,7 @@ void expect_equal(const HoleFillingKernels& plain, const HoleFillingKernels& fas
   }
 }
 
-TEST_P(HoleFillingLevel, EqualsThePlainFormAtEverySizeUpTo70x70) {
+TEST_P(HoleFillingVectors, EqualsThePlainFormAtEverySizeUpTo70x70) {
   std::mt19937 random(1);
   for (std::size_t height = 0; height <= 70; ++height) {
     for (std::size_t width = 1; width <= 70; ++width) {
@@ -37,7 +38,7 @@ TEST_P(HoleFillingLevel, EqualsThePlainFormAtEverySizeUpTo70x70) {
   }
 }
 
-TEST_P(HoleFillingLevel, EqualsThePlainFormOnRowsOfManyVectors) {
+TEST_P(HoleFillingVectors, EqualsThePlainFormOnRowsOfManyVectors) {
   std::mt19937 random(2);
   for (const std::size_t width : {std::size_t{848}, std::size_t{2048 + 40}, std::size_t{5000}}) {
     for (const unsigned percent : {2u, 50u, 100u}) {
@@ -47,7 +48,7 @@ TEST_P(HoleFillingLevel, EqualsThePlainFormOnRowsOfManyVectors) {
   }
 }
 
-TEST_P(HoleFillingLevel, EqualsThePlainFormOnTheBenchmarksScenes) {
+TEST_P(HoleFillingVectors, EqualsThePlainFormOnTheBenchmarksScenes) {
   for (const bench::Image& image : {bench::stereo_scene(640, 400), bench::scattered_holes(848, 480)}) {
     expect_equal(plain().hole_filling, kernels().hole_filling, image.pixels,
                  static_cast<std::size_t>(image.width), static_cast<std::size_t>(image.height));
@@ -111,6 +112,7 @@ TEST_P(HoleFillingLevel, TheLargestValueIsAHoleWhenTheSmallerIsKept) {
 }
 
 FILTERPROCESSOR_EVERY_LEVEL(HoleFillingLevel);
+FILTERPROCESSOR_VECTOR_LEVELS(HoleFillingVectors);
 
 TEST(HoleFillingInterface, SmallImagesSucceedUnchangedAndUnknownModesFail) {
   Pixels image(32);

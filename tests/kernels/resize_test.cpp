@@ -19,6 +19,9 @@ struct ResizeLevel : LevelTest {
 };
 FILTERPROCESSOR_EVERY_LEVEL(ResizeLevel);
 
+class ResizeVectors : public ResizeLevel {};
+FILTERPROCESSOR_VECTOR_LEVELS(ResizeVectors);
+
 /// A row of 1, 2, ... resized by one axis.
 Pixels resized_row(const KernelSet& kernels, int width, int target, float scale, int before) {
   Pixels source(static_cast<std::size_t>(width));
@@ -66,7 +69,7 @@ TEST(ResizeAxis, IsWorkedOutInFloatsStepByStep) {
   EXPECT_EQ(resize_axis(70001, 1, 1.0f, -70000).start >> 16, 70000u - 65536u) << "32 bits wrap";
 }
 
-TEST_P(ResizeLevel, EqualsThePlainFormAtAnySizeScaleAndBand) {
+TEST_P(ResizeVectors, EqualsThePlainFormAtAnySizeScaleAndBand) {
   Random random(8);
   const float scales[] = {1.0f, 2.0f, 1.5f, 0.5f, 0.3f, 0.1f, 3.7f, 1.01f, 0.99f, 0.73f, 50.0f};
   for (int round = 0; round < 3000; ++round) {

@@ -71,6 +71,9 @@ struct SpatialLevel : LevelTest {
 };
 FILTERPROCESSOR_EVERY_LEVEL(SpatialLevel);
 
+class SpatialVectors : public SpatialLevel {};
+FILTERPROCESSOR_VECTOR_LEVELS(SpatialVectors);
+
 TEST_P(SpatialLevel, FillsHolesFromBothSidesUpToTheRadius) {
   const Pixels row = {100, 0, 0, 0, 0, 100};
   EXPECT_EQ(across(row, 0, 0.5f, 3), Pixels(6, 100));
@@ -169,7 +172,7 @@ TEST_P(SpatialLevel, ThresholdsAndPixelsAreSignedNumbers) {
   EXPECT_EQ(along({100, 102}, 40000, 0.5f), (Pixels{100, 102}));
 }
 
-TEST_P(SpatialLevel, EveryAlphaBlendsExactly) {
+TEST_P(SpatialVectors, EveryAlphaBlendsExactly) {
   // All pairs of a neighbour and a distance for alphas near and far from ties, whatever way the level
   // takes.
   Random random(3);
@@ -208,7 +211,7 @@ TEST_P(SpatialLevel, BlendIsTheWrappedMeanOfUnsignedPixels) {
 }
 #endif
 
-TEST_P(SpatialLevel, EqualsThePlainFormOnAnyImage) {
+TEST_P(SpatialVectors, EqualsThePlainFormOnAnyImage) {
   Random random(4);
   for (int round = 0; round < 3000; ++round) {
     const auto width = static_cast<std::size_t>(random.integer(1, random.one_in(20) ? 600 : 70));
@@ -231,7 +234,7 @@ TEST_P(SpatialLevel, EqualsThePlainFormOnAnyImage) {
   }
 }
 
-TEST_P(SpatialLevel, EqualsThePlainFormOnEitherSideOfTheWidthThatFitsTheStack) {
+TEST_P(SpatialVectors, EqualsThePlainFormOnEitherSideOfTheWidthThatFitsTheStack) {
   Random random(7);
   const std::uint16_t table[] = {3, 15, 35, 62};
   for (const std::size_t width : {1279u, 1280u, 1281u, 2600u}) {
@@ -243,7 +246,7 @@ TEST_P(SpatialLevel, EqualsThePlainFormOnEitherSideOfTheWidthThatFitsTheStack) {
   }
 }
 
-TEST_P(SpatialLevel, NotANumberAsAlphaStaysInsideTheImage) {
+TEST_P(SpatialVectors, NotANumberAsAlphaStaysInsideTheImage) {
   Random random(5);
   const std::uint16_t threshold = 50;
   expect_plain({45, 33, random.pixels(45 * 33, 900, 60, 9)}, {{&threshold, 1, 0}, kNan, 3}, "NaN");

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
-#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -11,13 +10,13 @@
 #include "kernels/kernel_set.h"
 #include "kernels/speckle/speckle_plain.h"
 #include "scenes.h"
+#include "support/levels.h"
+#include "support/random_image.h"
 
 namespace filterprocessor {
 namespace {
 
 using bench::Image;
-using Pixels = std::vector<std::uint16_t>;
-
 std::size_t area(int width, int height) {
   return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
 }
@@ -348,12 +347,9 @@ TEST(Speckle, PlainFormEqualsReachability) {
 
 // -- Every level equals the plain form
 
-class SpeckleLevels : public testing::TestWithParam<Level> {
+class SpeckleVectors : public LevelTest {
  protected:
-  void SetUp() override {
-    if (!machine_runs(GetParam())) GTEST_SKIP() << "this machine does not run " << level_name(GetParam());
-  }
-  const SpeckleKernels& kernels() const { return kernel_set(GetParam())->speckle; }
+  static const SpeckleKernels& kernels() { return LevelTest::kernels().speckle; }
 
   void expect_equal(const Image& image, const Case& with, std::size_t offset = 0) const {
     SCOPED_TRACE(testing::Message() << image.width << "x" << image.height << ", table "
@@ -368,18 +364,16 @@ class SpeckleLevels : public testing::TestWithParam<Level> {
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(, SpeckleLevels,
-                         testing::ValuesIn(compiled_levels().begin(), compiled_levels().end()),
-                         [](const auto& level) { return std::string(level_name(level.param)); });
+FILTERPROCESSOR_VECTOR_LEVELS(SpeckleVectors);
 
 /// Random cases: the random numbers of one case, and tables and maps that live as long.
 class RandomCase {
  public:
-  explicit RandomCase(std::uint32_t seed) : engine_(seed) {}
-  int pick(int low, int high) { return std::uniform_int_distribution(low, high)(engine_); }
+  explicit RandomCase(std::uint32_t seed) : random_(seed) {}
+  int pick(int low, int high) { return random_.integer(low, high); }
   template <typename T>
   T one_of(std::initializer_list<T> values) {
-    return values.begin()[pick(0, static_cast<int>(values.size()) - 1)];
+    return random_.pick(values);
   }
   bool chance(int percent) { return pick(1, 100) <= percent; }
 
@@ -428,12 +422,12 @@ class RandomCase {
   }
 
  private:
-  std::mt19937 engine_;
+  Random random_;
   Pixels table_;
   Pixels map_;
 };
 
-TEST_P(SpeckleLevels, EqualsPlainOnSmallImages) {
+TEST_P(SpeckleVectors, EqualsPlainOnSmallImages) {
   for (std::uint32_t seed = 0; seed < 4000; ++seed) {
     RandomCase random(seed);
     const int width = random.pick(1, 70), height = random.pick(1, 70);
@@ -443,7 +437,7 @@ TEST_P(SpeckleLevels, EqualsPlainOnSmallImages) {
   }
 }
 
-TEST_P(SpeckleLevels, EqualsPlainOnLargeAndLongImages) {
+TEST_P(SpeckleVectors, EqualsPlainOnLargeAndLongImages) {
   for (std::uint32_t seed = 0; seed < 150; ++seed) {
     RandomCase random(seed);
     const auto [width, height] =
@@ -458,7 +452,7 @@ TEST_P(SpeckleLevels, EqualsPlainOnLargeAndLongImages) {
   }
 }
 
-TEST_P(SpeckleLevels, EqualsPlainOnScenesAndHardImages) {
+TEST_P(SpeckleVectors, EqualsPlainOnScenesAndHardImages) {
   const Pixels table = bench::scene_table();
   const Pixels map = {80, 5, 300, 0, 20, 65535};
   for (const Image& image :
@@ -478,7 +472,7 @@ TEST_P(SpeckleLevels, EqualsPlainOnScenesAndHardImages) {
   }
 }
 
-TEST_P(SpeckleLevels, HalfResolutionKernelsEqualPlain) {
+TEST_P(SpeckleVectors, HalfResolutionKernelsEqualPlain) {
   for (std::uint32_t seed = 0; seed < 1500; ++seed) {
     RandomCase random(seed);
     const int width = random.pick(2, 150), height = random.pick(2, 20);

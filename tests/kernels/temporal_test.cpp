@@ -23,6 +23,9 @@ struct TemporalLevel : LevelTest {
 };
 FILTERPROCESSOR_EVERY_LEVEL(TemporalLevel);
 
+class TemporalVectors : public TemporalLevel {};
+FILTERPROCESSOR_VECTOR_LEVELS(TemporalVectors);
+
 TEST_P(TemporalLevel, BlendsOnlyValidPixelsThatAreStrictlyClose) {
   EXPECT_EQ(smooth(1000, 1050, 0.1f, 0.4f), 1020);
   EXPECT_EQ(smooth(1000, 1100, 0.1f, 0.4f), 1100) << "a change of exactly a tenth is a jump";
@@ -49,7 +52,7 @@ TEST_P(TemporalLevel, ParametersOutsideTheirRangesGiveDefinedPixels) {
   EXPECT_EQ(smooth(100, 101, 0.1f, 1e30f), 65535) << "saturates at 2^31 - 1";
 }
 
-TEST_P(TemporalLevel, EqualsThePlainFormAtEveryLengthAndParameter) {
+TEST_P(TemporalVectors, EqualsThePlainFormAtEveryLengthAndParameter) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   Random random(1);
   for (int round = 0; round < 3000; ++round) {
@@ -73,7 +76,7 @@ TEST_P(TemporalLevel, EqualsThePlainFormAtEveryLengthAndParameter) {
 }
 
 /// Every pair of close values in one sweep: roundings of products and sums are where levels could differ.
-TEST_P(TemporalLevel, EqualsThePlainFormForAllCloseValues) {
+TEST_P(TemporalVectors, EqualsThePlainFormForAllCloseValues) {
   for (const float weight : {0.4f, 0.1f, 0.77f}) {
     for (const int distance : {-50, -10, -5, 0, 1, 5, 25, 100}) {
       Pixels depth(65536);

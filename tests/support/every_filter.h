@@ -41,9 +41,9 @@ inline std::vector<FilterUse> every_filter(std::uint32_t width, std::uint32_t he
 }
 
 /// A frame with slopes, jumps and holes that change with `number`.
-inline devhost::FrameSpec lively_frame(std::uint32_t width, std::uint32_t height, std::int32_t pixel_type,
-                                       unsigned number) {
-  devhost::FrameSpec traits;
+inline devhost::FrameTraits lively_frame(std::uint32_t width, std::uint32_t height,
+                                         std::int32_t pixel_type, unsigned number) {
+  devhost::FrameTraits traits;
   traits.width = width;
   traits.height = height;
   traits.pixel_type = pixel_type;

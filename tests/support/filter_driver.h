@@ -11,6 +11,7 @@
 
 #include "dev_host.h"
 #include "filterprocessor/filter_processor.h"
+#include "support/pixels.h"
 
 namespace filterprocessor {
 

@@ -1,4 +1,4 @@
-/// Walks the processor levels: every test of a kernel runs once per level that is compiled in.
+/// Walks the processor levels that are compiled in.
 #ifndef FILTERPROCESSOR_TESTS_SUPPORT_LEVELS_H
 #define FILTERPROCESSOR_TESTS_SUPPORT_LEVELS_H
 
@@ -25,12 +25,20 @@ inline auto every_level() {
   return testing::ValuesIn(levels.begin(), levels.end());
 }
 
+/// Those to compare with the plain form.
+inline auto vector_levels() {
+  const auto levels = compiled_levels();
+  return testing::ValuesIn(levels.begin() + 1, levels.end());
+}
+
 inline std::string level_test_name(const testing::TestParamInfo<Level>& info) {
   return std::string(level_name(info.param));
 }
 
 #define FILTERPROCESSOR_EVERY_LEVEL(suite) \
   INSTANTIATE_TEST_SUITE_P(Levels, suite, every_level(), level_test_name)
+#define FILTERPROCESSOR_VECTOR_LEVELS(suite) \
+  INSTANTIATE_TEST_SUITE_P(Levels, suite, vector_levels(), level_test_name)
 
 }  // namespace filterprocessor
 

@@ -4,11 +4,10 @@
 #include <cstdint>
 #include <initializer_list>
 #include <random>
-#include <vector>
+
+#include "support/pixels.h"
 
 namespace filterprocessor {
-
-using Pixels = std::vector<std::uint16_t>;
 
 /// `count` pixels, about `hole_percent` of them 0 and most of these in runs, now and then 65535 or its
 /// neighbour.

@@ -15,8 +15,6 @@
 namespace filterprocessor {
 namespace {
 
-using Pixels = std::vector<std::uint16_t>;
-
 constexpr std::uint32_t kWidth = 64;
 constexpr std::uint32_t kHeight = 48;
 constexpr unsigned kFrames = 60;
@@ -98,7 +96,6 @@ TEST(Threads, FiltersWithALockAreConfiguredWhileTheyWork) {
     FilterDriver filter(use.name);
     filter.update(use.configuration);
     int torn = 0;
-    int whole = 0;
     at_once({[&] {
                for (int n = 0; n < 200; ++n) filter.update(n % 2 == 0 ? use.other : use.configuration);
              },
@@ -108,10 +105,9 @@ TEST(Threads, FiltersWithALockAreConfiguredWhileTheyWork) {
                  zv_error* error = nullptr;
                  const devhost::Frame result(context->process(context->filter, frame.get(), &error));
                  const Pixels pixels = result ? devhost::inspect(result.get()).pixels : Pixels{};
-                 (pixels == expected[0] || pixels == expected[1] ? whole : torn) += 1;
+                 if (pixels != expected[0] && pixels != expected[1]) ++torn;
                }
              }});
-    EXPECT_EQ(torn + whole, 200);
     const bool stored_one_by_one = name == "OpenNIDisparityTransform";
     EXPECT_TRUE(torn == 0 || stored_one_by_one) << name << ": " << torn << " torn frames";
   }

@@ -82,8 +82,8 @@ TEST(CameraOptions, AreRefusedByName) {
   }
 }
 
-devhost::FrameSpec sample_camera() {
-  devhost::FrameSpec camera;
+devhost::FrameTraits sample_camera() {
+  devhost::FrameTraits camera;
   camera.format = 34;
   camera.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
   camera.bits = 12;
@@ -96,8 +96,8 @@ devhost::FrameSpec sample_camera() {
 }
 
 TEST(CameraFile, KeepsEveryBit) {
-  const devhost::FrameSpec camera = sample_camera();
-  const devhost::FrameSpec back = parse_camera_json(camera_json(camera), "camera.json");
+  const devhost::FrameTraits camera = sample_camera();
+  const devhost::FrameTraits back = parse_camera_json(camera_json(camera), "camera.json");
   EXPECT_EQ(back.format, camera.format);
   EXPECT_EQ(back.pixel_type, camera.pixel_type);
   EXPECT_EQ(back.bits, camera.bits);

@@ -94,7 +94,7 @@ TEST(Preview, IsNotRuledByOutliersNorByFlatImages) {
 /// A disparity frame of one row.
 FrameImage disparity(std::vector<std::uint16_t> codes, std::uint8_t pack_mode, bool dual,
                      int format = 0) {
-  devhost::FrameSpec frame;
+  devhost::FrameTraits frame;
   frame.width = static_cast<std::uint32_t>(codes.size());
   frame.height = 1;
   frame.format = format;

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "common/saturate.h"
+#include "common/scale_step.h"
 
 namespace filterprocessor {
 
@@ -16,8 +17,7 @@ void sample_depth(const DepthSampling& s, const std::uint16_t* source, std::uint
   const auto cols = std::min(s.target_width, saturate<std::int32_t>(s.scale * static_cast<float>(width)));
   if (rows < 1 || cols < 1) return;
 
-  // The step is one larger than 65536 / scale where that is whole; the positions drift by that much.
-  const auto step = saturate<std::uint32_t>(65536.0f / s.scale + 1.0f);
+  const std::uint32_t step = scale_step(s.scale);
   const auto inside = [](std::int64_t at, std::int64_t border, std::int64_t size) {
     return border <= at && at < size - border;
   };

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "common/saturate.h"
+#include "common/scale_step.h"
 
 namespace filterprocessor {
 
@@ -22,8 +23,7 @@ ResizeAxis resize_axis(std::int32_t source_size, std::int32_t target_size, float
           .first = static_cast<std::size_t>(std::min(first, std::max(end, 0))),
           .end = static_cast<std::size_t>(std::max(end, 0)),
           .start = skipped << 16,
-          // One larger than 65536 / scale where that is whole; the positions drift by that much.
-          .step = saturate<std::uint32_t>(65536.0f / scale + 1.0f)};
+          .step = scale_step(scale)};
 }
 
 }  // namespace filterprocessor

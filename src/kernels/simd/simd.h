@@ -5,6 +5,9 @@
 #ifndef FILTERPROCESSOR_KERNELS_SIMD_SIMD_H
 #define FILTERPROCESSOR_KERNELS_SIMD_SIMD_H
 
+#include <cstddef>
+#include <cstdint>
+
 #if defined(FILTERPROCESSOR_LEVEL_AVX512)
 #define FILTERPROCESSOR_LEVEL avx512
 #include "kernels/simd/avx512.h"
@@ -28,7 +31,7 @@ inline constexpr std::size_t kSweepAhead = 16 * kCacheLine;
 
 /// Asks for the cache line of the pixel `further` on. Nothing is read: it may lie past the image.
 [[gnu::always_inline]] inline void prefetch(const std::uint16_t* at, std::size_t further) {
-  // Vectors much shorter than a line would ask for the same one again and again.
+  // Measured on x86 only. Where a line takes many vectors, each would ask for the same one again.
   if constexpr (U16::lanes >= kCacheLine / 2) {
     const auto address = reinterpret_cast<std::uintptr_t>(at) + further * sizeof *at;
     __builtin_prefetch(reinterpret_cast<const void*>(address));

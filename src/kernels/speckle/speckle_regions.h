@@ -33,10 +33,9 @@ class Regions {
   /// Finds all regions. `limit` is the largest that anyone asks for; `prepare(batch)` is called before
   /// the pixels of a batch and the row below it are read.
   /// @return false if the work space is too small, and then nothing has been found. Of 9 bytes a pixel,
-  /// bit masks
-  ///         take 0.3 (with a table 0.6), each run 8 and with one-way links 12, each such link 8: enough
-  ///         for a run a pixel in all but the smallest images, but not for a one-way link in every third
-  ///         pixel besides.
+  ///         bit masks take 0.3 (with a table 0.6), each run 8 and with one-way links 12, each such link
+  ///         8: enough for a run a pixel in all but the smallest images, but not for a one-way link in
+  ///         every third pixel besides.
   template <typename Prepare>
   bool find(std::int32_t limit, WorkSpace work, Prepare prepare) {
     limit_ = limit;

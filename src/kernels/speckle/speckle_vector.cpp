@@ -74,9 +74,10 @@ class Lattice {
     // The last vector may begin among blocks that are done already; they stay as they are.
     for (std::size_t col = 0; col < width(); col += kLanes) {
       const std::size_t at = col < width() - kLanes ? col : width() - kLanes;
+      const std::size_t next_pair = 2 * image_.width;
       for (const std::uint16_t* pair : {upper, lower}) {
-        prefetch(pair + 2 * at, 2 * image_.width);
-        prefetch(pair + 2 * at + kLanes, 2 * image_.width);
+        prefetch(pair + 2 * at, next_pair);
+        prefetch(pair + 2 * at + kLanes, next_pair);
       }
       smooth_blocks(upper + 2 * at, lower + 2 * at, invalid).store(to + at);
     }
