@@ -76,6 +76,14 @@ TEST(Png, RefusesColourAndDamage) {
   EXPECT_MENTIONS(refusal("png", bytes_of("P5 1 1 65535 ab")), "is no PNG file");
 }
 
+TEST(Png, PassesOverWhatStandsBesideThePixels) {
+  const Image image = sample_image();
+  Bytes file = encode_png(image);
+  const unsigned char text[] = {0, 0, 0, 3, 't', 'E', 'X', 't', 'a', 0, 'b', 0, 0, 0, 0};
+  file.insert(file.begin() + 33, std::begin(text), std::end(text));  // after the header, checksum wrong
+  EXPECT_EQ(decode_png(file, kNoSize), image);
+}
+
 TEST(Png, ReadsWhatCompressesBestAndRefusesWhatNoFileOfItsSizeHolds) {
   const Image empty = make_image(4000, 500);
   const Bytes file = encode_png(empty);

@@ -56,6 +56,8 @@ struct Reader {
     if (png == nullptr) throw BadImage("cannot be read: libpng does not start");
     info = png_create_info_struct(png);
     png_set_read_fn(png, &rest, on_read);
+    // What stands beside the pixels is passed over: a damaged file may claim any length for it.
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
   }
   Reader(const Reader&) = delete;
   Reader& operator=(const Reader&) = delete;
