@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "filterprocessor/filter_processor.h"
+#include "filter_handle.h"
 #include "rows.h"
 #include "virtual_camera.h"
 
@@ -16,12 +16,6 @@ namespace filterprocessor::bench {
 namespace {
 
 using Times = std::vector<double>;  // milliseconds
-
-double median(Times& times) {
-  const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-  std::nth_element(times.begin(), middle, times.end());
-  return *middle;
-}
 
 template <typename Work>
 auto timed(Times& times, const Work& work) {
@@ -34,20 +28,23 @@ auto timed(Times& times, const Work& work) {
 
 struct Step {
   std::string name;
-  PrivFilterContext* context;
+  devhost::FilterHandle filter;
   Times times = {};
-};
 
-Step step(const std::string& name, std::vector<const char*> values) {
-  for (std::int32_t i = 0; i < zv_get_filter_count(); ++i) {
-    if (zv_get_filter_name(i) != name) continue;
-    PrivFilterContext* context = zv_create_filter(i);
-    if (!values.empty()) context->update_config(context->filter, values.size(), values.data(), nullptr);
-    return {name, context};
+  explicit Step(const std::string& filter_name, std::vector<const char*> values = {})
+      : name(filter_name), filter(devhost::make_filter(name)) {
+    if (!filter) fail("does not exist");
+    if (values.empty()) return;
+    zv_error* error = nullptr;
+    filter->update_config(filter->filter, values.size(), values.data(), &error);
+    if (error != nullptr) fail("refuses its configuration");
   }
-  std::fprintf(stderr, "there is no filter %s\n", name.c_str());
-  std::exit(1);
-}
+
+  [[noreturn]] void fail(const char* what) const {
+    std::fprintf(stderr, "%s %s\n", name.c_str(), what);
+    std::exit(1);
+  }
+};
 
 void measure(Size size) {
   const auto width = static_cast<std::uint32_t>(size.width);
@@ -58,14 +55,14 @@ void measure(Size size) {
 
   const std::string w = std::to_string(width);
   const std::string h = std::to_string(height);
-  std::vector<Step> chain = {
-      step("DisparityTransform", {}),
-      step("NoiseRemovalFilter", {"80", "64", "848", "480"}),
-      step("EdgeNoiseRemovalFilter", {}),
-      step("SpatialAdvancedFilter", {}),
-      step("TemporalFilter", {}),
-      step("HoleFillingFilter", {"1"}),
-      step("DepthResize", {w.c_str(), h.c_str(), "1", "0", "0", "0", "0"}),
+  Step chain[] = {
+      Step("DisparityTransform"),
+      Step("NoiseRemovalFilter", {"80", "64", "848", "480"}),
+      Step("EdgeNoiseRemovalFilter"),
+      Step("SpatialAdvancedFilter"),
+      Step("TemporalFilter"),
+      Step("HoleFillingFilter", {"1"}),
+      Step("DepthResize", {w.c_str(), h.c_str(), "1", "0", "0", "0", "0"}),
   };
 
   Times copies;
@@ -80,11 +77,8 @@ void measure(Size size) {
     double total = 0;
     for (Step& each : chain) {
       devhost::Frame output(
-          timed(each.times, [&] { return each.context->process(each.context->filter, input, nullptr); }));
-      if (!output) {
-        std::fprintf(stderr, "%s failed\n", each.name.c_str());
-        std::exit(1);
-      }
+          timed(each.times, [&] { return each.filter->process(each.filter->filter, input, nullptr); }));
+      if (!output) each.fail("failed");
       total += each.times.back();
       last = std::move(output);
       input = last.get();
@@ -100,7 +94,6 @@ void measure(Size size) {
     const double time = median(each.times);
     std::printf("| `%s` | %.3f | %.1f | %.0f %% |\n", each.name.c_str(), time, time / copy,
                 100 * time / whole);
-    each.context->destroy(each.context);
   }
   std::printf("| together | %.3f | %.1f | |\n", whole, whole / copy);
 }

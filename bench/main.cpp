@@ -17,7 +17,18 @@
 
 namespace {
 
-constexpr const char* kForms[] = {"plain", "avx2", "avx512", "neon", "peer", "libyuv"};
+using filterprocessor::bench::kPlain;
+using filterprocessor::bench::median;
+
+/// The columns: the levels that are compiled in, then the peers.
+std::vector<std::string> all_forms() {
+  std::vector<std::string> forms = {std::string(kPlain)};
+  for (const auto level : filterprocessor::compiled_levels()) {
+    if (level != filterprocessor::Level::scalar) forms.emplace_back(level_name(level));
+  }
+  forms.insert(forms.end(), {"peer", "libyuv"});
+  return forms;
+}
 
 class TableReporter : public benchmark::BenchmarkReporter {
  public:
@@ -39,9 +50,9 @@ class TableReporter : public benchmark::BenchmarkReporter {
   void Finalize() override {
     std::printf("\nns a pixel (in brackets: times memcpy of the frame), medians\n\n| %-44s | memcpy",
                 "kernel, scene, size");
-    for (const char* form : kForms) std::printf(" | %-15s", form);
+    for (const std::string& form : forms_) std::printf(" | %-15s", form.c_str());
     std::printf(" | plain / best |\n|---|---:");
-    for (std::size_t i = 0; i < std::size(kForms) + 1; ++i) std::printf("|---:");
+    for (std::size_t i = 0; i < forms_.size() + 1; ++i) std::printf("|---:");
     std::printf("|\n");
     for (auto& [row, forms] : times_) print_row(row, forms);
   }
@@ -49,31 +60,26 @@ class TableReporter : public benchmark::BenchmarkReporter {
  private:
   using Forms = std::map<std::string, std::vector<double>>;
 
-  static double median(std::vector<double>& values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-  }
-
-  static void print_row(const std::string& row, Forms& forms) {
+  void print_row(const std::string& row, Forms& forms) const {
     const double copy = forms.contains("memcpy") ? median(forms["memcpy"]) : 0;
     std::printf("| %-44s | %6.4f", row.c_str(), copy);
     double plain = 0;
     double best = 0;
-    for (const char* form : kForms) {
+    for (const std::string& form : forms_) {
       if (!forms.contains(form)) {
         std::printf(" | %-15s", "");
         continue;
       }
       const double time = median(forms[form]);
       std::printf(" | %7.4f (%5.2f)", time, copy > 0 ? time / copy : 0);
-      if (form == std::string("plain")) plain = time;
-      const bool is_peer = form == std::string("peer") || form == std::string("libyuv");
+      if (form == kPlain) plain = time;
+      const bool is_peer = form == "peer" || form == "libyuv";
       if (!is_peer) best = time;
     }
     std::printf(" | %12.1f |\n", best > 0 ? plain / best : 0);
   }
 
+  std::vector<std::string> forms_ = all_forms();
   std::map<std::string, Forms> times_;
 };
 

@@ -1,5 +1,6 @@
 #include "rows.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <memory>
@@ -56,11 +57,17 @@ template <typename Add>
 void for_each_level(const Add& add) {
   for (const Level level : compiled_levels()) {
     if (!machine_runs(level)) continue;
-    add(std::string(level == Level::scalar ? "plain" : level_name(level)), *kernel_set(level));
+    add(std::string(level == Level::scalar ? kPlain : level_name(level)), *kernel_set(level));
   }
 }
 
 }  // namespace
+
+double median(std::vector<double>& values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
 
 Row& Row::add_levels(std::function<void(const KernelSet&, std::uint16_t*)> work) {
   for_each_level([&](const std::string& form, const KernelSet& kernels) {

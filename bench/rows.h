@@ -8,6 +8,8 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "kernels/kernel_set.h"
 #include "scenes.h"
@@ -20,6 +22,9 @@ struct Size {
   int height;
 };
 inline constexpr Size kSizes[] = {{640, 400}, {848, 480}, {1280, 800}};
+
+/// What the plain form is called in the table; levels go by their names.
+inline constexpr std::string_view kPlain = "plain";
 
 class Row {
  public:
@@ -44,6 +49,9 @@ class Row {
   std::string name_;
   std::shared_ptr<const Image> image_;
 };
+
+/// Changes the order.
+double median(std::vector<double>& values);
 
 /// Each registers the rows of one kernel family.
 void add_disparity_rows();

@@ -1,5 +1,6 @@
 # add_kernel_levels(target source...): compiles the vector kernels once per processor level and adds them to target.
-# A level is a line here, a header in src/kernels/simd and a case in src/kernels/level.cpp.
+# A level is a line here, a header in src/kernels/simd that simd.h includes, and a case in src/kernels/level.cpp and
+# kernel_set.cpp.
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
   set(FILTERPROCESSOR_LEVELS avx2 avx512)
   set(FILTERPROCESSOR_FLAGS_avx2 -mavx2 -mfma -mbmi -mbmi2 -mpopcnt -mtune=skylake)

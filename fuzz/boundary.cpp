@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "arguments.h"
-#include "filterprocessor/filter_processor.h"
+#include "filter_handle.h"
 #include "frames.h"
 #include "target.h"
 
@@ -12,10 +12,7 @@ namespace filterprocessor::fuzz {
 
 namespace {
 
-struct Destroy {
-  void operator()(PrivFilterContext* context) const { context->destroy(context); }
-};
-using Filter = std::unique_ptr<PrivFilterContext, Destroy>;
+using devhost::FilterHandle;
 
 /// Makes the n-th host call fail, whichever it is, as long as this lives; none for 0.
 class Fault {
@@ -43,7 +40,7 @@ class Host {
   explicit Host(FuzzInput& input) : input_(input) {}
 
   void act() {
-    Filter& filter = filters_[input_.number<std::uint8_t>() % filters_.size()];
+    FilterHandle& filter = filters_[input_.number<std::uint8_t>() % filters_.size()];
     devhost::Frame& frame = frames_[input_.number<std::uint8_t>() % frames_.size()];
     if (!frame) frame = any_frame(input_);
     if (!filter) {
@@ -68,13 +65,15 @@ class Host {
   }
 
  private:
-  static zv_priv_filter_t* handle(const Filter& filter) { return filter ? filter->filter : nullptr; }
+  static zv_priv_filter_t* handle(const FilterHandle& filter) {
+    return filter ? filter->filter : nullptr;
+  }
 
-  Filter any_filter() {
+  FilterHandle any_filter() {
     const int index =
         input_.one_in(16) ? input_.number<std::int32_t>() : input_.integer(0, zv_get_filter_count() - 1);
     const std::string name = zv_get_filter_name(index);
-    Filter filter(zv_create_filter(index));
+    FilterHandle filter(zv_create_filter(index));
     require(!filter || name != "UnknownFilter", "only known filters are made");
     return filter;
   }
@@ -85,7 +84,7 @@ class Host {
     return input_.one_in(8) ? nullptr : &error_;
   }
 
-  void update(const Filter& filter) {
+  void update(const FilterHandle& filter) {
     const char* schema = zv_priv_filter_get_config_schema(handle(filter), slot());
     require((schema != nullptr) == (filter != nullptr), "a filter has a schema");
     if (schema == nullptr) return;
@@ -95,7 +94,7 @@ class Host {
     filter->update_config(filter->filter, argv.size(), input_.one_in(64) ? nullptr : argv.data(), slot());
   }
 
-  void process(const Filter& filter, devhost::Frame& held) {
+  void process(const FilterHandle& filter, devhost::Frame& held) {
     const zv_frame_t* frame = input_.one_in(32) ? nullptr : held.get();
     const std::string before = content_of(held.get());
     const long frames = devhost::live_objects().frames;

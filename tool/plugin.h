@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "dev_host.h"
-#include "filterprocessor/filter_processor.h"
+#include "filter_handle.h"
 
 namespace zvfilter {
 
@@ -28,11 +28,8 @@ class Filter {
   devhost::Frame process(const zv_frame_t* frame, const std::string& subject);
 
  private:
-  struct Destroy {
-    void operator()(PrivFilterContext* context) const { context->destroy(context); }
-  };
   std::shared_ptr<void> library_;
-  std::unique_ptr<PrivFilterContext, Destroy> context_;
+  devhost::FilterHandle context_;
   std::string name_;
 };
 

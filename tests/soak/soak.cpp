@@ -4,20 +4,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <malloc.h>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "filterprocessor/filter_processor.h"
+#include "filter_handle.h"
 #include "support/every_filter.h"
 
 namespace filterprocessor {
 namespace {
 
-struct Destroy {
-  void operator()(PrivFilterContext* context) const { context->destroy(context); }
-};
-using Filter = std::unique_ptr<PrivFilterContext, Destroy>;
+using devhost::FilterHandle;
 
 struct Size {
   std::uint32_t width;
@@ -33,14 +29,13 @@ constexpr unsigned kCycle = 4 * kSizeCount * kFramesPerSize;
   std::exit(1);
 }
 
-Filter make(const std::string& name) {
-  for (std::int32_t i = 0; i < zv_get_filter_count(); ++i) {
-    if (zv_get_filter_name(i) == name) return Filter(zv_create_filter(i));
-  }
-  fail("there is no filter " + name);
+FilterHandle make(const std::string& name) {
+  FilterHandle filter = devhost::make_filter(name);
+  if (!filter) fail("there is no filter " + name);
+  return filter;
 }
 
-void configure(const Filter& filter, const std::vector<std::string>& values) {
+void configure(const FilterHandle& filter, const std::vector<std::string>& values) {
   std::vector<const char*> texts;
   for (const std::string& value : values) texts.push_back(value.c_str());
   zv_error* error = nullptr;
@@ -75,7 +70,7 @@ void check(const devhost::Frame& frame, const zv_error* error, const char* name)
 
 /// Frame n, now and then in a set, through filters that are reset or configured anew now and then.
 void soak(const std::string& what, const std::vector<std::string>& names, unsigned frames) {
-  std::vector<Filter> filters;
+  std::vector<FilterHandle> filters;
   for (const std::string& name : names) filters.push_back(make(name));
   watch(what, frames, [&](unsigned n) {
     const Size size = kSizes[n / kFramesPerSize % kSizeCount];
@@ -83,7 +78,7 @@ void soak(const std::string& what, const std::vector<std::string>& names, unsign
     const bool new_size = n % kFramesPerSize == 0;
     devhost::Frame frame;
     for (std::size_t i = 0; i < filters.size(); ++i) {
-      const Filter& filter = filters[i];
+      const FilterHandle& filter = filters[i];
       const FilterUse& use =
           *std::find_if(uses.begin(), uses.end(), [&](const FilterUse& u) { return u.name == names[i]; });
       if (!frame) {

@@ -3,14 +3,13 @@
 #define FILTERPROCESSOR_TESTS_SUPPORT_FILTER_DRIVER_H
 
 #include <initializer_list>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "dev_host.h"
-#include "filterprocessor/filter_processor.h"
+#include "filter_handle.h"
 #include "support/pixels.h"
 
 namespace filterprocessor {
@@ -38,10 +37,7 @@ inline std::ostream& operator<<(std::ostream& out, const ErrorTexts& e) {
 
 class FilterDriver {
  public:
-  explicit FilterDriver(const std::string& name) {
-    for (std::int32_t i = 0; i < zv_get_filter_count(); ++i) {
-      if (zv_get_filter_name(i) == name) context_.reset(zv_create_filter(i));
-    }
+  explicit FilterDriver(const std::string& name) : context_(devhost::make_filter(name)) {
     if (!context_) ADD_FAILURE() << name << " was not created";
   }
 
@@ -80,10 +76,7 @@ class FilterDriver {
   void destroy() { context_.reset(); }
 
  private:
-  struct Destroy {
-    void operator()(PrivFilterContext* context) const { context->destroy(context); }
-  };
-  std::unique_ptr<PrivFilterContext, Destroy> context_;
+  devhost::FilterHandle context_;
   ErrorTexts last_error_;
 };
 
