@@ -1,7 +1,6 @@
 // A host's doings with the plug-in: filters are made, configured, given frames, reset and destroyed in
 // any order, while host calls fail.
 #include <array>
-#include <memory>
 
 #include "arguments.h"
 #include "filter_handle.h"
@@ -121,7 +120,7 @@ class Host {
   }
 
   FuzzInput& input_;
-  std::array<Filter, 2> filters_;
+  std::array<FilterHandle, 2> filters_;
   std::array<devhost::Frame, 2> frames_;
   zv_error* error_ = nullptr;
   int fault_ = 0;

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "framework/config_values.h"
+#include "framework/frame_info.h"
 #include "framework/frame_process.h"
 #include "kernels/disparity/depth_converter.h"
 
@@ -110,7 +111,7 @@ void DisparityFilter::use_stereo_rule(CodeLayout layout, double scale, double di
   const StereoRule rule = {
       .layout = layout,
       .scale = scale,
-      .focal_baseline = lastParams.fx * double{lastParams.baseline},
+      .focal_baseline = focal_baseline(lastParams),
       .unit = double{lastParams.unit * inverseDepthUnit},
       .disparity_offset = double{lastParams.dispOffset},
       .metadata_offset = double{offset},
@@ -125,7 +126,7 @@ void DisparityFilter::use_stereo_rule(CodeLayout layout, double scale, double di
 
 bool DisparityFilter::use_mono_rule() {
   const double scale = std::ldexp(1.0, lastParams.bitSize - 8);
-  const double slope = lastParams.zpd / (lastParams.fx * double{lastParams.baseline});
+  const double slope = lastParams.zpd / focal_baseline(lastParams);
   const double numerator = lastParams.zpd * (double{lastParams.unit} * double{inverseDepthUnit});
   CodeLayout layout = CodeLayout::linear;
   switch (lastParams.packMode) {
@@ -182,9 +183,7 @@ zv_frame_t* DisparityFilter::filter_process(const zv_frame_t* frame, zv_error** 
     if (host.call(zv_video_frame_get_pixel_type, depth) != ZV_PIXEL_TYPE_DISPARITY)
       return host.deliver_copy();
     update_profile_cache(host);
-    const ZVDisparityParam params =
-        host.call(zv_disparity_based_stream_profile_get_disparity_param,
-                  static_cast<const zv_stream_profile_t*>(cachedProfile.get()));
+    const ZVDisparityParam params = host.disparity_params(cachedProfile.get());
     constexpr std::int32_t kItem = ZV_METADATA_DISPARITY_CORRECTION;
     metadataDispOffset = host.call(zv_frame_has_metadata, depth, kItem)
                              ? static_cast<float>(host.call(zv_frame_get_metadata_value, depth, kItem))

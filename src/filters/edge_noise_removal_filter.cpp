@@ -4,6 +4,7 @@
 
 #include "common/saturate.h"
 #include "filterprocessor/margin.h"
+#include "filters/size_ratio.h"
 #include "framework/config_values.h"
 #include "framework/frame_process.h"
 
@@ -87,19 +88,18 @@ EdgeNoiseRemovalFilter::Parameters EdgeNoiseRemovalFilter::updateConfig(std::uin
   };
   if (width == 0 || height == 0) return refuse();
   if (width == user.width && height == user.height) return user;
-  const float sx = static_cast<float>(width) / static_cast<float>(user.width);
-  const float sy = static_cast<float>(height) / static_cast<float>(user.height);
-  if (double{sx} < 0.00001 || double{sy} < 0.00001 || double{sx * sy} < 0.00001) return refuse();
+  const SizeRatio ratio(width, height, user.width, user.height);
+  if (ratio.too_small()) return refuse();
   const auto scaled = [](float scale, std::uint32_t value) {
     return saturate<std::uint32_t>(scale * static_cast<float>(value));
   };
   Parameters result = user;
   result.width = width;
   result.height = height;
-  result.margin_x_th = scaled(sx, user.margin_x_th);
-  result.margin_y_th = scaled(sy, user.margin_y_th);
-  result.limit_x_th = scaled(sx, user.limit_x_th);
-  result.limit_y_th = scaled(sy, user.limit_y_th);
+  result.margin_x_th = scaled(ratio.x, user.margin_x_th);
+  result.margin_y_th = scaled(ratio.y, user.margin_y_th);
+  result.limit_x_th = scaled(ratio.x, user.limit_x_th);
+  result.limit_y_th = scaled(ratio.y, user.limit_y_th);
   return result;
 }
 

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "common/saturate.h"
+#include "framework/frame_info.h"
 #include "framework/frame_process.h"
 #include "kernels/kernel_set.h"
 
@@ -36,10 +37,8 @@ zv_frame_t* HardwareD2DCorrectionFilter::filter_process(const zv_frame_t* frame,
     if (!cachedProfile || !matches(host, cachedProfile.get())) {
       if (cachedProfile) host.release(std::move(cachedProfile));
       cachedProfile = host.profile_of(depth);
-      const ZVDisparityParam params =
-          host.call(zv_disparity_based_stream_profile_get_disparity_param,
-                    static_cast<const zv_stream_profile_t*>(cachedProfile.get()));
-      correctionFb = params.fx * double{params.baseline};
+      const ZVDisparityParam params = host.disparity_params(cachedProfile.get());
+      correctionFb = focal_baseline(params);
     }
     constexpr std::int32_t kItem = ZV_METADATA_DISPARITY_CORRECTION;
     if (!host.call(zv_frame_has_metadata, depth, kItem)) {

@@ -5,6 +5,7 @@
 
 #include "common/saturate.h"
 #include "filterprocessor/speckle.h"
+#include "filters/size_ratio.h"
 #include "framework/config_values.h"
 #include "framework/frame_info.h"
 #include "framework/frame_process.h"
@@ -76,8 +77,7 @@ zv_frame_t* NoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_error
     std::optional<ZVDisparityParam> disparity;
     std::uint8_t available_bits = 0;
     if (pixel_type != ZV_PIXEL_TYPE_LINEAR_DEPTH) {
-      disparity = host.call(zv_disparity_based_stream_profile_get_disparity_param,
-                            static_cast<const zv_stream_profile_t*>(profile.get()));
+      disparity = host.disparity_params(profile.get());
       available_bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
       update_anchor_fraction_bitsize(8);
     }
@@ -141,17 +141,14 @@ void NoiseRemovalFilter::updateConfig(const FrameInfoInner& info, zv_error** err
   // One byte more than the kernels need, for any that flags one region a pixel from label 1 on.
   buffer.fit(info.width, info.height, 9, 1);
 
-  const float sx = static_cast<float>(info.width) / static_cast<float>(anchor.width);
-  const float sy = static_cast<float>(info.height) / static_cast<float>(anchor.height);
-  if (double{sx} < 0.00001 || double{sy} < 0.00001 || double{sx * sy} < 0.00001) {
-    return refuse("frame_info.width||frame_info.height");
-  }
+  const SizeRatio ratio(info.width, info.height, anchor.width, anchor.height);
+  if (ratio.too_small()) return refuse("frame_info.width||frame_info.height");
   if (info.depth_flag != ZV_PIXEL_TYPE_LINEAR_DEPTH && info.fraction_bit_size != anchor.fraction_bits) {
     working.min_diff = rescale_difference(working.min_diff, anchor.fraction_bits, info.fraction_bit_size);
   }
   working.width = info.width;
   working.height = info.height;
-  const float max_size = sx * sy * static_cast<float>(working.max_size);
+  const float max_size = ratio.x * ratio.y * static_cast<float>(working.max_size);
   working.max_size = static_cast<std::uint16_t>(saturate<std::int64_t>(max_size));
   working.fraction_bits = info.fraction_bit_size;
   if (updateDepthDiffLut(info) != 0) {

@@ -60,8 +60,7 @@ zv_frame_t* SpatialAdvancedFilter::filter_process(const zv_frame_t* frame, zv_er
     float value_scale = 0;
     std::uint8_t available_bits = 0;
     if (pixel_type != ZV_PIXEL_TYPE_LINEAR_DEPTH) {
-      disparity = host.call(zv_disparity_based_stream_profile_get_disparity_param,
-                            static_cast<const zv_stream_profile_t*>(profile.get()));
+      disparity = host.disparity_params(profile.get());
       value_scale = host.call(zv_depth_frame_get_value_scale, depth);
       available_bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
     }

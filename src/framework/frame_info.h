@@ -7,10 +7,15 @@
 
 namespace filterprocessor {
 
+/// Baseline times focal length.
+inline double focal_baseline(const ZVDisparityParam& params) {
+  return params.fx * double{params.baseline};
+}
+
 /// Takes what the profile's disparity parameters and the frame's available bits say.
 inline void take_geometry(IPrivFilter::FrameInfoInner& info, const ZVDisparityParam& params,
                           std::uint8_t available_bits) {
-  info.bxf = static_cast<float>(params.fx * double{params.baseline});
+  info.bxf = static_cast<float>(focal_baseline(params));
   info.fraction_bit_size =
       static_cast<std::uint8_t>(available_bits - static_cast<std::uint32_t>(params.dispIntPlace));
 }

@@ -54,6 +54,10 @@ class HostCalls {
   /// A new profile like the frame's.
   ProfileHandle copy_profile_of(const zv_frame_t* frame) const;
 
+  ZVDisparityParam disparity_params(const zv_stream_profile_t* profile) const {
+    return call(zv_disparity_based_stream_profile_get_disparity_param, profile);
+  }
+
   /// Gives a reference back as a host call like any other. The reference is gone even if that fails.
   void release(FrameHandle frame) const { call(zv_delete_frame, frame.release()); }
   void release(ProfileHandle profile) const { call(zv_delete_stream_profile, profile.release()); }
