@@ -66,8 +66,6 @@ void fill_mono(const MonoRule& rule, std::uint16_t* table, std::size_t begin, st
   fill(rule, plain::mono_entry, depths, table, begin, end);
 }
 
-std::size_t smaller(std::size_t a, std::size_t b) { return a < b ? a : b; }
-
 }  // namespace
 
 void build_stereo_table(const StereoRule& rule, std::uint16_t* table, std::size_t size) {

@@ -14,8 +14,6 @@ constexpr std::size_t kBatch = 32;   // rows that stay in the nearest cache
 constexpr std::size_t kMostBandRows = 2048;
 static_assert(kWindow >= kLanes && kMostBandRows >= kBatch);
 
-constexpr std::size_t smaller(std::size_t a, std::size_t b) { return a < b ? a : b; }
-
 /// A margin seen from its border. Pixels of a line count from the border inwards, and the line's gap is
 /// the number of zeros before its first valid pixel, so all four borders follow one rule.
 struct Border {

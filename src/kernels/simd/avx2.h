@@ -102,12 +102,16 @@ struct U16 {
   }
   /// Entries that lookup() takes from a table.
   static constexpr std::size_t table_entries = 8;
-  /// The entries of `table`, a vector's worth, at indices below `table_entries`.
+  /// `table_entries` entries for lookup().
+  static U16 load_table(const std::uint16_t* entries) {
+    return {_mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(entries)))};
+  }
+  /// The entries of a loaded table at indices below `table_entries`.
   static U16 lookup(U16 table, U16 index) {
-    const __m256i low = _mm256_permute4x64_epi64(table.v, 0x44);
+    // Entry i is at bytes 2 i and 2 i + 1.
     const __m256i bytes = _mm256_add_epi16(_mm256_mullo_epi16(index.v, _mm256_set1_epi16(0x0202)),
                                            _mm256_set1_epi16(0x0100));
-    return {_mm256_shuffle_epi8(low, bytes)};
+    return {_mm256_shuffle_epi8(table.v, bytes)};
   }
 
   /// Reads eight values per group, group g at from + offset[g].
@@ -387,30 +391,6 @@ class Pixels {
   }
 
   U16 value;
-};
-
-/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the
-/// end take the last entry.
-class SmallTable {
- public:
-  static constexpr std::size_t capacity = 8;
-
-  /// @param entries  `capacity` of them, the last one repeated as needed
-  SmallTable(const std::uint16_t* entries, unsigned shift)
-      : entries_(_mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(entries)))),
-        shift_(_mm_cvtsi32_si128(static_cast<int>(shift))) {}
-  U16 operator()(U16 pixels) const {
-    const __m256i index =
-        _mm256_min_epu16(_mm256_srl_epi16(pixels.v, shift_), _mm256_set1_epi16(capacity - 1));
-    // Entry i is at bytes 2 i and 2 i + 1.
-    const __m256i bytes =
-        _mm256_add_epi16(_mm256_mullo_epi16(index, _mm256_set1_epi16(0x0202)), _mm256_set1_epi16(0x0100));
-    return {_mm256_shuffle_epi8(entries_, bytes)};
-  }
-
- private:
-  __m256i entries_;
-  __m128i shift_;
 };
 
 /// The mean of a and b (up to 32767), ties to even, where flagged; b elsewhere.

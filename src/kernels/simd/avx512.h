@@ -89,7 +89,9 @@ struct U16 {
   }
   /// Entries that lookup() takes from a table.
   static constexpr std::size_t table_entries = 32;
-  /// The entries of `table`, a vector's worth, at indices below `table_entries`.
+  /// `table_entries` entries for lookup().
+  static U16 load_table(const std::uint16_t* entries) { return load(entries); }
+  /// The entries of a loaded table at indices below `table_entries`.
   static U16 lookup(U16 table, U16 index) { return {_mm512_permutexvar_epi16(index.v, table.v)}; }
 
   /// Reads eight values per group, group g at from + offset[g].
@@ -401,26 +403,6 @@ class Pixels {
   Pixels(U16 pixels, __mmask32 valid) : value(pixels), valid_(valid) {}
 
   __mmask32 valid_;
-};
-
-/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the
-/// end take the last entry.
-class SmallTable {
- public:
-  static constexpr std::size_t capacity = 32;
-
-  /// @param entries  `capacity` of them, the last one repeated as needed
-  SmallTable(const std::uint16_t* entries, unsigned shift)
-      : entries_(_mm512_loadu_si512(entries)), shift_(_mm_cvtsi32_si128(static_cast<int>(shift))) {}
-  U16 operator()(U16 pixels) const {
-    const __m512i index =
-        _mm512_min_epu16(_mm512_srl_epi16(pixels.v, shift_), _mm512_set1_epi16(capacity - 1));
-    return {_mm512_permutexvar_epi16(index, entries_)};
-  }
-
- private:
-  __m512i entries_;
-  __m128i shift_;
 };
 
 /// The mean of a and b (up to 32767), ties to even, where flagged; b elsewhere.

@@ -90,7 +90,9 @@ struct U16 {
   U16 odd_doubled() const { return {vtrn2q_u16(v, v)}; }
   /// Entries that lookup() takes from a table.
   static constexpr std::size_t table_entries = 8;
-  /// The entries of `table`, a vector's worth, at indices below `table_entries`.
+  /// `table_entries` entries for lookup().
+  static U16 load_table(const std::uint16_t* entries) { return load(entries); }
+  /// The entries of a loaded table at indices below `table_entries`.
   static U16 lookup(U16 table, U16 index) {
     const uint16x8_t bytes = vmlaq_n_u16(vdupq_n_u16(0x0100), index.v, 0x0202);
     return {vreinterpretq_u16_u8(vqtbl1q_u8(vreinterpretq_u8_u16(table.v), vreinterpretq_u8_u16(bytes)))};
@@ -356,28 +358,6 @@ class Pixels {
   }
 
   U16 value;
-};
-
-/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the
-/// end take the last entry.
-class SmallTable {
- public:
-  static constexpr std::size_t capacity = 8;
-
-  /// @param entries  `capacity` of them, the last one repeated as needed
-  SmallTable(const std::uint16_t* entries, unsigned shift)
-      : entries_(vreinterpretq_u8_u16(vld1q_u16(entries))),
-        shift_(vdupq_n_s16(static_cast<std::int16_t>(-static_cast<int>(shift)))) {}
-  U16 operator()(U16 pixels) const {
-    const uint16x8_t index = vminq_u16(vshlq_u16(pixels.v, shift_), vdupq_n_u16(capacity - 1));
-    // Entry i is at bytes 2 i and 2 i + 1.
-    const uint16x8_t bytes = vmlaq_u16(vdupq_n_u16(0x0100), index, vdupq_n_u16(0x0202));
-    return {vreinterpretq_u16_u8(vqtbl1q_u8(entries_, vreinterpretq_u8_u16(bytes)))};
-  }
-
- private:
-  uint8x16_t entries_;
-  int16x8_t shift_;
 };
 
 /// (a + b) modulo 65536, halved, where flagged; b elsewhere.

@@ -23,6 +23,26 @@
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
+inline constexpr std::size_t smaller(std::size_t a, std::size_t b) { return a < b ? a : b; }
+
+/// A value for each pixel from a table of up to `capacity`, by the pixel shifted right. Pixels past the
+/// end take the last entry.
+class SmallTable {
+ public:
+  static constexpr std::size_t capacity = U16::table_entries;
+
+  /// @param entries  `capacity` of them, the last one repeated as needed
+  SmallTable(const std::uint16_t* entries, unsigned shift)
+      : entries_(U16::load_table(entries)), shift_(shift) {}
+  U16 operator()(U16 pixels) const {
+    return U16::lookup(entries_, min(pixels >> shift_, U16::splat(capacity - 1)));
+  }
+
+ private:
+  U16 entries_;
+  unsigned shift_;
+};
+
 /// Pixels in a cache line.
 inline constexpr std::size_t kCacheLine = 32;
 

@@ -42,7 +42,7 @@ class ShortTableThreshold {
  public:
   static constexpr bool symmetric = false;
   explicit ShortTableThreshold(const TableThreshold& table)
-      : table_(U16::load(table.entries)), shift_(table.shift) {}
+      : table_(U16::load_table(table.entries)), shift_(table.shift) {}
   U16 of(U16 values) const {
     const U16 index = min(values >> shift_ & U16::splat(0xff), U16::splat(U16::table_entries - 1));
     return U16::lookup(table_, index);
