@@ -170,6 +170,12 @@ bool uses_geometry(std::string_view filter, int pixel_type) {
   }
 }
 
+std::string_view failure_hint(std::string_view filter, std::string_view message) {
+  if (filter != "DepthResize" || message != "incorrect config schema") return "";
+  return "; dst_width has to be the frame's width x scale + ex_left + ex_right and dst_height its height "
+         "x scale + ex_top + ex_bottom, both truncated";
+}
+
 std::vector<std::string> configuration_warnings(std::string_view filter,
                                                 const std::vector<SchemaParameter>& schema,
                                                 const std::vector<std::string>& values) {

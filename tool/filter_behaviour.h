@@ -22,6 +22,9 @@ std::vector<std::string> configuration_warnings(
     std::string_view filter, const std::vector<filterprocessor::SchemaParameter>& schema,
     const std::vector<std::string>& values);
 
+/// What would be right where a filter's own error doesn't say; empty where it does.
+std::string_view failure_hint(std::string_view filter, std::string_view message);
+
 }  // namespace zvfilter
 
 #endif

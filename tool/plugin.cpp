@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "failure.h"
+#include "filter_behaviour.h"
 #include "suggestions.h"
 #include "text.h"
 
@@ -43,7 +44,10 @@ void Filter::configure(const std::vector<std::string>& values) {
 devhost::Frame Filter::process(const zv_frame_t* frame, const std::string& subject) {
   zv_error* error = nullptr;
   devhost::Frame output(context_->process(context_->filter, frame, &error));
-  if (error != nullptr) fail_run(subject + ": " + name_ + " failed: " + describe(error));
+  if (error != nullptr) {
+    const std::string hint(failure_hint(name_, zv_error_get_message(error)));
+    fail_run(subject + ": " + name_ + " failed: " + describe(error) + hint);
+  }
   if (!output) fail_run(subject + ": " + name_ + " gave neither a frame nor an error");
   return output;
 }

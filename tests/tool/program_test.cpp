@@ -176,6 +176,9 @@ TEST_F(Program, ReportsFilterErrorsWithAllTheirTexts) {
       run_probe("run -f FailingFilter" + rest), 1,
       "in/a.png: FailingFilter failed: \"out of order\" (function filter_process, args a frame, "
       "exception type 7)");
+  expect_refused(run("run -f DepthResize:dst_width=4,dst_height=3,scale=1" + rest), 1,
+                 "\"incorrect config schema\" (function filter_process, args DepthResize, exception type "
+                 "4); dst_width has to be the frame's width x scale + ex_left + ex_right");
   expect_refused(run_probe("run -f SilentFilter" + rest), 1,
                  "SilentFilter gave neither a frame nor an error");
   expect_refused(run_probe("run -f MissingFilter" + rest), 1,
