@@ -8,11 +8,9 @@ void clear_depth(std::uint16_t* pixels, std::size_t count, float scale, std::int
   const U16 first = U16::splat(range.first);
   const U16 span = U16::splat(range.span);
   const auto cleared = [=](U16 values) { return keep(~at_most(values - first, span), values); };
-  std::size_t i = 0;
-  for (; i + U16::lanes <= count; i += U16::lanes) {
-    prefetch(pixels + i, kSweepAhead);
-    cleared(U16::load(pixels + i)).store(pixels + i);
-  }
+  const auto ahead = [=](std::size_t at) { prefetch(pixels + at, kSweepAhead); };
+  const std::size_t i =
+      sweep(0, count, ahead, [&](std::size_t at) { cleared(U16::load(pixels + at)).store(pixels + at); });
   cleared(U16::load_first(pixels + i, count - i)).store_first(pixels + i, count - i);
 }
 

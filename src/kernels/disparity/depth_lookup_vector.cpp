@@ -44,8 +44,8 @@ struct Simple {
 };
 
 template <typename Convert>
-void sweep(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
-           const Convert& convert) {
+void convert_all(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
+                 const Convert& convert) {
   const auto some = [&](std::size_t begin, std::size_t n) {
     convert(U16::load_first(source + begin, n)).store_first(target + begin, n);
   };
@@ -54,11 +54,11 @@ void sweep(const std::uint16_t* source, std::uint16_t* target, std::size_t count
   std::size_t i = (kBytes - reinterpret_cast<std::uintptr_t>(target) % kBytes) % kBytes / sizeof *target;
   i = i < count ? i : count;
   some(0, i);
-  for (; i + U16::lanes <= count; i += U16::lanes) {
-    prefetch(source + i, kSweepAhead);
-    prefetch(target + i, kSweepAhead);
-    convert(U16::load(source + i)).store(target + i);
-  }
+  const auto ahead = [=](std::size_t at) {
+    prefetch(source + at, kSweepAhead);
+    prefetch(target + at, kSweepAhead);
+  };
+  i = sweep(i, count, ahead, [&](std::size_t at) { convert(U16::load(source + at)).store(target + at); });
   some(i, count - i);
 }
 
@@ -66,7 +66,7 @@ template <typename Quotient>
 void convert_packed(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
                     const Quotient& depth) {
   const U16 carried = U16::splat(15);
-  sweep(source, target, count, [&](U16 pixels) {
+  convert_all(source, target, count, [&](U16 pixels) {
     return shifted_left<4>(depth(shifted_right<4>(pixels))) | (pixels & carried);
   });
 }
@@ -75,8 +75,8 @@ void convert_packed(const std::uint16_t* source, std::uint16_t* target, std::siz
 
 void convert_plain_quotient(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
                             const DepthQuotient& quotient) {
-  if (Simple::covers(quotient)) return sweep(source, target, count, Simple(quotient));
-  sweep(source, target, count, General(quotient));
+  if (Simple::covers(quotient)) return convert_all(source, target, count, Simple(quotient));
+  convert_all(source, target, count, General(quotient));
 }
 
 void convert_packed_quotient(const std::uint16_t* source, std::uint16_t* target, std::size_t count,

@@ -63,14 +63,16 @@ void for_each_vector_with_holes(std::uint16_t* pixels, std::size_t count, Visit&
     const std::size_t size = count - begin < 64 * kLanes ? count - begin : 64 * kLanes;
     const std::size_t whole = size / kLanes;
     const auto has_hole = [pixels, begin](std::size_t i) {
-      prefetch(pixels + begin + i * kLanes, kSweepAhead);
       return std::uint64_t{Order::map(U16::load(pixels + begin + i * kLanes)).is_zero().any()};
     };
     std::uint64_t todo = 0;
     std::size_t seen = 0;
     for (; seen + 8 <= whole; seen += 8) {
       std::uint64_t eight = 0;
-      for (std::size_t i = 0; i < 8; ++i) eight |= has_hole(seen + i) << i;
+      for (std::size_t i = 0; i < 8; ++i) {
+        if (i * kLanes % kCacheLine == 0) prefetch(pixels + begin + (seen + i) * kLanes, kSweepAhead);
+        eight |= has_hole(seen + i) << i;
+      }
       todo |= eight << seen;
     }
     for (; seen < whole; ++seen) todo |= has_hole(seen) << seen;

@@ -49,13 +49,29 @@ inline constexpr std::size_t kCacheLine = 32;
 /// How far a sweep through memory asks for pixels in advance.
 inline constexpr std::size_t kSweepAhead = 16 * kCacheLine;
 
-/// Asks for the cache line of the pixel `further` on. Nothing is read: it may lie past the image.
-[[gnu::always_inline]] inline void prefetch(const std::uint16_t* at, std::size_t further) {
-  // Measured on x86 only. Where a line takes many vectors, each would ask for the same one again.
-  if constexpr (U16::lanes >= kCacheLine / 2) {
-    const auto address = reinterpret_cast<std::uintptr_t>(at) + further * sizeof *at;
-    __builtin_prefetch(reinterpret_cast<const void*>(address));
+/// Asks for the cache line of the pixel `further` on. Nothing is read: it may lie past the image. On x86
+/// only, where its use has been measured.
+[[gnu::always_inline]] inline void prefetch([[maybe_unused]] const std::uint16_t* at,
+                                            [[maybe_unused]] std::size_t further) {
+#if defined(__x86_64__)
+  const auto address = reinterpret_cast<std::uintptr_t>(at) + further * sizeof *at;
+  __builtin_prefetch(reinterpret_cast<const void*>(address));
+#endif
+}
+
+/// Calls work(i) for the first pixel i of every whole vector of the pixels begin .. end - 1, and ahead(i)
+/// before each cache line of them.
+/// @return the first pixel that is left over
+template <typename Ahead, typename Work>
+[[gnu::always_inline]] inline std::size_t sweep(std::size_t begin, std::size_t end, Ahead ahead,
+                                                Work work) {
+  std::size_t i = begin;
+  for (; i + kCacheLine <= end; i += kCacheLine) {
+    ahead(i);
+    for (std::size_t j = 0; j < kCacheLine; j += U16::lanes) work(i + j);
   }
+  for (; i + U16::lanes <= end; i += U16::lanes) work(i);
+  return i;
 }
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -76,8 +76,7 @@ class Lattice {
       const std::size_t at = col < width() - kLanes ? col : width() - kLanes;
       const std::size_t next_pair = 2 * image_.width;
       for (const std::uint16_t* pair : {upper, lower}) {
-        prefetch(pair + 2 * at, next_pair);
-        prefetch(pair + 2 * at + kLanes, next_pair);
+        for (std::size_t i = 0; i < 2 * kLanes; i += kCacheLine) prefetch(pair + 2 * at + i, next_pair);
       }
       smooth_blocks(upper + 2 * at, lower + 2 * at, invalid).store(to + at);
     }

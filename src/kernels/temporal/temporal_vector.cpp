@@ -35,14 +35,15 @@ void smooth_temporal(std::uint16_t* depth, std::uint16_t* history, std::size_t c
   if (!usual) return plain::smooth_temporal(depth, history, count, diff_scale, weight);
 
   const Smoother smooth = {Factor(diff_scale), Factor(1 - weight), Factor(weight)};
-  std::size_t i = 0;
-  for (; i + U16::lanes <= count; i += U16::lanes) {
-    prefetch(depth + i, kSweepAhead);
-    prefetch(history + i, kSweepAhead);
-    const U16 result = smooth(U16::load(depth + i), U16::load(history + i));
-    result.store(depth + i);
-    result.store(history + i);
-  }
+  const auto ahead = [=](std::size_t at) {
+    prefetch(depth + at, kSweepAhead);
+    prefetch(history + at, kSweepAhead);
+  };
+  const std::size_t i = sweep(0, count, ahead, [&](std::size_t at) {
+    const U16 result = smooth(U16::load(depth + at), U16::load(history + at));
+    result.store(depth + at);
+    result.store(history + at);
+  });
   if (i < count) {
     const std::size_t rest = count - i;
     const U16 result = smooth(U16::load_first(depth + i, rest), U16::load_first(history + i, rest));
