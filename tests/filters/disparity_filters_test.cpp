@@ -320,14 +320,6 @@ TEST(DisparityTransform, PrintsTheRecordWithItsBytesRaw) {
       "packMode:      \x02\nunit:          1\nzpd:           1000\nzpps:          0.5\n");
 }
 
-TEST(DisparityTransform, RefusesFramesShorterThanTheySay) {
-  FilterDriver filter(kTransform);
-  devhost::FrameTraits traits = row(camera(2, true), kCodes);
-  traits.height = 2;
-  EXPECT_FALSE(filter.process(devhost::make_frame(traits)));
-  EXPECT_EQ(filter.last_error(), kBadFrame);
-}
-
 using Values = std::vector<std::string>;
 Values open_ni(int width, int height, const char* scale, int x_cut = 0, int y_cut = 0, int x_set = 0,
                int y_set = 0) {

@@ -87,21 +87,6 @@ TEST(EdgeNoiseRemovalFilter, ATransposedFrameRunsWithTheRowsOfTheAnchor) {
   EXPECT_EQ(cleared(filter, 800, 1280), (Cleared{3, 9})) << "once scaled for another size, it is scaled";
 }
 
-TEST(EdgeNoiseRemovalFilter, AValidAreaThatBeginsPastALimitKeepsItsEdge) {
-  devhost::FrameTraits traits = full(1280, 800);
-  for (std::size_t i = 0; i < traits.pixels.size(); ++i) {
-    const std::size_t x = i % 1280;
-    const std::size_t y = i / 1280;
-    if (x < 40 || x >= 1240 || y < 20 || y >= 780) traits.pixels[i] = 0;
-  }
-  FilterDriver filter("EdgeNoiseRemovalFilter");
-  EXPECT_EQ(filter.update(config(6, 5, 70, 10, 1, 1280, 800)), kNoError);
-  const Pixels pixels = devhost::inspect(filter.process(devhost::make_frame(traits)).get()).pixels;
-  const auto valid = [&](std::size_t x, std::size_t y) { return pixels[y * 1280 + x] != 0; };
-  EXPECT_TRUE(!valid(45, 400) && valid(46, 400) && !valid(1234, 400) && valid(1233, 400));
-  EXPECT_TRUE(valid(600, 20) && valid(600, 779)) << "rows 20 lie past the limit of 10";
-}
-
 /// Only square frames keep the working parameters, and frames across the size they were made for.
 TEST(EdgeNoiseRemovalFilter, AConfigurationCountsFromTheNextFrameOnce) {
   FilterDriver filter("EdgeNoiseRemovalFilter");

@@ -42,19 +42,6 @@ TEST(HoleFillingFilter, NearestAndFarthestChangePlacesForDisparity) {
   EXPECT_EQ(filled(filter, disparity), 700) << "top again";
 }
 
-TEST(HoleFillingFilter, ABadConfigurationKeepsTheMode) {
-  FilterDriver filter(kName);
-  EXPECT_EQ(filter.update({"2"}), kNoError);
-  EXPECT_EQ(filter.update({"3"}), kBadMode);
-  EXPECT_EQ(filter.update({"-1"}), kBadMode);
-  EXPECT_EQ(filter.update({}), kBadCount);
-  EXPECT_EQ(filter.update({"1", "1"}), kBadCount);
-  EXPECT_EQ(filled(filter, one_hole()), 900);
-  EXPECT_EQ(filter.update({"none"}), kNoError) << "not a number reads as 0";
-  EXPECT_EQ(filled(filter, one_hole()), 700);
-  filter.context()->update_config(filter.context()->filter, 0, nullptr, nullptr);
-}
-
 TEST(HoleFillingFilter, PrintsItsMode) {
   HoleFillingFilter filter;
   const char* texts[] = {"hole filling mode: top\n", "hole filling mode: nearest\n",

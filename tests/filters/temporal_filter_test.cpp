@@ -60,17 +60,6 @@ TEST(TemporalFilter, StoresTheScaleBeforeItChecksTheWeight) {
   EXPECT_EQ(filter.update({"1", "0.1"}), kNoError) << "both ends are accepted";
 }
 
-TEST(TemporalFilter, RefusesFramesThatOnlyClaimToBeLarge) {
-  FilterDriver filter("TemporalFilter");
-  for (const std::uint32_t side : {60000u, 0xffffffffu}) {
-    devhost::FrameTraits traits = row({1000, 1000});
-    traits.width = traits.height = side;
-    EXPECT_FALSE(filter.process(devhost::make_frame(traits)));
-    EXPECT_EQ(filter.last_error(), kBadFrame);
-  }
-  EXPECT_EQ(filtered(filter, {}), Pixels{});
-}
-
 TEST(TemporalFilter, PrintsItsParameters) {
   TemporalFilter filter;
   EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }),

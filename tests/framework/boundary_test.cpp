@@ -60,41 +60,6 @@ TEST(Boundary, NullHandlesDoNothing) {
   EXPECT_EQ(error, nullptr);
 }
 
-TEST(Boundary, TwoFiltersOfOneIndexAreIndependent) {
-  FilterDriver first("HoleFillingFilter");
-  FilterDriver second("HoleFillingFilter");
-  EXPECT_EQ(first.update({"2"}), kNoError);
-  first.destroy();
-  const devhost::Frame output = second.process(devhost::make_frame(small_depth()));
-  ASSERT_TRUE(output);
-  EXPECT_EQ(devhost::inspect(output.get()).pixels[9], 1234);
-}
-
-TEST(Boundary, TheOutputIsANewFrameOfTheInputsDescription) {
-  FilterDriver filter("HoleFillingFilter");
-  const devhost::FrameTraits traits = small_depth();
-  const devhost::Frame frame = devhost::make_frame(traits);
-  const devhost::Frame output = filter.process(frame);
-  ASSERT_TRUE(output);
-  EXPECT_NE(output.get(), frame.get());
-  EXPECT_EQ(devhost::inspect(frame.get()).pixels, traits.pixels) << "the input never changes";
-  const devhost::FrameTraits result = devhost::inspect(output.get());
-  EXPECT_EQ(result.type, ZV_FRAME_TYPE_DEPTH);
-  EXPECT_EQ(result.format, traits.format);
-  EXPECT_EQ(result.value_scale, traits.value_scale);
-  EXPECT_EQ(result.metadata, traits.metadata);
-}
-
-TEST(Boundary, AFrameSetComesBackAsASetHoldingTheNewFrame) {
-  FilterDriver filter("HoleFillingFilter");
-  const devhost::Frame set = devhost::make_frame_set(devhost::make_frame(small_depth()));
-  const devhost::Frame output = filter.process(set);
-  ASSERT_TRUE(output);
-  EXPECT_EQ(devhost::inspect(output.get()).type, ZV_FRAME_TYPE_SET);
-  EXPECT_EQ(devhost::inspect(devhost::depth_frame_of(output.get()).get()).pixels[9], 1234);
-  EXPECT_EQ(devhost::inspect(devhost::depth_frame_of(set.get()).get()).pixels[9], 0);
-}
-
 TEST(Boundary, FramesThatHoldNoDepthAreRefused) {
   FilterDriver filter("HoleFillingFilter");
   EXPECT_FALSE(filter.process(nullptr));
@@ -127,23 +92,6 @@ TEST(Boundary, DataThatDoNotFitTheDescriptionAreRefusedBeforeTheKernel) {
   devhost::hide_data(false);
   EXPECT_EQ(devhost::live_objects(), before);
   EXPECT_TRUE(filter.process(devhost::make_frame(small_depth()))) << "the filter stays usable";
-}
-
-TEST(Boundary, ANullErrorSlotIsSurvived) {
-  FilterDriver filter("HoleFillingFilter");
-  PrivFilterContext* context = filter.context();
-  const char* bad[] = {"7"};
-  context->update_config(context->filter, 1, bad, nullptr);
-  context->update_config(context->filter, 2, nullptr, nullptr);
-  const devhost::Frame empty_set = devhost::make_frame_set(nullptr);
-  EXPECT_EQ(context->process(context->filter, empty_set.get(), nullptr), nullptr);
-  const devhost::Frame frame = devhost::make_frame(small_depth());
-  EXPECT_TRUE(devhost::Frame(context->process(context->filter, frame.get(), nullptr)));
-  devhost::fail_call("zv_frame_get_data", 1);
-  const std::string printed = FilterDriver::output_of(
-      [&] { EXPECT_EQ(context->process(context->filter, frame.get(), nullptr), nullptr); });
-  EXPECT_TRUE(devhost::clear_fault());
-  EXPECT_NE(printed.find("message: injected fault\n"), std::string::npos) << "printed all the same";
 }
 
 TEST(Errors, AreMadeByTheHostEvenWhenNobodyListens) {

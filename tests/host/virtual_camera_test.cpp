@@ -135,60 +135,6 @@ TEST(VirtualCamera, EveryCodingReadsBackAsTheDepthThatWasMeasured) {
   }
 }
 
-TEST(VirtualCamera, MarksHolesAsTheRecordSaysAndPacksConfidence) {
-  const auto invalid_of = [](std::uint8_t pack_mode, bool dual, std::int32_t format) {
-    CameraConfig config = small_config();
-    config.pack_mode = pack_mode;
-    config.dual = dual;
-    config.format = format;
-    return VirtualCamera(config).invalid_pixel();
-  };
-  EXPECT_EQ(invalid_of(1, true, 0), 0);
-  EXPECT_EQ(invalid_of(2, true, 0), 0);
-  EXPECT_EQ(invalid_of(3, true, 0), 0);
-  EXPECT_EQ(invalid_of(1, false, 0), 0);
-  EXPECT_EQ(invalid_of(2, false, 0), 8192);
-  EXPECT_EQ(invalid_of(4, false, 0), 65532);
-  EXPECT_EQ(invalid_of(4, false, 34), 0);
-
-  CameraConfig config = small_config();
-  config.format = 34;
-  int levels[16] = {};
-  for (const std::uint16_t pixel : VirtualCamera(config).frame(0).disparity.pixels) {
-    EXPECT_EQ(pixel >> 4 == 0, (pixel & 15) == 0);
-    ++levels[pixel & 15];
-  }
-  EXPECT_GT(std::count_if(levels + 1, levels + 16, [](int n) { return n > 0; }), 4);
-}
-
-TEST(VirtualCamera, DisparitiesBeyondTheCodesAreHoles) {
-  struct Range {
-    Coding coding;
-    double first, last;  // codable disparities, 22.4 of them on the reference plane
-  };
-  const Range ranges[] = {
-      {{1, true, 0, 16}, 1 / 128.0, 255.99},
-      {{2, true, 0, 16}, 1 / 256.0, 65531 / 256.0},
-      {{3, true, 0, 16}, 1 / 64.0, 1023.92},
-      {{2, false, 0, 16}, 22.4 - 31.99, 22.4 + 31.99},
-      {{2, false, 0, 14}, 22.4 - 127.98, 22.4 + 127.98},
-      {{4, false, 0, 16}, 1 / 256.0, 65531 / 256.0},
-  };
-  for (const auto& [coding, first, last] : ranges) {
-    CameraConfig config;  // 640 columns, so fx x baseline is 22400
-    config.pack_mode = coding.pack_mode;
-    config.dual = coding.dual;
-    config.bit_size = coding.bits;
-    const DisparityCode encode(VirtualCamera(config).parameters(), 0);
-    SCOPED_TRACE(testing::Message() << "pack mode " << int{coding.pack_mode} << ", dual " << coding.dual);
-    EXPECT_NE(encode(first), encode.invalid());
-    EXPECT_NE(encode(last), encode.invalid());
-    EXPECT_EQ(encode(first - 0.05), encode.invalid());
-    EXPECT_EQ(encode(last + 0.013), encode.invalid());  // three steps of the finest
-    EXPECT_EQ(encode(1e9), encode.invalid());
-  }
-}
-
 TEST(VirtualCamera, HasTheFaultsOfBlockMatching) {
   CameraConfig config = small_config();
   config.width = 320;
@@ -240,19 +186,6 @@ TEST(VirtualCamera, HasTheFaultsOfBlockMatching) {
   EXPECT_GT(median(errors(frame, 3000, 5000)), 2 * median(errors(frame, 400, 1500)));
 }
 
-TEST(VirtualCamera, TruthCoversTheRangeAndTheOpeningHasNone) {
-  const std::vector<std::uint16_t> truth = VirtualCamera(small_config()).frame(0).truth;
-  const auto count = [&](int from, int to) {
-    return std::count_if(truth.begin(), truth.end(), [&](int z) { return z >= from && z < to; });
-  };
-  EXPECT_EQ(count(1, 400), 0);
-  for (const int from : {400, 600, 1000, 2000, 3000, 4000}) {
-    EXPECT_GT(count(from, from == 600 ? 1000 : from == 400 ? 600 : from + 1000), 50) << from;
-  }
-  EXPECT_EQ(*std::max_element(truth.begin(), truth.end()), 4700);
-  EXPECT_GT(count(0, 1), 50);
-}
-
 TEST(VirtualCamera, FramesDependOnSeedAndIndexOnly) {
   const CameraConfig config = small_config();
   const VirtualCamera camera(config);
@@ -284,30 +217,6 @@ TEST(VirtualCamera, FramesAreTheSameOnEveryMachine) {
   for (const std::uint16_t pixel : frame.disparity.pixels) sum = sum * 31 + pixel;
   for (const std::uint16_t depth : frame.truth) sum = sum * 31 + depth;
   EXPECT_EQ(sum, 1786264795u);
-}
-
-TEST(VirtualCamera, OddSizesCarryTheirWholeDescription) {
-  CameraConfig config;
-  config.width = 131;
-  config.height = 49;
-  config.disparity_correction = -2;
-  const VirtualCamera camera(config);
-  const FrameTraits traits = inspect(make_frame(camera.frame(3).disparity).get());
-  EXPECT_EQ(traits.pixels.size(), 131u * 49u);
-  EXPECT_EQ(traits.type, 3);
-  EXPECT_EQ(traits.pixel_type, 2);
-  EXPECT_EQ(traits.metadata.at(32), -2);
-  EXPECT_EQ(traits.intrinsic.width, 131);
-  EXPECT_EQ(traits.intrinsic.cx, 65);
-  EXPECT_DOUBLE_EQ(traits.disparity.fx, 0.7 * 131);
-  EXPECT_GT(std::count_if(traits.pixels.begin(), traits.pixels.end(), [](int p) { return p != 0; }),
-            131 * 49 / 2);
-
-  // More disparities than columns: what is too near for half the width stays unseen.
-  config.baseline = 500;
-  config.fx = 4.0 * config.width;
-  EXPECT_EQ(VirtualCamera(config).blind_columns(), 65u);
-  EXPECT_EQ(VirtualCamera(config).frame(0).truth.size(), 131u * 49u);
 }
 
 TEST(VirtualCamera, RefusesBadConfigurationsByName) {

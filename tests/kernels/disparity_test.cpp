@@ -98,19 +98,6 @@ TEST_P(DisparityLevel, ConversionEqualsTheTableForEveryPixelValue) {
   }
 }
 
-TEST_P(DisparityLevel, ConversionStaysInsideShortBuffers) {
-  const StereoRule rule = {CodeLayout::linear, 256, 29680, 1, 0, 0, 0, 256, 0, {0, 65535, 65536}};
-  DepthConverter converter(rule, kMaxDepthTable, kernels());
-  for (std::size_t count = 0; count < 140; ++count) {
-    const Pixels codes(count, 2560);
-    Pixels depth(count);
-    converter.convert(codes.data(), depth.data(), count);
-    EXPECT_EQ(depth, Pixels(count, 2968));
-    converter.convert_packed(codes.data(), depth.data(), count);
-    EXPECT_EQ(depth, Pixels(count, static_cast<std::uint16_t>(47488 << 4)));
-  }
-}
-
 TEST_P(DisparityVectors, CorrectionEqualsThePlainFormForEveryPixelValue) {
   Pixels every(65536 + 3);
   for (std::size_t i = 0; i < every.size(); ++i) every[i] = static_cast<std::uint16_t>(i);

@@ -112,60 +112,6 @@ TEST_P(MarginLevel, FollowsTheRuleInLargeImages) {
   expect_rule(wide, 3, 70001, {.margin_y = 66000, .limit_y = 66000});
 }
 
-TEST_P(MarginLevel, FollowsTheRuleOnTheBenchmarksScene) {
-  const bench::Image room = bench::stereo_scene(640, 400);
-  const MarginRule rule = {.left = 6, .right = 4, .limit_x = 70, .margin_y = 6, .limit_y = 30};
-  expect_rule(room.pixels, room.width, room.height, rule);
-}
-
-TEST_P(MarginLevel, TheRightBandIsAColumnNarrower) {
-  Pixels row(16, 0);
-  std::fill(row.begin() + 3, row.begin() + 13, std::uint16_t{9});
-  const auto run = [&](MarginRule rule) {
-    Pixels pixels = row;
-    kernels().margin.clear(pixels.data(), 16, 1, rule);
-    return pixels;
-  };
-  const auto first_valid = [](const Pixels& pixels) {
-    return std::find(pixels.begin(), pixels.end(), 9) - pixels.begin();
-  };
-  EXPECT_EQ(first_valid(run({.left = 6, .limit_x = 70})), 9) << "a run goes on past where it may start";
-  EXPECT_EQ(first_valid(run({.left = 6, .limit_x = 4})), 9);
-  EXPECT_EQ(first_valid(run({.left = 6, .limit_x = 3})), 3);
-  EXPECT_EQ(run({.right = 3, .limit_x = 4}), row) << "12 is not above 16 - 4";
-  row[13] = 9;
-  EXPECT_EQ(run({.right = 3, .limit_x = 4})[13], 0);
-  EXPECT_EQ(run({.right = 3, .limit_x = 4})[11], 0);
-  EXPECT_EQ(run({.right = 3, .limit_x = 4})[10], 9);
-}
-
-TEST_P(MarginLevel, RunsOfColumnsEndWithTheBand) {
-  Pixels image(64 * 100, 0);
-  const auto at = [&](int x, int y) -> std::uint16_t& {
-    return image[static_cast<std::size_t>(y * 64 + x)];
-  };
-  for (int y = 27; y < 60; ++y) at(40, y) = 5;
-  for (int y = 30; y < 71; ++y) at(41, y) = 5;
-  for (int y = 30; y < 72; ++y) at(42, y) = 5;
-  kernels().margin.clear(image.data(), 64, 100, {.margin_y = 6, .limit_y = 30});
-  for (int y = 27; y < 30; ++y) EXPECT_EQ(at(40, y), 0);
-  EXPECT_EQ(at(40, 30), 5);
-  EXPECT_EQ(at(41, 30), 5);
-  EXPECT_EQ(at(41, 70), 5) << "the bottom band is a row narrower";
-  EXPECT_EQ(at(42, 71), 0);
-  EXPECT_EQ(at(42, 70), 5);
-}
-
-TEST_P(MarginLevel, RowsAndColumnsAreJudgedByTheImageAsItWas) {
-  Pixels image(64 * 40, 0);
-  image[10 * 64 + 5] = 1;  // goes with its row, and is the first of its column all the same
-  image[11 * 64 + 0] = 2;  // goes with its column, and is the first of its row all the same
-  image[11 * 64 + 5] = 3;
-  kernels().margin.clear(image.data(), 64, 40, {.left = 1, .limit_x = 6, .margin_y = 1, .limit_y = 12});
-  EXPECT_EQ(image[11 * 64 + 5], 3);
-  EXPECT_EQ(std::count(image.begin(), image.end(), 0), 64 * 40 - 1);
-}
-
 TEST(MarginInterface, ChecksInOrderAndChangesNothing) {
   Pixels image(64, 5);
   const Pixels before = image;

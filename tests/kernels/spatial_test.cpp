@@ -96,13 +96,6 @@ TEST_P(SpatialLevel, HorizontalThresholdsAreInclusiveAndVerticalOnesExclusive) {
   EXPECT_EQ(along({100, 108, 0, 120}, 9, 0.5f), (Pixels{102, 104, 0, 120}));
 }
 
-TEST_P(SpatialLevel, TwoColumnsRunToTheLeftOnly) {
-  EXPECT_EQ(across({100, 110}, 10, 0.5f, 0), (Pixels{105, 110}));
-  EXPECT_EQ(across({0, 110}, 0, 0.5f, 2), (Pixels{110, 110}));
-  EXPECT_EQ(across({0, 0, 7}, 0, 0.5f, 255), (Pixels{7, 7, 7}));
-  EXPECT_EQ(across({100}, 10, 0.5f, 9), Pixels{100});
-}
-
 TEST_P(SpatialLevel, LeavesRowsAndColumnsOutsideGroupsOfEight) {
   const std::uint16_t threshold = 1000;
   for (const std::size_t height : {7u, 12u, 35u}) {
@@ -246,12 +239,6 @@ TEST_P(SpatialVectors, EqualsThePlainFormOnEitherSideOfTheWidthThatFitsTheStack)
   }
 }
 
-TEST_P(SpatialVectors, NotANumberAsAlphaStaysInsideTheImage) {
-  Random random(5);
-  const std::uint16_t threshold = 50;
-  expect_plain({45, 33, random.pixels(45 * 33, 900, 60, 9)}, {{&threshold, 1, 0}, kNan, 3}, "NaN");
-}
-
 /// A filter of ten by sixteen pixels through the exported functions.
 struct Spatial : testing::Test {
   static constexpr std::uint16_t table[] = {30, 30};
@@ -349,13 +336,6 @@ TEST_F(Spatial, FixedThresholdsAreTruncatedToSixteenBits) {
     EXPECT_EQ(at(-7), filled);
     EXPECT_EQ(at(1e20f), filled) << "2^31 - 1 ends in 65535";
   }
-}
-
-TEST_F(Spatial, EmptyImagesAreAccepted) {
-  EXPECT_EQ(depth_api_spatial_filter(pixels.data(), 0, 16, table, 9, 2, 1, 3, 1, 1, 0.5f, 30), 0);
-  EXPECT_EQ(depth_api_spatial_filter(pixels.data(), 10, 0, table, 9, 2, 1, 3, 1, 1, 0.5f, 30), 0);
-  EXPECT_EQ(depth_api_spatial_filter(pixels.data(), 1, 1, table, 9, 2, 1, 3, 1, 1, 0.5f, 30), 0);
-  EXPECT_EQ(pixels, image);
 }
 
 TEST(FastAbs, IsTheAbsoluteValue) {

@@ -94,41 +94,5 @@ TEST_P(TemporalVectors, EqualsThePlainFormForAllCloseValues) {
   }
 }
 
-TEST(Temporal, FirstFramePassesAndHolesRestartTheAverage) {
-  Pixels history(3, 0);
-  Pixels frame = {1000, 0, 500};
-  EXPECT_EQ(depth_api_temporal_filter(frame.data(), 3, 1, history.data(), 0.1f, 0.4f), 0);
-  EXPECT_EQ(frame, (Pixels{1000, 0, 500}));
-  frame = {1050, 700, 0};
-  depth_api_temporal_filter(frame.data(), 1, 3, history.data(), 0.1f, 0.4f);
-  EXPECT_EQ(frame, (Pixels{1020, 700, 0}));
-  EXPECT_EQ(history, frame);
-  frame = {1070, 705, 500};
-  depth_api_temporal_filter(frame.data(), 1, 3, history.data(), 0.1f, 0.4f);
-  EXPECT_EQ(frame, (Pixels{1040, 702, 500}));
-}
-
-TEST(Temporal, TheFrameServesAsItsOwnHistory) {
-  Random random(2);
-  Pixels frame = random.pixels(333, 30000, 29999, 9);
-  Pixels alone = frame;
-  Pixels expected = frame;
-  Pixels history = frame;
-  depth_api_temporal_filter(expected.data(), 333, 1, history.data(), 0.1f, 0.3f);
-  depth_api_temporal_filter(alone.data(), 333, 1, nullptr, 0.1f, 0.3f);
-  depth_api_temporal_filter(frame.data(), 333, 1, frame.data(), 0.1f, 0.3f);
-  EXPECT_EQ(alone, expected);
-  EXPECT_EQ(frame, expected);
-}
-
-TEST(Temporal, SizesBelowOneDoNothing) {
-  Pixels pixel = {5};
-  Pixels history = {5};
-  EXPECT_EQ(depth_api_temporal_filter(pixel.data(), 0, 1, history.data(), 1.0f, 9.0f), 0);
-  EXPECT_EQ(depth_api_temporal_filter(pixel.data(), -1, -1, history.data(), 1.0f, 9.0f), 0);
-  EXPECT_EQ(depth_api_temporal_filter(nullptr, 1, -1, nullptr, 1.0f, 9.0f), 0);
-  EXPECT_EQ(pixel[0], 5);
-}
-
 }  // namespace
 }  // namespace filterprocessor

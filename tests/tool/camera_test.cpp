@@ -29,29 +29,6 @@ CameraRequest request_of(std::string_view input) {
   return make_camera_request(parse_camera_input(input));
 }
 
-TEST(CameraOptions, SetTheirFields) {
-  const CameraRequest plain = request_of("camera:");
-  EXPECT_EQ(plain.config.width, 640u);
-  EXPECT_TRUE(plain.config.dual);
-  EXPECT_FALSE(plain.config.disparity_correction.has_value());
-
-  const CameraRequest all = request_of(
-      "camera:frames=30,size=96x64,seed=18446744073709551615,pack-mode=1,bits=12,pixel-format=34,"
-      "correction=-5,baseline=75.5,fx=80,mono");
-  EXPECT_EQ(all.frames, 30u);
-  EXPECT_EQ(all.config.width, 96u);
-  EXPECT_EQ(all.config.height, 64u);
-  EXPECT_EQ(all.config.seed, std::numeric_limits<std::uint64_t>::max());
-  EXPECT_EQ(all.config.pack_mode, 1);
-  EXPECT_EQ(all.config.bit_size, 12);
-  EXPECT_EQ(all.config.format, 34);
-  EXPECT_EQ(all.config.disparity_correction, -5);
-  EXPECT_EQ(all.config.baseline, 75.5f);
-  EXPECT_EQ(all.config.fx, 80);
-  EXPECT_FALSE(all.config.dual);
-  EXPECT_FALSE(request_of("camera:pack-mode=4").config.dual);
-}
-
 TEST(CameraOptions, AreRefusedByName) {
   const std::pair<const char*, const char*> cases[] = {
       {"pack_mode=2", "camera: unknown option \"pack_mode\"; did you mean pack-mode?"},

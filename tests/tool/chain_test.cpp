@@ -29,18 +29,6 @@ std::string refusal(std::string_view text) {
   return {};
 }
 
-TEST(Chain, TakesKeysInAnyOrderAndDefaultsForTheRest) {
-  const auto request = parse_filter_request("Filter:ratio=2.5e-1,count=-4");
-  EXPECT_EQ(request.name, "Filter");
-  EXPECT_EQ(configuration_values(request, kSchema), (Texts{"-4", "2.5e-1", "1", "100"}));
-}
-
-TEST(Chain, ToldFromAnUnconfiguredFilterByTheColon) {
-  EXPECT_FALSE(parse_filter_request("Filter").values.has_value());
-  EXPECT_EQ(configuration_values(parse_filter_request("Filter:"), kSchema),
-            (Texts{"3", "0.5", "1", "100"}));
-}
-
 TEST(Chain, RefusesMalformedRequests) {
   EXPECT_EQ(refusal(":count=1"), "no filter name in \":count=1\"; expected NAME or NAME:key=value,...");
   for (const char* pair : {"count", "=1", "count=", ""}) {

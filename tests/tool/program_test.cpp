@@ -161,14 +161,6 @@ TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
             "the filter takes 0 to 10 and will refuse it\n");
 }
 
-TEST_F(Program, TakesOutputsOfAnotherSize) {
-  put("in/a.png", kHoles);
-  const Outcome outcome = run_probe("run -f CroppingFilter in -o results --preview --baseline 50 --fx 1");
-  ASSERT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_EQ(get("results/a.png"), (Image{3, 1, {5, 6, 7}}));
-  EXPECT_MENTIONS(outcome.out, "CroppingFilter       1             6            3        -");
-}
-
 TEST_F(Program, ReportsFilterErrorsWithAllTheirTexts) {
   put("in/a.png", kHoles);
   const std::string rest = " in/a.png -o results --baseline 50 --fx 1";
@@ -251,17 +243,6 @@ TEST_F(Program, NeverMixesTwoRecordings) {
   put("cam/truth/disparity_0007.png", kHoles);
   expect_refused(run("camera -o cam --frames 1 --size 96x64"), 1,
                  "cam/truth/disparity_0007.png: belongs");
-}
-
-TEST_F(Program, OptionsReplaceWhatTheCameraSays) {
-  ASSERT_EQ(run("camera -o cam --frames 1 --size 64x48").status, 0);
-  const std::string replaced =
-      " --bits 12 --pixel-type linear --value-scale 0.25 --baseline 75 --fx 400 -o results";
-  for (const char* input : {"cam --camera cam/camera.json", "camera:frames=1,size=64x48"}) {
-    const Outcome outcome = run_probe(concat("run -f EchoFilter ", input, replaced));
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_MENTIONS(outcome.out, "bits 12, type 4, scale 0.25, baseline 75, fx 400\n");
-  }
 }
 
 TEST_F(Program, ComparesEveryStageWithTheTruth) {

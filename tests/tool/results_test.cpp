@@ -11,53 +11,7 @@
 namespace zvfilter {
 namespace {
 
-// The plus signs copy fields of the packed record, to which no reference may be bound.
-TEST(FrameAttributes, DefaultToANominalCamera) {
-  const auto frame = describe_frame(make_image(640, 360), {});
-  EXPECT_EQ(frame.width, 640u);
-  EXPECT_EQ(frame.height, 360u);
-  EXPECT_EQ(frame.pixels.size(), 640u * 360u);
-  EXPECT_EQ(frame.bits, 16);
-  EXPECT_EQ(frame.disparity.bitSize, 16);
-  EXPECT_EQ(+frame.disparity.dispIntPlace, 8);
-  EXPECT_EQ(frame.disparity.packMode, 2);
-  EXPECT_EQ(frame.disparity.isDualCamera, 1);
-  EXPECT_FLOAT_EQ(+frame.disparity.baseline, 50);
-  EXPECT_DOUBLE_EQ(+frame.disparity.fx, 448);
-  EXPECT_FLOAT_EQ(frame.intrinsic.fx, 448);
-  EXPECT_FLOAT_EQ(frame.intrinsic.cx, 320);
-  EXPECT_EQ(frame.intrinsic.height, 360);
-}
-
-TEST(FrameAttributes, TakeWhatIsGiven) {
-  FrameAttributes attributes;
-  attributes.baseline = 75;
-  attributes.fx = 500;
-  attributes.bits = 6;
-  attributes.value_scale = 0.1f;
-  const auto frame = describe_frame(make_image(40000, 1), attributes);
-  EXPECT_FLOAT_EQ(+frame.disparity.baseline, 75);
-  EXPECT_DOUBLE_EQ(+frame.disparity.fx, 500);
-  EXPECT_EQ(frame.bits - frame.disparity.dispIntPlace, 0);
-  EXPECT_EQ(frame.value_scale, 0.1f);
-  EXPECT_EQ(frame.intrinsic.width, 32767);
-}
-
 FrameImage depth(Image image) { return FrameImage(std::move(image)); }
-
-TEST(FilterStatistics, CountPixelsUntilTheSizeChanges) {
-  FilterStatistics statistics;
-  statistics.add(depth({2, 2, {0, 1, 2, 0}}), depth({2, 2, {5, 1, 0, 0}}), 1);
-  statistics.add(depth({2, 2, {0, 0, 0, 0}}), depth({2, 2, {0, 0, 0, 9}}), 1);
-  EXPECT_EQ(statistics.frames, 2u);
-  EXPECT_EQ(statistics.valid_before, 2u);
-  EXPECT_EQ(statistics.valid_after, 3u);
-  EXPECT_EQ(statistics.changed, 3u);
-  statistics.add(depth({1, 1, {1}}), depth({2, 1, {1, 1}}), 1);
-  statistics.add(depth({1, 1, {1}}), depth({1, 1, {2}}), 1);
-  EXPECT_FALSE(statistics.changed.has_value());
-  EXPECT_EQ(statistics.valid_after, 6u);
-}
 
 using Rgb = std::array<unsigned char, 3>;
 
@@ -123,14 +77,6 @@ TEST(Preview, ShowsNearInOneColourWhateverTheUnit) {
   expect_like_depth(disparity({0, 10, 20, 16000}, 1, true));     // a large code is a small disparity
   expect_like_depth(disparity({8192, 5, 0, 0x3FFF}, 2, false));  // 5, 0 and -1 in 14 bits
   expect_like_depth(disparity({15, 0x20F, 0x1F0, 0x010}, 2, true, ZV_FORMAT_PACKED_CODE));
-}
-
-TEST(Table, AlignsItsColumns) {
-  Table table({"filter", "frames"});
-  table.add({"LongerName", "8"});
-  std::ostringstream out;
-  table.print(out);
-  EXPECT_EQ(out.str(), "filter      frames\nLongerName       8\n");
 }
 
 }  // namespace
