@@ -196,15 +196,6 @@ TEST(DisparityTransform, PassesOtherFramesThroughAsCopies) {
   EXPECT_EQ(devhost::inspect(devhost::depth_frame_of(set.get()).get()).pixels, kCodes);
 }
 
-TEST(DisparityTransform, ConvertsTheDepthFrameOfASet) {
-  FilterDriver filter(kTransform);
-  const devhost::Frame set =
-      filter.process(devhost::make_frame_set(devhost::make_frame(row(camera(2, true), kCodes))));
-  ASSERT_TRUE(set);
-  EXPECT_EQ(devhost::inspect(set.get()).type, ZV_FRAME_TYPE_SET);
-  EXPECT_EQ(devhost::inspect(devhost::depth_frame_of(set.get()).get()).pixels, kDepths);
-}
-
 TEST(DisparityTransform, IgnoresABadConfigurationInSilence) {
   FilterDriver filter(kTransform);
   const devhost::FrameTraits traits = row(camera(2, true), kCodes);

@@ -203,23 +203,5 @@ TEST(HostFaults, AnErrorThatIsAlreadyThereCountsAsTheFirstCalls) {
   }
 }
 
-TEST(EmptyFrames, AreConvertedToEmptyFramesOrRefused) {
-  for (const Scenario& scenario : kScenarios) {
-    for (const std::size_t bytes : {std::size_t{0}, std::size_t{3}}) {
-      FilterDriver filter(scenario.filter);
-      devhost::FrameTraits traits = devhost::inspect(make_input(scenario, false).get());
-      traits.width = traits.height = 0;
-      traits.pixels.resize(bytes);
-      const devhost::Frame input = devhost::make_frame(traits);
-      for (int n = 0; n < 3; ++n) {
-        devhost::Frame output;
-        FilterDriver::output_of([&] { output = filter.process(input); });
-        EXPECT_EQ(output != nullptr, filter.last_error() == kNoError)
-            << scenario.filter << ", " << scenario.name << ": " << filter.last_error();
-      }
-    }
-  }
-}
-
 }  // namespace
 }  // namespace filterprocessor

@@ -219,36 +219,5 @@ TEST(VirtualCamera, FramesAreTheSameOnEveryMachine) {
   EXPECT_EQ(sum, 1786264795u);
 }
 
-TEST(VirtualCamera, RefusesBadConfigurationsByName) {
-  const auto refused = [](auto change) -> std::string {
-    CameraConfig config = small_config();
-    change(config);
-    try {
-      VirtualCamera camera(config);
-    } catch (const std::invalid_argument& error) {
-      return error.what();
-    }
-    return "nothing";
-  };
-  using Config = CameraConfig&;
-  EXPECT_EQ(refused([](Config c) { c.width = 63; }), "camera width has to be 64 to 4096");
-  EXPECT_EQ(refused([](Config c) { c.height = 4097; }), "camera height has to be 48 to 4096");
-  EXPECT_EQ(refused([](Config c) { c.baseline = std::numeric_limits<float>::quiet_NaN(); }),
-            "camera baseline has to be 5 to 500");
-  EXPECT_EQ(refused([](Config c) { c.fx = -1; }), "camera fx has to be 0 or 0.25 to 4 times the width");
-  EXPECT_EQ(refused([](Config c) { c.format = 35; }), "camera format has to be 0 or 34");
-  EXPECT_EQ(refused([](Config c) { c.pack_mode = 4; }),
-            "camera pack_mode has to be 1, 2 or 3 with two cameras");
-  EXPECT_EQ(refused([](Config c) { c.pack_mode = 3, c.dual = false; }),
-            "camera pack_mode has to be 1, 2 or 4 with one camera");
-  EXPECT_EQ(refused([](Config c) { c.bit_size = 17; }), "camera bit_size has to be 0 or 11 to 16 here");
-  EXPECT_EQ(refused([](Config c) { c.bit_size = 13, c.format = 34; }),
-            "camera bit_size has to be 0 or 11 to 12 here");
-  EXPECT_EQ(refused([](Config c) { c.bit_size = 13, c.dual = false; }),
-            "camera bit_size has to be 0 or 14 to 16 here");
-  EXPECT_EQ(refused([](Config c) { c.disparity_correction = std::numeric_limits<std::int64_t>::min(); }),
-            "camera disparity_correction has to be -128 to 128");
-}
-
 }  // namespace
 }  // namespace devhost
