@@ -1,7 +1,7 @@
 #include <cmath>
 #include <memory>
 
-#include "kernels/disparity/depth_converter.h"
+#include "filters/depth_converter.h"
 #include "rows.h"
 
 namespace filterprocessor::bench {

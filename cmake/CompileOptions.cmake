@@ -8,8 +8,7 @@ target_compile_options(filterprocessor_options INTERFACE
   # Filters have no virtual destructor: they are owned by shared pointers made for their concrete class.
   $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-delete-non-abstract-non-virtual-dtor>
   $<$<BOOL:${FILTERPROCESSOR_WERROR}>:-Werror>)
-target_include_directories(filterprocessor_options INTERFACE
-  ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src ${PROJECT_BINARY_DIR}/generated)
+target_include_directories(filterprocessor_options INTERFACE ${PROJECT_SOURCE_DIR}/include)
 
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_C_EXTENSIONS OFF)

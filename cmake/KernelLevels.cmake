@@ -1,4 +1,5 @@
-# add_kernel_levels(target source...): compiles the vector kernels once per processor level and adds them to target.
+# add_kernel_levels(layer folder source...): compiles vector kernels of a layer once per processor level and lists the
+# resulting layers in FILTERPROCESSOR_LEVEL_LAYERS.
 # A level is a line here, a header in src/kernels/simd that simd.h includes, and a case in src/kernels/level.cpp and
 # kernel_set.cpp.
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
@@ -16,14 +17,18 @@ else()
   set(FILTERPROCESSOR_LEVELS "")
 endif()
 
-function(add_kernel_levels target)
+function(add_kernel_levels layer folder)
+  set(layers)
+  list(TRANSFORM ARGN PREPEND ${folder}/ OUTPUT_VARIABLE sources)
   foreach(level IN LISTS FILTERPROCESSOR_LEVELS)
+    set(target filterprocessor_${layer}_${level})
     string(TOUPPER ${level} LEVEL)
-    add_library(kernels_${level} OBJECT ${ARGN})
-    target_compile_definitions(kernels_${level} PRIVATE FILTERPROCESSOR_LEVEL_${LEVEL})
+    add_library(${target} OBJECT ${sources})
+    target_compile_definitions(${target} PRIVATE FILTERPROCESSOR_LEVEL_${LEVEL})
     # Where the linker happens to put a tight loop moved some kernels by 40 %, so functions and loops are aligned.
-    target_compile_options(kernels_${level} PRIVATE ${FILTERPROCESSOR_FLAGS_${level}} -falign-functions=64 -falign-loops=32)
-    target_link_libraries(kernels_${level} PRIVATE filterprocessor_options)
-    target_sources(${target} PRIVATE $<TARGET_OBJECTS:kernels_${level}>)
+    target_compile_options(${target} PRIVATE ${FILTERPROCESSOR_FLAGS_${level}} -falign-functions=64 -falign-loops=32)
+    target_link_libraries(${target} PRIVATE filterprocessor_${layer})
+    list(APPEND layers ${layer}_${level})
   endforeach()
+  set(FILTERPROCESSOR_LEVEL_LAYERS ${layers} PARENT_SCOPE)
 endfunction()

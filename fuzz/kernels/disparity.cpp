@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "images.h"
-#include "kernels/disparity/depth_converter.h"
+#include "filters/depth_converter.h"
 #include "kernels/disparity/depth_sampling.h"
 #include "levels.h"
 

@@ -8,7 +8,7 @@
 #include "framework/config_values.h"
 #include "framework/frame_info.h"
 #include "framework/frame_process.h"
-#include "kernels/disparity/depth_converter.h"
+#include "filters/depth_converter.h"
 
 namespace filterprocessor {
 

@@ -5,7 +5,7 @@
 
 #include "framework/config_values.h"
 #include "framework/frame_process.h"
-#include "kernels/disparity/depth_converter.h"
+#include "filters/depth_converter.h"
 #include "kernels/disparity/depth_sampling.h"
 
 namespace filterprocessor {

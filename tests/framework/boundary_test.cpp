@@ -1,7 +1,7 @@
 // What every filter shares, driven through the exported functions.
 #include "filters/temp_filter1.h"
 #include "framework/errors.h"
-#include "framework/filter_factory.h"
+#include "framework/registry/filter_factory.h"
 #include "support/filter_driver.h"
 
 namespace filterprocessor {

@@ -2,7 +2,7 @@
 #include <limits>
 
 #include "kernels/correction/correction_plain.h"
-#include "kernels/disparity/depth_converter.h"
+#include "filters/depth_converter.h"
 #include "support/levels.h"
 #include "support/random_image.h"
 

@@ -1,4 +1,4 @@
-#include "kernels/disparity/depth_converter.h"
+#include "filters/depth_converter.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,8 @@
 #include <memory>
 
 #include "filterprocessor/filter_processor.h"
-#include "framework/commit_hash.h"
-#include "framework/filter_factory.h"
+#include "commit_hash.h"
+#include "framework/registry/filter_factory.h"
 
 using filterprocessor::FilterFactory;
 using filterprocessor::IPrivFilter;

@@ -1,4 +1,4 @@
-#include "framework/filter_factory.h"
+#include "framework/registry/filter_factory.h"
 
 #include "filters/depth_resize.h"
 #include "filters/disparity_transform.h"
