@@ -26,8 +26,12 @@ class DepthConverter {
   /// Makes code 0 stand for depth 0.
   void clear_first_entry();
 
-  /// target = table[source] for `count` pixels; codes past the table give 0.
+  /// target = table[source] for `count` pixels; codes past the table give 0. The target may be the source
+  /// itself.
   void convert(const std::uint16_t* source, std::uint16_t* target, std::size_t count);
+  /// The same for an image of `width` x `height` pixels out of a wider one, whose rows are `stride` apart.
+  void convert(const std::uint16_t* source, std::size_t stride, std::uint16_t* target, std::size_t width,
+               std::size_t height);
   /// The same for pixels whose high 12 bits hold the code and whose low 4 bits are carried through.
   void convert_packed(const std::uint16_t* source, std::uint16_t* target, std::size_t count);
 
@@ -37,29 +41,33 @@ class DepthConverter {
 
  private:
   /// The rule as numerator / (code + offset), before rounding to 32-bit float.
-  struct Shape {
+  struct ExactQuotient {
     double numerator = 0;
     double offset = 0;
     bool signed_14_bit = false;
   };
-  /// What is known about computing instead of loading. A table may serve one frame only, so the question
-  /// is put at its second use.
-  struct Shortcut {
+  /// One format of codes. A table may serve one image only, so whether computing gives its entries is asked
+  /// at its second use.
+  struct Format {
+    DepthLookupKernels::Load* load;
+    DepthLookupKernels::Compute* compute;
+    bool packed;
     int uses = 0;
-    std::optional<DepthQuotient> quotient;
+    std::optional<DepthQuotient> quotient = {};
+
+    void use(const DepthConverter& converter);
+    void convert(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
+                 const std::uint16_t* table) const;
   };
-  using Compute = DepthLookupKernels::Compute*;
 
-  std::optional<DepthQuotient> find_quotient(Compute compute, bool packed) const;
-  void apply(Shortcut& shortcut, bool packed, const std::uint16_t* source, std::uint16_t* target,
-             std::size_t count);
+  DepthConverter(std::size_t size, const KernelSet& kernels);
+  std::optional<DepthQuotient> find_quotient(const Format& format) const;
 
-  const KernelSet* kernels_;
   std::size_t size_;
   std::vector<std::uint16_t> table_;  ///< padded, so that every code of 16 bits has an entry
-  std::optional<Shape> shape_;
-  Shortcut plain_;
-  Shortcut packed_;
+  std::optional<ExactQuotient> exact_;
+  Format plain_;
+  Format packed_;
 };
 
 }  // namespace filterprocessor

@@ -41,6 +41,9 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
   /// Fills a table of `lutSize` entries by the filter's rule and makes it the current one.
   virtual void init_lookup_table(zv_error** error) = 0;
 
+  /// The lock that a frame holds from the look at the parameters on.
+  std::unique_lock<std::recursive_mutex> hold() { return std::unique_lock(lock_); }
+
   /// Takes max_depth, min_depth and depth_uint from the first three values, or silently ignores them.
   void update_depth_limits(const ConfigValues& values);
 
@@ -56,7 +59,7 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
   /// Rebuilds the table for the frame's available bit size if the stored one differs.
   void match_bit_size(const FrameProcess& host, std::uint8_t available_bits);
   /// The current table, if there is one; there is inside convert().
-  const DepthConverter* d2d_lut() const { return d2dLut.get(); }
+  DepthConverter* d2d_lut() const { return d2dLut.get(); }
   /// Makes code 0 stand for depth 0 until the next rebuild. Kept tables stay as they are.
   void clear_first_entry();
   /// Describes a converted frame: bit size and value scale.

@@ -26,6 +26,10 @@ struct MarginKernels {
   Clear* clear;
 };
 
+namespace plain {
+extern const MarginKernels margin;
+}
+
 }  // namespace filterprocessor
 
 #endif

@@ -1,7 +1,7 @@
-#include "kernels/margin/margin_plain.h"
-
 #include <algorithm>
 #include <vector>
+
+#include "kernels/margin/margin.h"
 
 namespace filterprocessor::plain {
 
@@ -37,8 +37,6 @@ void clear_row(std::uint16_t* row, Index width, Index y, const MarginRule& rule)
   }
 }
 
-}  // namespace
-
 void clear_margins(std::uint16_t* pixels, std::int32_t width, std::int32_t height,
                    const MarginRule& rule) {
   const auto at = [=](Index x, Index y) { return pixels + y * width + x; };
@@ -66,5 +64,9 @@ void clear_margins(std::uint16_t* pixels, std::int32_t width, std::int32_t heigh
     for (Index y = last; y >= std::max(last - rule.margin_y + 1, bottom_begin); --y) *at(x, y) = 0;
   }
 }
+
+}  // namespace
+
+extern const MarginKernels margin = {clear_margins};
 
 }  // namespace filterprocessor::plain
