@@ -18,14 +18,14 @@ std::uint16_t number_of(std::size_t code, bool signed_14_bit) {
 
 DepthConverter::DepthConverter(std::size_t size, const KernelSet& kernels)
     : size_(size),
-      table_(kMaxDepthTable),
       plain_{kernels.depth_lookup.plain_codes, kernels.depth_lookup.plain_quotient, false},
-      packed_{kernels.depth_lookup.packed_codes, kernels.depth_lookup.packed_quotient, true} {}
-
-DepthConverter::DepthConverter(std::size_t size) : DepthConverter(size, active_kernels()) {}
+      packed_{kernels.depth_lookup.packed_codes, kernels.depth_lookup.packed_quotient, true} {
+  table_.fit(kMaxDepthTable, 1);
+}
 
 DepthConverter::DepthConverter(const StereoRule& rule, std::size_t size, const KernelSet& kernels)
     : DepthConverter(size, kernels) {
+  if (!has_table()) return;
   kernels.depth_table.stereo(rule, table_.data(), size);
   const double offsets = rule.disparity_offset + rule.metadata_offset;
   const double depth_pixels = rule.focal_baseline * rule.unit;
@@ -37,6 +37,7 @@ DepthConverter::DepthConverter(const StereoRule& rule, std::size_t size, const K
 
 DepthConverter::DepthConverter(const MonoRule& rule, std::size_t size, const KernelSet& kernels)
     : DepthConverter(size, kernels) {
+  if (!has_table()) return;
   kernels.depth_table.mono(rule, table_.data(), size);
   const double offset = rule.disparity_offset + 1 / rule.slope;
   const double depth_pixels = rule.numerator / rule.slope;
@@ -47,13 +48,15 @@ DepthConverter::DepthConverter(const MonoRule& rule, std::size_t size, const Ker
                           rule.layout == CodeLayout::signed_14_bit};
 }
 
-void DepthConverter::clear_first_entry() {
-  if (table_[0] == 0) return;
-  table_[0] = 0;
-  for (Format* format : {&plain_, &packed_}) {
-    format->uses = 0;
-    format->quotient.reset();
-  }
+DepthConverter DepthConverter::with_first_entry_cleared() const {
+  DepthConverter copy(size_);
+  if (!copy.has_table()) return copy;
+  std::copy_n(table_.data(), kMaxDepthTable, copy.table_.data());
+  copy.table_.data()[0] = 0;
+  copy.exact_ = exact_;
+  copy.plain_ = {plain_.load, plain_.compute, plain_.packed};
+  copy.packed_ = {packed_.load, packed_.compute, packed_.packed};
+  return copy;
 }
 
 std::optional<DepthQuotient> DepthConverter::find_quotient(const Format& format) const {
@@ -63,6 +66,7 @@ std::optional<DepthQuotient> DepthConverter::find_quotient(const Format& format)
     return std::nullopt;
   const std::size_t codes = std::min(size_, format.packed ? kPackedCodes : kMaxDepthTable);
 
+  const std::uint16_t* const table = table_.data();
   // The entries other than 0 must be one stretch of numbers with at most one code missing.
   int first = 65536;
   int last = -65536;
@@ -71,7 +75,7 @@ std::optional<DepthQuotient> DepthConverter::find_quotient(const Format& format)
     return exact_->signed_14_bit ? static_cast<std::int16_t>(bits) : int{bits};
   };
   for (std::size_t code = 0; code < codes; ++code) {
-    if (table_[code] == 0) continue;
+    if (table[code] == 0) continue;
     first = std::min(first, number(code));
     last = std::max(last, number(code));
   }
@@ -79,7 +83,7 @@ std::optional<DepthQuotient> DepthConverter::find_quotient(const Format& format)
   std::size_t missing = 0;
   auto hole = static_cast<std::uint16_t>(last + 1);
   for (std::size_t code = 0; code < codes; ++code) {
-    if (table_[code] != 0 || number(code) < first || number(code) > last) continue;
+    if (table[code] != 0 || number(code) < first || number(code) > last) continue;
     hole = static_cast<std::uint16_t>(code);
     if (++missing > 1) return std::nullopt;
   }
@@ -104,7 +108,7 @@ std::optional<DepthQuotient> DepthConverter::find_quotient(const Format& format)
       }
       format.compute(code, depth, kPart, quotient);
       for (std::size_t i = 0; i < kPart; ++i) {
-        const int entry = table_[begin + i];
+        const int entry = table[begin + i];
         if (depth[i] != static_cast<std::uint16_t>(format.packed ? entry << 4 : entry)) return false;
       }
     }

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <vector>
 
+#include "common/zeroed_buffer.h"
 #include "kernels/disparity/depth_lookup.h"
 #include "kernels/disparity/depth_table.h"
 #include "kernels/kernel_set.h"
@@ -16,15 +16,16 @@ namespace filterprocessor {
 /// A table of depth by disparity code, and the quickest way to apply it.
 class DepthConverter {
  public:
-  /// `size` entries of 0.
-  explicit DepthConverter(std::size_t size);
-  /// `size` is at most kMaxDepthTable.
+  DepthConverter() = default;
+  /// `size` entries of 0, at most kMaxDepthTable. Like the others without a table when there is no memory.
+  explicit DepthConverter(std::size_t size, const KernelSet& kernels = active_kernels());
   DepthConverter(const StereoRule& rule, std::size_t size, const KernelSet& kernels = active_kernels());
   DepthConverter(const MonoRule& rule, std::size_t size, const KernelSet& kernels = active_kernels());
 
+  bool has_table() const { return table_.data() != nullptr; }
   std::span<const std::uint16_t> entries() const { return {table_.data(), size_}; }
-  /// Makes code 0 stand for depth 0.
-  void clear_first_entry();
+  /// A copy in which code 0 stands for depth 0.
+  DepthConverter with_first_entry_cleared() const;
 
   /// target = table[source] for `count` pixels; codes past the table give 0. The target may be the source
   /// itself.
@@ -49,9 +50,9 @@ class DepthConverter {
   /// One format of codes. A table may serve one image only, so whether computing gives its entries is asked
   /// at its second use.
   struct Format {
-    DepthLookupKernels::Load* load;
-    DepthLookupKernels::Compute* compute;
-    bool packed;
+    DepthLookupKernels::Load* load = nullptr;
+    DepthLookupKernels::Compute* compute = nullptr;
+    bool packed = false;
     int uses = 0;
     std::optional<DepthQuotient> quotient = {};
 
@@ -60,11 +61,10 @@ class DepthConverter {
                  const std::uint16_t* table) const;
   };
 
-  DepthConverter(std::size_t size, const KernelSet& kernels);
   std::optional<DepthQuotient> find_quotient(const Format& format) const;
 
-  std::size_t size_;
-  std::vector<std::uint16_t> table_;  ///< padded, so that every code of 16 bits has an entry
+  std::size_t size_ = 0;
+  ZeroedBuffer<std::uint16_t> table_;  ///< padded, so that every code of 16 bits has an entry
   std::optional<ExactQuotient> exact_;
   Format plain_;
   Format packed_;

@@ -109,19 +109,20 @@ void OpenNIDisparityTransform::stereo_camera_init_lookup_table(zv_error**) {
   use_stereo_rule(CodeLayout::inverted, std::ldexp(1.0, last_params().bitSize - 8), 256.0, 65536.0);
 }
 
-zv_frame_t* OpenNIDisparityTransform::convert(const FrameProcess& host, std::int32_t format) {
+FrameHandle OpenNIDisparityTransform::convert(FrameProcess& host, std::int32_t format) {
   return samplingEnabled ? convert_sampled(host, format) : convert_at_same_size(host, false);
 }
 
-zv_frame_t* OpenNIDisparityTransform::convert_sampled(const FrameProcess& host, std::int32_t format) {
+FrameHandle OpenNIDisparityTransform::convert_sampled(FrameProcess& host, std::int32_t format) {
   const zv_frame_t* depth = host.depth();
   host.call(zv_frame_get_data_size, depth);
   const std::uint8_t bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
   const auto fail_sampling = [&] {
     host.fail("Frame sampling process error", "filter_process", "frameType");
+    return nullptr;
   };
   const std::int64_t bytes = std::int64_t{dst_width} * dst_height * 2;
-  if (bytes > std::numeric_limits<std::uint32_t>::max()) fail_sampling();
+  if (bytes > std::numeric_limits<std::uint32_t>::max()) return fail_sampling();
   const auto size = static_cast<std::uint32_t>(bytes);
 
   FrameHandle output = host.create_frame(host.received_type(), format, size);
@@ -133,7 +134,8 @@ zv_frame_t* OpenNIDisparityTransform::convert_sampled(const FrameProcess& host, 
   const std::uint16_t* source = host.pixels(depth, width, height);
   std::uint16_t* pixels = host.pixels(output.get(), size / 2, 1);
   match_bit_size(host, bits);
-  if (!sample(source, width, height, pixels)) fail_sampling();
+  if (host.failed()) return nullptr;
+  if (!sample(source, width, height, pixels)) return fail_sampling();
 
   ProfileHandle profile = host.copy_profile_of(depth);
   ZVCameraIntrinsic intrinsic = host.call(zv_video_stream_profile_get_intrinsic,
@@ -159,7 +161,7 @@ bool OpenNIDisparityTransform::sample(const std::uint16_t* src, std::uint32_t wi
                                       std::uint16_t* dst) {
   if (width == 0 || height == 0 || dst_width == 0 || dst_height == 0) return false;
   if (double{scale} < 0.001 || d2d_lut() == nullptr) return false;
-  clear_first_entry();  // so that what lies outside the source stays 0
+  if (!clear_first_entry()) return false;  // so that what lies outside the source stays 0
   const ResizeAxis columns = sampled_axis(width, dst_width, scale, x_cut, x_set);
   const ResizeAxis rows = sampled_axis(height, dst_height, scale, y_cut, y_set);
   if (columns.copies_all() && rows.copies_all()) {

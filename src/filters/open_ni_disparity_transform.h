@@ -16,18 +16,17 @@ class FILTERPROCESSOR_API OpenNIDisparityTransform : public DisparityFilter {
 
   /// Samples `width` x `height` codes into the configured target size by the current table, in which code
   /// 0 stands for depth 0 from then on. False when a size is 0, the scale is below 0.001 or there is no
-  /// table.
-  /// @throws std::bad_alloc
+  /// table, or no memory for one with that first entry.
   bool frameSamplingProcess(const std::uint16_t* src, int width, int height, std::uint16_t* dst);
 
  private:
-  zv_frame_t* convert(const FrameProcess& host, std::int32_t format) override;
+  FrameHandle convert(FrameProcess& host, std::int32_t format) override;
   void init_lookup_table(zv_error** error) override;
   void stereo_camera_init_lookup_table(zv_error** error);
 
   /// Takes the values from the fourth on. @return the name of the first that is refused, or null
   const char* update_sampling(const ConfigValues& values);
-  zv_frame_t* convert_sampled(const FrameProcess& host, std::int32_t format);
+  FrameHandle convert_sampled(FrameProcess& host, std::int32_t format);
   bool sample(const std::uint16_t* src, std::uint32_t width, std::uint32_t height, std::uint16_t* dst);
 
   // Guarded by the lock.

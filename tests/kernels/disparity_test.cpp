@@ -77,8 +77,8 @@ TEST_P(DisparityLevel, ConversionEqualsTheTableForEveryPixelValue) {
     const bool stereo = random() % 2 != 0;
     DepthConverter converter = stereo ? DepthConverter(any_stereo(random), size, kernels())
                                       : DepthConverter(any_mono(random), size, kernels());
-    for (int use = 0; use < 4; ++use) {
-      if (use == 3) converter.clear_first_entry();
+    for (int use = 0; use < 5; ++use) {
+      if (use == 3) converter = converter.with_first_entry_cleared();
       const auto entry = [&](std::size_t code) {
         return code < size ? int{converter.entries()[code]} : 0;
       };

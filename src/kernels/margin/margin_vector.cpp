@@ -157,7 +157,7 @@ void clear_columns(std::uint16_t* pixels, std::size_t width, std::size_t height,
   }
 }
 
-void clear_margins(std::uint16_t* pixels, std::int32_t width, std::int32_t height,
+bool clear_margins(std::uint16_t* pixels, std::int32_t width, std::int32_t height,
                    const MarginRule& rule) {
   const auto columns = static_cast<std::size_t>(width);
   const auto rows = static_cast<std::size_t>(height);
@@ -191,6 +191,7 @@ void clear_margins(std::uint16_t* pixels, std::int32_t width, std::int32_t heigh
     margins.find(y, count, gaps);
     margins.clear(y, count, gaps);
   }
+  return true;
 }
 
 }  // namespace
