@@ -15,15 +15,7 @@ static atomic_int rounds;
 static const char* use_filters(void) {
   if (!names_are_right(&plugin)) return "the names are wrong";
   for (size_t i = 0; i < filter_case_count; ++i) {
-    zv_error* error = NULL;
-    PrivFilterContext* filter = plugin.create(filter_cases[i].index);
-    if (filter == NULL || !configure(filter, &filter_cases[i], 64, 48)) return "no filter";
-    zv_frame_t* input = make_input(&filter_cases[i], 64, 48);
-    zv_frame_t* output = filter->process(filter->filter, input, &error);
-    if (output == NULL) return "no frame";
-    zv_delete_frame(output, NULL);
-    zv_delete_frame(input, NULL);
-    filter->destroy(filter);
+    if (try_case(&plugin, &filter_cases[i]) == 0) return filter_cases[i].name;
   }
   return NULL;
 }

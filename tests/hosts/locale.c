@@ -17,25 +17,9 @@ static void read_defaults(const char* schema, char* defaults) {
   *defaults = '\0';
 }
 
-/* The fingerprint of a frame that a filter configured in this locale makes; 0 when it fails. */
-static uint64_t run_case(const struct plugin* plugin, const struct filter_case* what,
-                         const char* locale) {
-  zv_error* error = NULL;
-  PrivFilterContext* filter = plugin->create(what->index);
-  zv_frame_t* input = make_input(what, 64, 48);
+static uint64_t try_in(const char* locale, const struct plugin* plugin, const struct filter_case* what) {
   setlocale(LC_ALL, locale);
-  const bool accepted = configure(filter, what, 64, 48);
-  setlocale(LC_ALL, "C");
-  uint64_t seen = 0;
-  for (int frame = 0; accepted && frame < 2; ++frame) { /* the second shows what a history is worth */
-    zv_frame_t* output = filter->process(filter->filter, input, &error);
-    if (output == NULL) break;
-    seen = seen * 31 + fingerprint(output);
-    zv_delete_frame(output, NULL);
-  }
-  zv_delete_frame(input, NULL);
-  filter->destroy(filter);
-  return seen;
+  return try_case(plugin, what);
 }
 
 int main(int argc, char** argv) {
@@ -46,8 +30,8 @@ int main(int argc, char** argv) {
     return puts("no locale with a comma"), 1;
   int wrong = 0;
   for (size_t i = 0; i < filter_case_count; ++i) {
-    const uint64_t expected = run_case(&plugin, &filter_cases[i], "C");
-    if (expected != 0 && run_case(&plugin, &filter_cases[i], argv[2]) == expected) continue;
+    const uint64_t expected = try_in("C", &plugin, &filter_cases[i]);
+    if (expected != 0 && try_in(argv[2], &plugin, &filter_cases[i]) == expected) continue;
     ++wrong, printf("%s: \"%s\" is read in another way\n", filter_cases[i].name, filter_cases[i].values);
   }
   setlocale(LC_ALL, argv[2]);

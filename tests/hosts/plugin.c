@@ -84,6 +84,24 @@ bool configure(PrivFilterContext* filter, const struct filter_case* what, uint32
   return error == NULL;
 }
 
+uint64_t try_case(const struct plugin* plugin, const struct filter_case* what) {
+  uint64_t seen = 0;
+  PrivFilterContext* filter = plugin->create(what->index);
+  if (filter == NULL) return 0;
+  zv_frame_t* input = make_input(what, 64, 48);
+  bool right = filter->get_config_schema(filter->filter, NULL) != NULL && configure(filter, what, 64, 48);
+  for (int frame = 0; right && frame < 2; ++frame) {
+    zv_error* error = NULL;
+    zv_frame_t* output = filter->process(filter->filter, input, &error);
+    right = output != NULL && error == NULL;
+    if (right) seen = fingerprint(output);
+    if (output != NULL) zv_delete_frame(output, NULL);
+  }
+  zv_delete_frame(input, NULL);
+  filter->destroy(filter);
+  return right ? seen : 0;
+}
+
 /* Exported kernels: whether they return a value, the name, a number of the variant, the arguments. */
 #define W b->width, b->height
 #define W16 (uint16_t) b->width, (uint16_t)b->height

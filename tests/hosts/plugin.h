@@ -36,6 +36,9 @@ zv_frame_t* make_input(const struct filter_case* what, uint32_t width, uint32_t 
 /* Whether the filter takes the case's values for frames of this size. */
 bool configure(PrivFilterContext* filter, const struct filter_case* what, uint32_t width,
                uint32_t height);
+/* Makes, configures and drives a filter for two frames, of which the second shows what a history is worth, and destroys
+ * it. Returns the fingerprint of what it made, or 0 if anything failed. */
+uint64_t try_case(const struct plugin* plugin, const struct filter_case* what);
 
 /* Buffers of a kernel, each with room for the whole image. */
 struct buffers {

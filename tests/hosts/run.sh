@@ -18,17 +18,19 @@ declare -A titles=(
 )
 flags=(-std=c11 -Wall -Wextra -Werror -O2 -D_GNU_SOURCE -I../../include -pthread)
 
+# Called in a condition, so every step says itself what its failure means.
 compile() {
-  local parts=(plugin.c host.c isolation.c)
+  local parts=(plugin.c host.c isolation.c) headers
   # The C library's names are bound at once: what a measured call needs is the plug-in's own.
   local link=(-rdynamic -Wl,-z,now)
   if [ "$1" = lazy_host ]; then
-    cc "${flags[@]}" -shared -fPIC host.c -o "$work/libhost.so"
-    cc "${flags[@]}" -shared -fPIC -Dzv_frameset_push_frame=another_name host.c -o "$work/libhost_lacking.so"
     parts=(isolation.c)
+    cc "${flags[@]}" -shared -fPIC host.c -o "$work/libhost.so" || return
+    cc "${flags[@]}" -shared -fPIC -Dzv_frameset_push_frame=another_name host.c -o "$work/libhost_lacking.so" || return
   fi
-  cc "${flags[@]}" "$1.c" "${parts[@]}" "${link[@]}" -o "$work/$1"
-  ! readelf --dynamic "$work/$1" | grep -E 'NEEDED.*(stdc\+\+|libc\+\+)' || { echo "$1 links a C++ run-time"; return 1; }
+  cc "${flags[@]}" "$1.c" "${parts[@]}" "${link[@]}" -o "$work/$1" || return
+  headers=$(readelf --dynamic --wide "$work/$1") || return
+  ! grep -E 'NEEDED.*(stdc|libc)\+\+' <<<"$headers" || { echo "$1 links a C++ run-time"; return 1; }
 }
 
 arguments() {

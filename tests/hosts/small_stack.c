@@ -7,7 +7,7 @@
 #include "isolation.h"
 #include "plugin.h"
 
-enum { SMALL = 64 * 1024, LARGE = 4 * 1024 * 1024, ROWS = 64 };
+enum { SMALL = 64 * 1024, LARGE = 4 * 1024 * 1024 };
 
 #if defined(__aarch64__)
 static const char* const levels[] = {"scalar", "neon"};
@@ -21,15 +21,9 @@ static const struct {
 } sizes[] = {{1280, 800}, {848, 480}, {640, 400}, {333, 257}, {31, 7}};
 
 enum operation { MAKE, PROCESS, REFUSE, CLEAN, OPERATIONS };
-static const char* const operation_names[] = {"made, configured", "frames", "refused frame",
-                                              "reset, destroyed"};
 
-/* Bytes used by the deepest case so far; what broke on the small stack. */
-struct row {
-  size_t used[LEVELS][OPERATIONS];
-  const char* broken[LEVELS];
-};
-static struct row* rows;
+/* The deepest use of the stack by each operation of a case at each level, over all sizes. */
+static size_t (*used)[LEVELS][OPERATIONS];
 static const char* path;
 static struct plugin plugin;
 
@@ -72,9 +66,9 @@ static void run_operation(void* filter_case) {
 
 static void measure(enum operation operation, void (*body)(void*), const void* argument) {
   task.operation = operation;
-  const size_t used = on_stack(task.stack, body, (void*)argument);
-  size_t* most = &rows[task.row].used[task.level][operation];
-  if (used > *most) *most = used;
+  const size_t bytes = on_stack(task.stack, body, (void*)argument);
+  size_t* most = &used[task.row][task.level][operation];
+  if (bytes > *most) *most = bytes;
 }
 
 static const char* use_filter(void* filter_case) {
@@ -102,15 +96,15 @@ static const char* use_kernel(void* kernel_case) {
   return NULL;
 }
 
-/* One row for every size, on the small stack and, where that breaks, on a large one to learn the depth. */
+/* Every size on the small stack and, where that breaks, on a large one to learn the depth. */
 static void fill_row(const char* (*use)(void*), const void* what) {
+  size_t* frames = &used[task.row][task.level][PROCESS];
   for (task.size = 0; task.size < (int)(sizeof sizes / sizeof *sizes); ++task.size) {
     task.stack = SMALL;
-    const char* complaint = in_child(use, (void*)what);
-    if (complaint == NULL) continue;
-    rows[task.row].broken[task.level] = complaint;
+    if (in_child(use, (void*)what) == NULL) continue;
     task.stack = LARGE;
-    in_child(use, (void*)what);
+    if (in_child(use, (void*)what) != NULL || *frames <= SMALL)
+      *frames = LARGE; /* not for its depth alone */
   }
   ++task.row;
 }
@@ -124,41 +118,37 @@ static const char* fill_level(void* unused) {
   return NULL;
 }
 
-static int print_row(const char* name, const struct row* row, enum operation operation) {
-  int broken = 0;
-  printf("%-40s%-18s", name, operation_names[operation]);
+/* Returns how many operations are too deep, or have not been seen. */
+static int print_row(const char* name, size_t row, enum operation first, enum operation last) {
+  int deep = 0;
+  printf("%-40s", name);
   for (int level = 0; level < LEVELS; ++level) {
-    const bool deep = row->used[level][operation] > SMALL || row->used[level][operation] == 0;
-    printf(" %8zu%c", row->used[level][operation], deep ? '!' : ' ');
-    broken += deep;
+    for (enum operation o = first; o <= last; ++o) {
+      const size_t bytes = used[row][level][o];
+      deep += bytes > SMALL || bytes == 0;
+      printf(" %6zu", bytes);
+    }
+    printf(level + 1 < LEVELS ? " |" : "\n");
   }
-  puts("");
-  return broken;
+  return deep;
 }
 
 int main(int argc, char** argv) {
-  if (argc != 2 || filter_case_count + kernel_case_count > ROWS) return 2;
+  if (argc != 2) return 2;
   path = argv[1];
-  rows = shared_memory(ROWS * sizeof *rows);
-  int broken = 0;
+  used = shared_memory((filter_case_count + kernel_case_count) * sizeof *used);
+  int deep = 0;
   for (task.level = 0; task.level < LEVELS; ++task.level) {
-    task.row = 0;
-    const char* complaint = in_child(fill_level, NULL);
-    if (complaint != NULL) ++broken, printf("%s: %s\n", levels[task.level], complaint);
+    if (in_child(fill_level, NULL) != NULL)
+      ++deep, printf("%s: the library is not opened\n", levels[task.level]);
+    printf("%s%s", levels[task.level],
+           task.level + 1 < LEVELS ? " | " : ": bytes of the stack to make and configure, ");
   }
-  printf("bytes of the stack, of which an empty thread uses %zu:\n%-58s", on_stack(SMALL, nothing, NULL),
-         "");
-  for (int level = 0; level < LEVELS; ++level) printf(" %9s", levels[level]);
-  puts("");
-  const struct row* row = rows;
-  for (size_t i = 0; i < filter_case_count; ++i, ++row) {
-    for (enum operation o = MAKE; o < OPERATIONS; ++o) broken += print_row(filter_cases[i].name, row, o);
+  printf("process, refuse a frame, destroy; an empty thread uses %zu\n", on_stack(SMALL, nothing, NULL));
+  for (size_t i = 0; i < filter_case_count; ++i) deep += print_row(filter_cases[i].name, i, MAKE, CLEAN);
+  for (size_t i = 0; i < kernel_case_count; ++i) {
+    deep += print_row(kernel_cases[i].name, filter_case_count + i, PROCESS, PROCESS);
   }
-  for (size_t i = 0; i < kernel_case_count; ++i, ++row)
-    broken += print_row(kernel_cases[i].name, row, PROCESS);
-  for (row = rows; row < rows + ROWS; ++row) {
-    for (int level = 0; level < LEVELS; ++level) broken += row->broken[level] != NULL;
-  }
-  printf("%d entries are too deep\n", broken);
-  return broken != 0;
+  printf("%d of the operations need more than %d\n", deep, SMALL);
+  return deep != 0;
 }
