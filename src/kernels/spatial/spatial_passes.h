@@ -86,34 +86,17 @@ struct Strip {
   }
 };
 
-/// Where the transposed blocks of strips wait between the passes: in the image, which takes any width ...
-struct InImage {
-  [[gnu::always_inline]] void put(const Strip& strip, std::size_t /*index*/, std::size_t x,
-                                  const U16 (&block)[kGroup]) const {
-    strip.store(x, block);
-  }
-  [[gnu::always_inline]] void get(const Strip& strip, std::size_t /*index*/, std::size_t x,
-                                  U16 (&block)[kGroup]) const {
-    strip.load(x, block);
-  }
-};
+/// Where the vectors of columns wait between the passes: from `first` on, `step()` apart.
+template <typename Step>
+struct Waiting {
+  std::uint16_t* first;
+  Step step;
 
-/// ... or beside it, in whole vectors, which is a tenth faster.
-struct OnStack {
-  static constexpr std::size_t kStrips = 2;
-  static constexpr std::size_t kMostColumns = 1280;  // 160 KB with the widest vectors
-
-  alignas(64) std::uint16_t blocks[kStrips * kLanes * kMostColumns];
-
-  [[gnu::always_inline]] void put(const Strip& /*strip*/, std::size_t index, std::size_t x,
-                                  const U16 (&block)[kGroup]) {
-    std::uint16_t* to = blocks + (x * kStrips + index * kGroup) * kLanes;
-    repeat<kGroup>([&](auto c) FILTERPROCESSOR_INLINE { block[c].store(to + c * kLanes); });
+  [[gnu::always_inline]] void put(const U16 (&block)[kGroup]) const {
+    repeat<kGroup>([&](auto c) FILTERPROCESSOR_INLINE { block[c].store(first + c * step); });
   }
-  [[gnu::always_inline]] void get(const Strip& /*strip*/, std::size_t index, std::size_t x,
-                                  U16 (&block)[kGroup]) const {
-    const std::uint16_t* from = blocks + (x * kStrips + index * kGroup) * kLanes;
-    repeat<kGroup>([&](auto c) FILTERPROCESSOR_INLINE { block[c] = U16::load(from + c * kLanes); });
+  [[gnu::always_inline]] void get(U16 (&block)[kGroup]) const {
+    repeat<kGroup>([&](auto c) FILTERPROCESSOR_INLINE { block[c] = U16::load(first + c * step); });
   }
 };
 
@@ -121,7 +104,8 @@ struct OnStack {
 template <typename Step>
 struct Horizontal {
   // A step waits for the one before it, so two strips go side by side; more gain nothing.
-  static constexpr std::size_t kSideBySide = OnStack::kStrips;
+  static constexpr std::size_t kSideBySide = 2;
+  static constexpr std::size_t kStackBytes = 40960;
 
   std::uint16_t* pixels;
   std::size_t width, height;
@@ -133,26 +117,25 @@ struct Horizontal {
     const std::size_t rows = width < 2 ? 0 : height / kGroup * kGroup;
     if (first >= rows) return first;
     std::uint16_t* top = pixels + first * width;
-    if (rows - first >= kSideBySide * kLanes && width <= OnStack::kMostColumns) {
-      filter<kSideBySide, OnStack>(top, Groups(U16::groups, kGroup * width));
+    if (rows - first >= kSideBySide * kLanes) {
+      filter<kSideBySide, true>(top, Groups(U16::groups, kGroup * width));
       return first + kSideBySide * kLanes;
     }
     const std::size_t end = rows - first < kLanes ? rows : first + kLanes;
-    filter<1, InImage>(top, Groups((end - first) / kGroup, kGroup * width));
+    filter<1, false>(top, Groups((end - first) / kGroup, kGroup * width));
     return end;
   }
 
  private:
   /// Both horizontal passes over kStrips strips side by side. On the way to the right blocks of eight
   /// columns are transposed and put away as they are; on the way to the left they are transposed again.
-  template <std::size_t kStrips, typename Waiting>
+  /// @tparam kTiles  whether all groups are the strip's own, so that blocks may wait in tiles
+  template <std::size_t kStrips, bool kTiles>
   [[gnu::noinline]] void filter(std::uint16_t* rows, Groups groups) const {
     typename Step::State states[kStrips];
     U16 blocks[kStrips][kGroup];
-    Waiting waiting;
     const auto strip = [&](std::size_t s) { return Strip{rows + s * kLanes * width, width, groups}; };
-    const std::size_t last = (width - 1) / kGroup * kGroup;
-    for (std::size_t x = 0; x < last; x += kGroup) {
+    const auto to_right = [&](std::size_t x) FILTERPROCESSOR_INLINE {
       repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE {
         strip(s).load(x, blocks[s]);
         transpose_groups(blocks[s]);
@@ -161,12 +144,8 @@ struct Horizontal {
         repeat<kStrips>([&](auto s)
                             FILTERPROCESSOR_INLINE { blocks[s][c] = step(states[s], blocks[s][c]); });
       });
-      repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { waiting.put(strip(s), s, x, blocks[s]); });
-    }
-    for (std::size_t s = 0; s < kStrips; ++s) states[s] = turn(strip(s), last, states[s]);
-    for (std::size_t x = last; x != 0;) {
-      x -= kGroup;
-      repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { waiting.get(strip(s), s, x, blocks[s]); });
+    };
+    const auto to_left = [&](std::size_t x) FILTERPROCESSOR_INLINE {
       repeat<kGroup>([&](auto i) FILTERPROCESSOR_INLINE {
         constexpr std::size_t c = kGroup - 1 - i;
         repeat<kStrips>([&](auto s)
@@ -176,7 +155,47 @@ struct Horizontal {
         transpose_groups(blocks[s]);
         strip(s).store(x, blocks[s]);
       });
+    };
+
+    // Between the passes whole vectors wait, which are quicker than the pieces of blocks: those of the first
+    // columns on the stack, which stays small, and those of later tiles in the image, in the place of the
+    // tile to their left, which has been read. Where a vector is one group, blocks are whole vectors.
+    constexpr bool kUseTiles = kTiles && U16::groups > 1;
+    const std::size_t last = (width - 1) / kGroup * kGroup;
+    const std::size_t tiles_end = kUseTiles ? last / kLanes * kLanes : 0;
+    constexpr std::size_t kOnStack =
+        kUseTiles ? kStackBytes / sizeof(U16) / kStrips / kLanes * kLanes : 0;
+    alignas(64) std::uint16_t stack[kUseTiles ? kStrips * kOnStack * kLanes : 1];
+    const std::size_t stack_end = tiles_end < kOnStack ? tiles_end : kOnStack;
+    const auto on_stack = [&](std::size_t s, std::size_t x) FILTERPROCESSOR_INLINE {
+      return Waiting<Index<kLanes>>{stack + (x * kStrips + s * kGroup) * kLanes, {}};
+    };
+    const auto in_image = [&](std::size_t s, std::size_t x) FILTERPROCESSOR_INLINE {
+      const std::size_t tile = x / kLanes * kLanes;
+      return Waiting<std::size_t>{strip(s).rows + (x - tile) * width + tile - kLanes, width};
+    };
+    const auto go_right = [&](std::size_t x, auto waiting) FILTERPROCESSOR_INLINE {
+      to_right(x);
+      repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { waiting(s, x).put(blocks[s]); });
+    };
+    const auto go_left = [&](std::size_t x, auto waiting) FILTERPROCESSOR_INLINE {
+      repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { waiting(s, x).get(blocks[s]); });
+      to_left(x);
+    };
+    for (std::size_t x = 0; x < stack_end; x += kGroup) go_right(x, on_stack);
+    for (std::size_t x = stack_end; x < tiles_end; x += kGroup) go_right(x, in_image);
+    for (std::size_t x = tiles_end; x < last; x += kGroup) {
+      to_right(x);
+      repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { strip(s).store(x, blocks[s]); });
     }
+    for (std::size_t s = 0; s < kStrips; ++s) states[s] = turn(strip(s), last, states[s]);
+    for (std::size_t x = last; x != tiles_end;) {
+      x -= kGroup;
+      repeat<kStrips>([&](auto s) FILTERPROCESSOR_INLINE { strip(s).load(x, blocks[s]); });
+      to_left(x);
+    }
+    for (std::size_t x = tiles_end; x > stack_end; x -= kGroup) go_left(x - kGroup, in_image);
+    for (std::size_t x = stack_end; x != 0; x -= kGroup) go_left(x - kGroup, on_stack);
   }
 
   /// The last block of up to eight columns, where the way to the right ends before the last column and
