@@ -88,10 +88,6 @@ struct U16 {
     static_assert(N == 1);
     return {_mm256_permute2x128_si256(v, v, 0x08)};
   }
-  /// Every lane gets the last value.
-  U16 last() const {
-    return {_mm256_permute4x64_epi64(_mm256_shuffle_epi8(v, _mm256_set1_epi16(0x0f0e)), 0xff)};
-  }
   /// The odd lanes of the two vectors, those of `a` first.
   static U16 odd_lanes(U16 a, U16 b) {
     const __m256i packed = _mm256_packus_epi32(_mm256_srli_epi32(a.v, 16), _mm256_srli_epi32(b.v, 16));
@@ -136,10 +132,6 @@ inline U16 max_where(Mask16 mask, U16 a, U16 b) {
   return {_mm256_max_epu16(a.v, _mm256_and_si256(mask.v, b.v))};
 }
 inline U16 select(Mask16 mask, U16 yes, U16 no) { return {_mm256_blendv_epi8(no.v, yes.v, mask.v)}; }
-/// 65535 - a; 0 where a is 0.
-inline U16 complement_nonzero(U16 a) {
-  return {_mm256_andnot_si256(_mm256_or_si256(a.v, a.is_zero().v), _mm256_set1_epi16(-1))};
-}
 
 /// The lanes of a and b in turn: of their lower halves, and of their upper halves.
 inline U16 interleave_low(U16 a, U16 b) {

@@ -70,8 +70,6 @@ struct U16 {
   U16 shifted_by_groups() const {
     return {_mm512_alignr_epi64(v, _mm512_setzero_si512(), 8 - 2 * N)};
   }
-  /// Every lane gets the last value.
-  U16 last() const { return {_mm512_permutexvar_epi16(_mm512_set1_epi16(31), v)}; }
   /// The odd lanes of the two vectors, those of `a` first.
   static U16 odd_lanes(U16 a, U16 b) {
     const __m512i index = _mm512_add_epi16(
@@ -123,10 +121,6 @@ inline U16 max_where(Mask16 mask, U16 a, U16 b) {
 }
 inline U16 select(Mask16 mask, U16 yes, U16 no) {
   return {_mm512_mask_blend_epi16(mask.bits, no.v, yes.v)};
-}
-/// 65535 - a; 0 where a is 0.
-inline U16 complement_nonzero(U16 a) {
-  return {_mm512_maskz_sub_epi16(_mm512_test_epi16_mask(a.v, a.v), _mm512_set1_epi16(-1), a.v)};
 }
 
 /// The lanes of a and b in turn: of their lower halves, and of their upper halves.

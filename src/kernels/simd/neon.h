@@ -84,8 +84,6 @@ struct U16 {
   U16 shifted_by_groups() const {
     return {vdupq_n_u16(0)};
   }
-  /// Every lane gets the last value.
-  U16 last() const { return last_of_groups(); }
   /// The odd lanes of the two vectors, those of `a` first.
   static U16 odd_lanes(U16 a, U16 b) { return {vuzp2q_u16(a.v, b.v)}; }
   /// Every odd lane twice.
@@ -114,8 +112,6 @@ inline U16 max(U16 a, U16 b) { return {vmaxq_u16(a.v, b.v)}; }
 /// a or b by lane, whichever is larger where flagged; a elsewhere.
 inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {vmaxq_u16(a.v, vandq_u16(mask.v, b.v))}; }
 inline U16 select(Mask16 mask, U16 yes, U16 no) { return {vbslq_u16(mask.v, yes.v, no.v)}; }
-/// 65535 - a; 0 where a is 0.
-inline U16 complement_nonzero(U16 a) { return {vmvnq_u16(vorrq_u16(a.v, a.is_zero().v))}; }
 
 /// The lanes of a and b in turn: of their lower halves, and of their upper halves.
 inline U16 interleave_low(U16 a, U16 b) { return {vzip1q_u16(a.v, b.v)}; }
