@@ -24,7 +24,7 @@ struct Mask16 {
   friend Mask16 operator&(Mask16 a, Mask16 b) { return {_mm256_and_si256(a.v, b.v)}; }
   friend Mask16 operator|(Mask16 a, Mask16 b) { return {_mm256_or_si256(a.v, b.v)}; }
   friend Mask16 operator~(Mask16 a) { return {_mm256_xor_si256(a.v, _mm256_set1_epi16(-1))}; }
-  bool any() const { return !_mm256_testz_si256(v, v); }
+  bool any() const { return _mm256_movemask_epi8(v) != 0; }
 
   /// Moves every group's flags up by N lanes and sets the first N.
   template <int N>
