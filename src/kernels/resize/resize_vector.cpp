@@ -43,6 +43,10 @@ struct Strip {
   std::size_t first;
   std::size_t count;
 
+  /// Whether rows repeat. Then they are written faster than the processor fetches their memory by itself,
+  /// and writing one asks for the next.
+  bool enlarges() const { return rows.step < 1 << 16; }
+
   /// Calls fill(source row, target row from the strip's first column on) for all rows but those that
   /// repeat the one above, which are copied.
   template <typename Fill>
@@ -54,12 +58,21 @@ struct Strip {
       if (y >= rows.source_size) {
         clear(to, count);
       } else if (y == above) {
-        copy(to - columns.target_size, to, count);
+        repeat_row_above(to);
       } else {
         fill(source + y * columns.source_size, to);
       }
       above = y;
     }
+  }
+
+  void repeat_row_above(std::uint16_t* to) const {
+    const std::size_t width = columns.target_size;
+    const std::uint16_t* const from = to - width;
+    const std::size_t done = sweep(
+        0, count, [=](std::size_t i) { prefetch(to + i, width); },
+        [=](std::size_t i) { U16::load(from + i).store(to + i); });
+    copy(from + done, to + done, count - done);
   }
 
   void copy_rows() const {
@@ -103,8 +116,16 @@ struct Strip {
       }
       pickers[i] = Picker::of(positions);
     }
+    const bool ask_for_next = enlarges();
     each_row([&](const std::uint16_t* from, std::uint16_t* to) {
-      for (std::size_t i = 0; i < full; ++i) pickers[i].pick(from + origins[i], to + i * lanes);
+      constexpr std::size_t line = kCacheLine / lanes;
+      const auto pick_at = [&](std::size_t i) { pickers[i].pick(from + origins[i], to + i * lanes); };
+      std::size_t i = 0;
+      for (; i + line <= full; i += line) {
+        if (ask_for_next) prefetch(to + i * lanes, columns.target_size);
+        for (std::size_t j = 0; j < line; ++j) pick_at(i + j);
+      }
+      for (; i < full; ++i) pick_at(i);
       pickers[full].pick(from + origins[full], to + last);
     });
     return true;
