@@ -17,8 +17,8 @@ namespace {
 /// The row's image is the target: memcpy and the time a pixel refer to it.
 void add_rows(Size size, float scale) {
   const auto source = std::make_shared<const Image>(stereo_scene(size.width, size.height));
-  const int width = resized(static_cast<float>(size.width), scale, 0, 0);
-  const int height = resized(static_cast<float>(size.height), scale, 0, 0);
+  const int width = target_extent(static_cast<float>(size.width), scale, 0, 0);
+  const int height = target_extent(static_cast<float>(size.height), scale, 0, 0);
   char name[32];
   std::snprintf(name, sizeof name, "resize by %g to", double{scale});
   Row row(name, Image(width, height));
