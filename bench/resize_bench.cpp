@@ -48,6 +48,7 @@ void add_rows(Size size, float scale) {
 void add_resize_rows() {
   for (const float scale : {1.0f, 2.0f, 1.5f, 0.5f, 0.3f}) add_rows({848, 480}, scale);
   for (const Size size : {kSizes[0], kSizes[2]}) add_rows(size, 0.5f);
+  add_rows(kSizes[2], 2.0f);
 }
 
 }  // namespace filterprocessor::bench
