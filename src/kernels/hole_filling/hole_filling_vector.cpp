@@ -101,11 +101,11 @@ void fill_top(std::uint16_t* pixels, std::size_t width, std::size_t height) {
   if (height < 2) return;
   // Rows follow each other without gaps and a vector is no wider than a row, so the vector above is
   // always final and the image is one flat sweep. Filling a vector twice changes nothing, so the first and
-  // the last may overlap their neighbours and all between them are aligned. Writing every vector costs
-  // less than choosing.
+  // the last may overlap their neighbours and all between them are aligned. Storing all vectors costs
+  // less than choosing some.
   const auto fill_from_above = [=](std::size_t i) {
     const U16 values = U16::load(pixels + i);
-    max_where(values.is_zero(), values, U16::load(pixels + i - width)).store(pixels + i);
+    U16::load(pixels + i - width).store_where(values.is_zero(), pixels + i, values);
   };
   const std::size_t end = width * height;
   const std::size_t past_boundary =
