@@ -17,8 +17,8 @@ namespace {
 /// The row's image is the target: memcpy and the time a pixel refer to it.
 void add_rows(Size size, float scale) {
   const auto source = std::make_shared<const Image>(stereo_scene(size.width, size.height));
-  const int width = resized(static_cast<float>(size.width), scale, 0, 0);
-  const int height = resized(static_cast<float>(size.height), scale, 0, 0);
+  const int width = target_extent(static_cast<float>(size.width), scale, 0, 0);
+  const int height = target_extent(static_cast<float>(size.height), scale, 0, 0);
   char name[32];
   std::snprintf(name, sizeof name, "resize by %g to", double{scale});
   Row row(name, Image(width, height));
@@ -48,6 +48,7 @@ void add_rows(Size size, float scale) {
 void add_resize_rows() {
   for (const float scale : {1.0f, 2.0f, 1.5f, 0.5f, 0.3f}) add_rows({848, 480}, scale);
   for (const Size size : {kSizes[0], kSizes[2]}) add_rows(size, 0.5f);
+  add_rows(kSizes[2], 2.0f);
 }
 
 }  // namespace filterprocessor::bench

@@ -13,7 +13,7 @@ struct Target {
 Target any_target(FuzzInput& input, std::size_t source_size, float scale) {
   const auto band = [&] { return input.pick({0, input.integer(-20, 20), input.integer(-2000, 2000)}); };
   Target target = {.before = band(), .after = band(), .size = 0};
-  target.size = resized(static_cast<float>(source_size), scale, target.before, target.after);
+  target.size = target_extent(static_cast<float>(source_size), scale, target.before, target.after);
   return target;
 }
 

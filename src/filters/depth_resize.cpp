@@ -19,8 +19,8 @@ struct TargetSize {
 
 template <typename Size>
 TargetSize target_size(Size width, Size height, const DepthResize::ProcessParam& param) {
-  return {resized(static_cast<float>(width), param.scale, param.ex_left, param.ex_right),
-          resized(static_cast<float>(height), param.scale, param.ex_top, param.ex_bottom)};
+  return {target_extent(static_cast<float>(width), param.scale, param.ex_left, param.ex_right),
+          target_extent(static_cast<float>(height), param.scale, param.ex_top, param.ex_bottom)};
 }
 
 }  // namespace

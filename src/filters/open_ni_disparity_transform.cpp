@@ -37,12 +37,13 @@ ResizeAxis sampled_axis(std::uint32_t source_size, std::int32_t target_size, flo
   const auto filled = static_cast<std::size_t>(std::max<std::int64_t>(end, 0));
   const std::size_t first = std::min(static_cast<std::size_t>(std::max(border, 0)), filled);
   const std::uint32_t step = scale_step(scale);
-  return {.source_size = source_size,
-          .target_size = static_cast<std::size_t>(target_size),
-          .first = first,
-          .end = filled,
-          .start = (static_cast<std::uint32_t>(cut) << 16) + static_cast<std::uint32_t>(first) * step,
-          .step = step};
+  return {
+      .source_size = source_size,
+      .target_size = static_cast<std::size_t>(target_size),
+      .first = first,
+      .end = filled,
+      .source_start = (static_cast<std::uint32_t>(cut) << 16) + static_cast<std::uint32_t>(first) * step,
+      .source_step = step};
 }
 
 }  // namespace
@@ -165,8 +166,9 @@ bool OpenNIDisparityTransform::sample(const std::uint16_t* src, std::uint32_t wi
   const ResizeAxis columns = sampled_axis(width, dst_width, scale, x_cut, x_set);
   const ResizeAxis rows = sampled_axis(height, dst_height, scale, y_cut, y_set);
   if (columns.copies_all() && rows.copies_all()) {
-    d2d_lut()->convert(src + rows.start_position() * width + columns.start_position(), width, dst,
-                       columns.target_size, rows.target_size);
+    d2d_lut()->convert(
+        src + rows.source_position(rows.first) * width + columns.source_position(columns.first), width,
+        dst, columns.target_size, rows.target_size);
     return true;
   }
   active_kernels().resize.resize(src, columns, rows, dst);

@@ -61,12 +61,12 @@ TEST_P(ResizeLevel, TheStepIsOneTooLargeAndReadsNothingPastTheEnd) {
 
 /// The products are rounded to 32 bits before anything is added, and so are the steps.
 TEST(ResizeAxis, IsWorkedOutInFloatsStepByStep) {
-  EXPECT_EQ(resized(400, 0.12f, -40, 0), 8) << "48 after rounding, less before";
-  EXPECT_EQ(resized(641, 1.0f, 100000000, -100000000), 640) << "from left to right";
-  EXPECT_EQ(resized(1e30f, 50.0f, 0, 0), std::numeric_limits<std::int32_t>::max());
-  EXPECT_EQ(resize_axis(100, 9, 0.1f, -1).start, 10u << 16);
-  EXPECT_EQ(resize_axis(100, 10, 0.1f, 0).step, 655361u);
-  EXPECT_EQ(resize_axis(70001, 1, 1.0f, -70000).start >> 16, 70000u - 65536u) << "32 bits wrap";
+  EXPECT_EQ(target_extent(400, 0.12f, -40, 0), 8) << "48 after rounding, less before";
+  EXPECT_EQ(target_extent(641, 1.0f, 100000000, -100000000), 640) << "from left to right";
+  EXPECT_EQ(target_extent(1e30f, 50.0f, 0, 0), std::numeric_limits<std::int32_t>::max());
+  EXPECT_EQ(resize_axis(100, 9, 0.1f, -1).source_start, 10u << 16);
+  EXPECT_EQ(resize_axis(100, 10, 0.1f, 0).source_step, 655361u);
+  EXPECT_EQ(resize_axis(70001, 1, 1.0f, -70000).source_start >> 16, 70000u - 65536u) << "32 bits wrap";
 }
 
 TEST_P(ResizeVectors, EqualsThePlainFormAtAnySizeScaleAndBand) {
@@ -80,8 +80,8 @@ TEST_P(ResizeVectors, EqualsThePlainFormAtAnySizeScaleAndBand) {
     const auto band = [&] { return random.one_in(2) ? 0 : random.integer(-40, 40); };
     const int left = band();
     const int top = band();
-    const int target_width = resized(static_cast<float>(width), scale, left, band());
-    const int target_height = resized(static_cast<float>(height), scale, top, band());
+    const int target_width = target_extent(static_cast<float>(width), scale, left, band());
+    const int target_height = target_extent(static_cast<float>(height), scale, top, band());
     if (target_width < 1 || target_height < 1 || target_width * target_height > 40000) continue;
     const ResizeAxis columns = resize_axis(width, target_width, scale, left);
     const ResizeAxis rows = resize_axis(height, target_height, scale, top);

@@ -10,7 +10,13 @@ namespace {
 
 using filterprocessor::MarginRule;
 
-enum Status : int32_t { kDone = 0, kNullData = -1, kMarginAboveLimit = -2, kBadArgument = -3, kNoMemory = -4 };
+enum Status : int32_t {
+  kDone = 0,
+  kNullData = -1,
+  kMarginAboveLimit = -2,
+  kBadArgument = -3,
+  kNoMemory = -4
+};
 
 int32_t clear(uint16_t* data, int32_t width, int32_t height, const MarginRule& rule) {
   if (width < 1 || height < 1) return kDone;

@@ -8,101 +8,84 @@ namespace {
 constexpr std::size_t kLanes = U16::lanes;
 
 // Both orders as "keep the larger, 0 is none": the smaller of two values is the larger of their
-// complements.
-struct Larger {
-  static U16 map(U16 values) { return values; }
-  static std::uint16_t map(std::uint16_t value) { return value; }
+// complements. ranked() undoes itself.
+struct KeepLarger {
+  static U16 ranked(U16 values) { return values; }
 };
-struct Smaller {
-  static U16 map(U16 values) { return complement_nonzero(values); }
-  static std::uint16_t map(std::uint16_t value) {
-    return value == 0 ? std::uint16_t{0} : static_cast<std::uint16_t>(65535 - value);
-  }
+struct KeepSmaller {
+  /// 65535 - value, and 0 for 0: going below 0 wraps first and saturates then.
+  static U16 ranked(U16 values) { return subtract_saturated(U16::splat(65534), values - U16::splat(1)); }
 };
 
-/// Fills the flagged holes of one vector, given the mapped rows above and below and the final value to
-/// the left. A hole takes the largest candidate of itself and of the holes that lead to it inside its
-/// group, so a group is a prefix maximum in three steps, each stopped by the pixels that are not holes.
-/// Holes that reach back to their group's start take the previous group's last value too; the same scan
-/// over whole groups carries it along.
-/// @return the filled vector; `left` becomes its last value
-U16 fill_vector(U16 row, U16 above, U16 below, Mask16 hole, U16& left) {
-  U16 filled = select(hole & ~Mask16::group_starts(), max(above, below), row);
-  Mask16 run = hole;
-  filled = max_where(run, filled, filled.shifted_in_groups<1>());
-  run = run & run.shifted_in_groups<1>();
+/// Fills the holes of one vector, given the larger of its ranked neighbours above and below and, in all
+/// lanes, the final value to the left. A hole takes the largest candidate of itself and of the holes that
+/// lead to it inside its group, so a group is a prefix maximum in three steps, each stopped by the pixels
+/// that are not holes. Holes that reach back to their group's start take the previous group's last value
+/// too; the same scan over whole groups carries it along.
+[[gnu::always_inline]] inline U16 fill_vector(U16 values, U16 above_or_below, U16 left) {
+  const Mask16 hole = values.is_zero();
+  U16 filled = max_where(without(hole, Mask16::group_starts()), values, above_or_below);
+  filled = max_where(hole, filled, filled.shifted_in_groups<1>());
+  Mask16 run = hole & hole.shifted_in_groups<1>();
   filled = max_where(run, filled, filled.shifted_in_groups<2>());
   run = run & run.shifted_in_groups<2>();
   filled = max_where(run, filled, filled.shifted_in_groups<4>());
   const Mask16 from_start = run & run.shifted_in_groups<4>();
 
-  U16 last = filled.last_of_groups();
-  Mask16 open = from_start.last_of_groups();  // groups that pass on what comes in
+  U16 carry = left;
   if constexpr (U16::groups >= 2) {
-    last = max_where(open, last, last.shifted_by_groups<1>());
-    open = open & open.shifted_by_groups<1>();
+    U16 last = filled.last_of_groups();
+    Mask16 open = from_start.last_of_groups();  // groups that pass on what comes in
+    if constexpr (U16::groups >= 4) {
+      last = max_where(open, last, last.shifted_by_groups<1>());
+      open = open & open.shifted_by_groups<1>();
+      last = max_where(open, last, last.shifted_by_groups<2>());
+      open = open & open.shifted_by_groups<2>();
+    }
+    carry = max_where(open.shifted_by_groups<1>(), last.shifted_by_groups<1>(), left);
   }
-  if constexpr (U16::groups >= 4) {
-    last = max_where(open, last, last.shifted_by_groups<2>());
-    open = open & open.shifted_by_groups<2>();
-  }
-  const U16 carry = max_where(open.shifted_by_groups<1>(), last.shifted_by_groups<1>(), left);
-  left = max_where(open, last, left).last();
   return max_where(from_start, filled, carry);
 }
 
-constexpr std::uint16_t kNothing = 0;
-
-/// Visits the vectors of `count` pixels that hold a hole; the one at the end may be incomplete. Most
-/// vectors hold none. A sweep over up to 64 of them notes those that do, so that no branch depends on
-/// where the holes are.
-template <typename Order, typename Visit>
-void for_each_vector_with_holes(std::uint16_t* pixels, std::size_t count, Visit&& visit) {
-  for (std::size_t begin = 0; begin < count; begin += 64 * kLanes) {
-    const std::size_t size = count - begin < 64 * kLanes ? count - begin : 64 * kLanes;
-    const std::size_t whole = size / kLanes;
-    const auto has_hole = [pixels, begin](std::size_t i) {
-      return std::uint64_t{Order::map(U16::load(pixels + begin + i * kLanes)).is_zero().any()};
-    };
-    std::uint64_t todo = 0;
-    std::size_t seen = 0;
-    for (; seen + 8 <= whole; seen += 8) {
-      std::uint64_t eight = 0;
-      for (std::size_t i = 0; i < 8; ++i) {
-        if (i * kLanes % kCacheLine == 0) prefetch(pixels + begin + (seen + i) * kLanes, kSweepAhead);
-        eight |= has_hole(seen + i) << i;
-      }
-      todo |= eight << seen;
-    }
-    for (; seen < whole; ++seen) todo |= has_hole(seen) << seen;
-    if (const std::size_t rest = size % kLanes; rest != 0) {
-      const U16 last = Order::map(U16::load_first(pixels + begin + whole * kLanes, rest));
-      todo |= std::uint64_t{(last.is_zero() & Mask16::first(rest)).any()} << whole;
-    }
-    for (; todo != 0; todo &= todo - 1) {
-      const auto i = static_cast<std::size_t>(__builtin_ctzll(todo));
-      visit(pixels + begin + i * kLanes, i < whole ? kLanes : size % kLanes);
-    }
-  }
+/// Fills the holes among `count` pixels of a row from column x on.
+template <typename Order>
+[[gnu::always_inline]] inline void fill_at(std::uint16_t* row, std::size_t width, std::size_t x,
+                                           std::size_t count) {
+  std::uint16_t* at = row + x;
+  const U16 values = Order::ranked(U16::load_first(at, count));
+  const U16 above = Order::ranked(U16::load_first(at - width, count));
+  const U16 below = Order::ranked(U16::load_first(at + width, count));
+  // The first pixel of a row stands for its missing neighbour, which is asked for only where it is a hole.
+  const U16 left = Order::ranked(U16::splat(at[x == 0 ? 0 : -1]));
+  Order::ranked(fill_vector(values, max(above, below), left)).store_first(at, count);
 }
 
+/// Most vectors hold no hole. A look at a strip of them notes those that do, so that no branch depends on
+/// where the holes are. Filling a vector changes no other, so what was noted stays true.
 template <typename Order>
 void fill_row(std::uint16_t* row, std::size_t width) {
-  U16 left = U16::zero();
-  const std::uint16_t* next = row;
-  for_each_vector_with_holes<Order>(row, width, [&](std::uint16_t* at, std::size_t count) {
-    // The last value of the vector before comes from its register or, when it held no hole, from memory.
-    // Both ways are taken, so that nothing depends on a branch or on a value just stored.
-    const bool follows = at == next;
-    const std::uint16_t before = *(follows ? &kNothing : at - 1);
-    left = max(left & U16::splat(follows ? 0xffff : 0), U16::splat(Order::map(before)));
-    next = at + count;
-    const U16 values = Order::map(U16::load_first(at, count));
-    const U16 above = Order::map(U16::load_first(at - width, count));
-    const U16 below = Order::map(U16::load_first(at + width, count));
-    const Mask16 hole = values.is_zero() & Mask16::first(count);
-    Order::map(fill_vector(values, above, below, hole, left)).store_first(at, count);
-  });
+  constexpr std::size_t kStrip = 4096;
+  constexpr std::size_t kStep = 4 * kCacheLine;
+  std::uint32_t with_holes[kStrip / kLanes];
+  std::size_t x = 0;
+  while (x + kLanes <= width) {
+    const std::size_t end = x + smaller(kStrip, width - x);
+    std::size_t noted = 0;
+    const auto note = [&](std::size_t i) {
+      with_holes[noted] = static_cast<std::uint32_t>(i);
+      noted += std::size_t{Order::ranked(U16::load(row + i)).is_zero().any()};
+    };
+    for (; x + kStep <= end; x += kStep) {
+      for (std::size_t i = 0; i < kStep; i += kCacheLine) prefetch(row + x + i, kSweepAhead);
+      for (std::size_t i = 0; i < kStep; i += kLanes) note(x + i);
+    }
+    for (; x + kLanes <= end; x += kLanes) note(x);
+    for (std::size_t i = 0; i < noted; ++i) fill_at<Order>(row, width, with_holes[i], kLanes);
+  }
+  if (x == width) return;
+  const std::size_t rest = width - x;
+  const Mask16 hole = Order::ranked(U16::load_first(row + x, rest)).is_zero() & Mask16::first(rest);
+  if (hole.any()) fill_at<Order>(row, width, x, rest);
 }
 
 template <typename Order>
@@ -112,22 +95,31 @@ void fill(std::uint16_t* pixels, std::size_t width, std::size_t height) {
 
 void fill_top(std::uint16_t* pixels, std::size_t width, std::size_t height) {
   if (width < kLanes) return plain::hole_filling.top(pixels, width, height);
-  // Rows follow each other without gaps and a vector is no wider than a row, so the vector above is
-  // always final and the image is one flat sweep.
   if (height < 2) return;
-  for_each_vector_with_holes<Larger>(
-      pixels + width, width * (height - 1), [=](std::uint16_t* at, std::size_t count) {
-        const U16 values = U16::load_first(at, count);
-        select(values.is_zero(), U16::load_first(at - width, count), values).store_first(at, count);
-      });
+  // Rows follow each other without gaps and a vector is no wider than a row, so the vector above is
+  // always final and the image is one flat sweep. Filling a vector twice changes nothing, so the first and
+  // the last may overlap their neighbours and all between them are aligned. Storing all vectors costs
+  // less than choosing some.
+  const auto fill_from_above = [=](std::size_t i) {
+    const U16 values = U16::load(pixels + i);
+    U16::load(pixels + i - width).store_where(values.is_zero(), pixels + i, values);
+  };
+  const std::size_t end = width * height;
+  const std::size_t past_boundary =
+      reinterpret_cast<std::uintptr_t>(pixels + width) / sizeof *pixels % kLanes;
+  fill_from_above(width);
+  sweep(
+      width + (kLanes - past_boundary) % kLanes, end,
+      [=](std::size_t i) { prefetch(pixels + i, kSweepAhead); }, fill_from_above);
+  fill_from_above(end - kLanes);
 }
 
 void fill_smaller(std::uint16_t* pixels, std::size_t width, std::size_t height) {
-  fill<Smaller>(pixels, width, height);
+  fill<KeepSmaller>(pixels, width, height);
 }
 
 void fill_larger(std::uint16_t* pixels, std::size_t width, std::size_t height) {
-  fill<Larger>(pixels, width, height);
+  fill<KeepLarger>(pixels, width, height);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <algorithm>
 
 #include "common/zeroed_buffer.h"
-
 #include "kernels/margin/margin.h"
 
 namespace filterprocessor::plain {

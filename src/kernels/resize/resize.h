@@ -7,25 +7,25 @@
 namespace filterprocessor {
 
 /// One axis of a nearest-neighbour resize in 16.16 fixed point. Target position first + i, up to end,
-/// takes source position (start + i x step) >> 16 in 32 bits that wrap, or 0 where that is not inside the
-/// source.
+/// takes source position (source_start + i x source_step) >> 16 in 32 bits that wrap, or 0 where that is
+/// not inside the source.
 struct ResizeAxis {
   std::size_t source_size;
   std::size_t target_size;
   std::size_t first;  ///< at most end
   std::size_t end;    ///< at most target_size
-  std::uint32_t start;
-  std::uint32_t step;
+  std::uint32_t source_start;
+  std::uint32_t source_step;
 
-  std::size_t start_position() const { return start >> 16; }
   /// Whether all target positions take consecutive source positions inside the source.
   bool copies_all() const {
     if (first != 0 || end != target_size || end == 0) return false;
-    const std::uint64_t last = start + std::uint64_t{step} * (end - 1);
-    return (last >> 16) - start_position() == end - 1 && last >> 16 < source_size && last >> 32 == 0;
+    const std::uint64_t last = source_start + std::uint64_t{source_step} * (end - 1);
+    return (last >> 16) - source_position(first) == end - 1 && last >> 16 < source_size &&
+           last >> 32 == 0;
   }
-  std::size_t source(std::size_t target) const {
-    return (start + static_cast<std::uint32_t>(target - first) * step) >> 16;
+  std::size_t source_position(std::size_t target) const {
+    return (source_start + static_cast<std::uint32_t>(target - first) * source_step) >> 16;
   }
 };
 
@@ -38,8 +38,9 @@ struct ResizeKernels {
   Resize* resize;
 };
 
-/// An axis' target size: extent x scale + before + after, each step rounded to 32 bits, truncated.
-std::int32_t resized(float extent, float scale, std::int32_t before, std::int32_t after);
+/// The target's extent along an axis: source extent x scale + before + after, each step rounded to 32
+/// bits, truncated.
+std::int32_t target_extent(float source_extent, float scale, std::int32_t before, std::int32_t after);
 
 /// The axis for a target of at least 1; a source below 1 has no pixels. `before` pixels are added before
 /// the scaled source, or removed where negative; `scale` is at least 0.001.

@@ -19,18 +19,19 @@ void copy(const std::uint16_t* from, std::uint16_t* to, std::size_t count) {
 std::size_t positions_inside(const ResizeAxis& axis) {
   const std::size_t wanted = axis.end - axis.first;
   const std::size_t limit = axis.source_size << 16;
-  if (axis.start >= limit) return 0;
-  const std::size_t inside = (limit - axis.start + axis.step - 1) / axis.step;
+  if (axis.source_start >= limit) return 0;
+  const std::size_t inside = (limit - axis.source_start + axis.source_step - 1) / axis.source_step;
   return inside < wanted ? inside : wanted;
 }
 
 bool wraps(const ResizeAxis& axis) {
-  return axis.first < axis.end && axis.start + (axis.end - axis.first - 1) * axis.step > 0xffffffffu;
+  return axis.first < axis.end &&
+         axis.source_start + (axis.end - axis.first - 1) * axis.source_step > 0xffffffffu;
 }
 
 /// Whether `count` target positions, at least 1, take consecutive source positions.
 bool consecutive(const ResizeAxis& axis, std::size_t count) {
-  return axis.source(axis.first + count - 1) - axis.source(axis.first) == count - 1;
+  return axis.source_position(axis.first + count - 1) - axis.source_position(axis.first) == count - 1;
 }
 
 /// A range of columns of the image, inside the source.
@@ -42,6 +43,10 @@ struct Strip {
   std::size_t first;
   std::size_t count;
 
+  /// Whether rows repeat. Then they are written faster than the processor fetches their memory by itself,
+  /// and writing one asks for the next.
+  bool enlarges() const { return rows.source_step < 1 << 16; }
+
   /// Calls fill(source row, target row from the strip's first column on) for all rows but those that
   /// repeat the one above, which are copied.
   template <typename Fill>
@@ -49,11 +54,11 @@ struct Strip {
     std::size_t above = rows.source_size;
     for (std::size_t r = rows.first; r < rows.end; ++r) {
       std::uint16_t* to = target + r * columns.target_size + first;
-      const std::size_t y = rows.source(r);
+      const std::size_t y = rows.source_position(r);
       if (y >= rows.source_size) {
         clear(to, count);
       } else if (y == above) {
-        copy(to - columns.target_size, to, count);
+        repeat_row_above(to);
       } else {
         fill(source + y * columns.source_size, to);
       }
@@ -61,17 +66,26 @@ struct Strip {
     }
   }
 
+  void repeat_row_above(std::uint16_t* to) const {
+    const std::size_t width = columns.target_size;
+    const std::uint16_t* const from = to - width;
+    const std::size_t done = sweep(
+        0, count, [=](std::size_t i) { prefetch(to + i, width); },
+        [=](std::size_t i) { U16::load(from + i).store(to + i); });
+    copy(from + done, to + done, count - done);
+  }
+
   void copy_rows() const {
-    const std::size_t x = columns.source(first);
+    const std::size_t x = columns.source_position(first);
     each_row([&](const std::uint16_t* from, std::uint16_t* to) { copy(from + x, to, count); });
   }
 
   void step_through() const {
     const std::uint32_t start =
-        columns.start + static_cast<std::uint32_t>(first - columns.first) * columns.step;
+        columns.source_start + static_cast<std::uint32_t>(first - columns.first) * columns.source_step;
     each_row([&](const std::uint16_t* from, std::uint16_t* to) {
       std::uint32_t counter = start;
-      for (std::size_t c = 0; c < count; ++c, counter += columns.step) to[c] = from[counter >> 16];
+      for (std::size_t c = 0; c < count; ++c, counter += columns.source_step) to[c] = from[counter >> 16];
     });
   }
 
@@ -79,7 +93,7 @@ struct Strip {
   template <typename Picker>
   bool pick() const {
     constexpr std::size_t lanes = Picker::lanes;
-    const std::size_t span = ((lanes - 1) * columns.step >> 16) + 2;
+    const std::size_t span = ((lanes - 1) * columns.source_step >> 16) + 2;
     if (span > Picker::reach || columns.source_size < Picker::reach || count < lanes) return false;
 
     Picker pickers[kStrip / lanes];
@@ -90,20 +104,29 @@ struct Strip {
     for (std::size_t i = 0; i <= full; ++i) {
       const std::size_t offset = i < full ? i * lanes : last;
       const std::uint32_t counter =
-          columns.start + static_cast<std::uint32_t>(first - columns.first + offset) * columns.step;
+          columns.source_start +
+          static_cast<std::uint32_t>(first - columns.first + offset) * columns.source_step;
       const std::size_t x = counter >> 16;
       const std::size_t room = columns.source_size - Picker::reach;
       origins[i] = x < room ? x : room;
       const auto skipped = static_cast<std::uint32_t>(x - origins[i]);
       std::uint16_t positions[lanes];
       for (std::uint32_t j = 0; j < lanes; ++j) {
-        const std::uint32_t advance = (counter & 0xffff) + j * columns.step;
+        const std::uint32_t advance = (counter & 0xffff) + j * columns.source_step;
         positions[j] = static_cast<std::uint16_t>((advance >> 16) + skipped);
       }
       pickers[i] = Picker::of(positions);
     }
+    const bool ask_for_next = enlarges();
     each_row([&](const std::uint16_t* from, std::uint16_t* to) {
-      for (std::size_t i = 0; i < full; ++i) pickers[i].pick(from + origins[i], to + i * lanes);
+      constexpr std::size_t line = kCacheLine / lanes;
+      const auto pick_at = [&](std::size_t i) { pickers[i].pick(from + origins[i], to + i * lanes); };
+      std::size_t i = 0;
+      for (; i + line <= full; i += line) {
+        if (ask_for_next) prefetch(to + i * lanes, columns.target_size);
+        for (std::size_t j = 0; j < line; ++j) pick_at(i + j);
+      }
+      for (; i < full; ++i) pick_at(i);
       pickers[full].pick(from + origins[full], to + last);
     });
     return true;
@@ -132,7 +155,7 @@ void resize_image(const std::uint16_t* source, const ResizeAxis& columns, const 
   if (consecutive(columns, count)) {
     const bool all_rows = !wraps(rows) && positions_inside(rows) == height && consecutive(rows, height);
     if (all_rows && count == width && count == columns.source_size) {
-      return copy(source + rows.source(rows.first) * width, first_row, width * height);
+      return copy(source + rows.source_position(rows.first) * width, first_row, width * height);
     }
     return Strip{source, columns, rows, target, columns.first, count}.copy_rows();
   }

@@ -34,7 +34,7 @@ inline Mask16 operator&(Mask16 a, Mask16 b) { return {_mm256_and_si256(a.v, b.v)
 inline Mask16 operator|(Mask16 a, Mask16 b) { return {_mm256_or_si256(a.v, b.v)}; }
 inline Mask16 operator~(Mask16 a) { return {_mm256_xor_si256(a.v, _mm256_set1_epi16(-1))}; }
 inline Mask16 without(Mask16 a, Mask16 b) { return {_mm256_andnot_si256(b.v, a.v)}; }
-inline bool Mask16::any() const { return !_mm256_testz_si256(v, v); }
+inline bool Mask16::any() const { return _mm256_movemask_epi8(v) != 0; }
 template <int N>
 Mask16 Mask16::shifted_in_groups() const {
   return {_mm256_alignr_epi8(v, _mm256_set1_epi16(-1), 16 - 2 * N)};
@@ -62,7 +62,6 @@ U16 U16::shifted_by_groups() const {
   static_assert(N == 1);
   return {_mm256_permute2x128_si256(v, v, 0x08)};
 }
-inline U16 U16::last() const { return {_mm256_permute4x64_epi64(last_of_groups().v, 0xff)}; }
 inline U16 U16::odd_lanes(U16 a, U16 b) {
   const __m256i packed = _mm256_packus_epi32(_mm256_srli_epi32(a.v, 16), _mm256_srli_epi32(b.v, 16));
   return {_mm256_permute4x64_epi64(packed, 0xd8)};
@@ -94,9 +93,6 @@ inline void U16::store_groups(std::uint16_t* to, const std::size_t (&offset)[gro
 inline U16 keep(Mask16 mask, U16 a) { return {_mm256_and_si256(mask.v, a.v)}; }
 inline U16 max_where(Mask16 mask, U16 a, U16 b) { return max(a, keep(mask, b)); }
 inline U16 increment_where(Mask16 mask, U16 value) { return {_mm256_sub_epi16(value.v, mask.v)}; }
-inline U16 complement_nonzero(U16 a) {
-  return {_mm256_andnot_si256(_mm256_or_si256(a.v, a.is_zero().v), _mm256_set1_epi16(-1))};
-}
 inline U16 interleave_low(U16 a, U16 b) {
   return {
       _mm256_permute2x128_si256(_mm256_unpacklo_epi16(a.v, b.v), _mm256_unpackhi_epi16(a.v, b.v), 0x20)};

@@ -59,7 +59,6 @@ template <int N>
 U16 U16::shifted_by_groups() const {
   return {_mm512_alignr_epi64(v, _mm512_setzero_si512(), 8 - 2 * N)};
 }
-inline U16 U16::last() const { return {_mm512_permutexvar_epi16(_mm512_set1_epi16(31), v)}; }
 inline U16 U16::odd_lanes(U16 a, U16 b) {
   const __m512i index =
       _mm512_add_epi16(_mm512_slli_epi16(_mm512_cvtepu8_epi16(_mm256_setr_epi8(
@@ -99,9 +98,6 @@ inline U16 keep(Mask16 mask, U16 a) { return {_mm512_maskz_mov_epi16(mask.v, a.v
 inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {_mm512_mask_max_epu16(a.v, mask.v, a.v, b.v)}; }
 inline U16 increment_where(Mask16 mask, U16 value) {
   return {_mm512_mask_add_epi16(value.v, mask.v, value.v, _mm512_set1_epi16(1))};
-}
-inline U16 complement_nonzero(U16 a) {
-  return {_mm512_maskz_sub_epi16(_mm512_test_epi16_mask(a.v, a.v), _mm512_set1_epi16(-1), a.v)};
 }
 inline U16 interleave_low(U16 a, U16 b) {
   const __m512i order = _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11);

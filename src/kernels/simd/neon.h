@@ -61,7 +61,6 @@ template <int N>
 U16 U16::shifted_by_groups() const {
   return {vdupq_n_u16(0)};
 }
-inline U16 U16::last() const { return last_of_groups(); }
 inline U16 U16::odd_lanes(U16 a, U16 b) { return {vuzp2q_u16(a.v, b.v)}; }
 inline U16 U16::odd_doubled() const { return {vtrn2q_u16(v, v)}; }
 inline U16 U16::load_table(const std::uint16_t* entries) { return load(entries); }
@@ -79,7 +78,6 @@ inline void U16::store_groups(std::uint16_t* to, const std::size_t (&offset)[gro
 inline U16 operator&(U16 a, U16 b) { return {vandq_u16(a.v, b.v)}; }
 inline U16 max(U16 a, U16 b) { return {vmaxq_u16(a.v, b.v)}; }
 inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {vmaxq_u16(a.v, vandq_u16(mask.v, b.v))}; }
-inline U16 complement_nonzero(U16 a) { return {vmvnq_u16(vorrq_u16(a.v, a.is_zero().v))}; }
 
 inline U16 interleave_low(U16 a, U16 b) { return {vzip1q_u16(a.v, b.v)}; }
 inline U16 interleave_high(U16 a, U16 b) { return {vzip2q_u16(a.v, b.v)}; }

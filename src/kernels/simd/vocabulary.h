@@ -60,8 +60,6 @@ struct U16 {
   /// Moves the groups up by N; 0 moves in.
   template <int N>
   U16 shifted_by_groups() const;
-  /// Every lane gets the last value.
-  U16 last() const;
   /// The odd lanes of the two vectors, those of `a` first.
   static U16 odd_lanes(U16 a, U16 b);
   /// Every odd lane twice.
@@ -99,8 +97,6 @@ U16 select(Mask16 mask, U16 yes, U16 no);
 U16 keep(Mask16 mask, U16 a);
 /// value + 1 where flagged.
 U16 increment_where(Mask16 mask, U16 value);
-/// 65535 - a; 0 where a is 0.
-U16 complement_nonzero(U16 a);
 /// The low 14 bits of each lane as a two's-complement number.
 U16 sign_extended_14(U16 a);
 /// The lanes of a and b in turn: of their lower halves, and of their upper halves.
