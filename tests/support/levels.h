@@ -10,11 +10,14 @@
 
 namespace filterprocessor {
 
-/// Skips aloud on a machine that lacks the level.
+/// Whether this program can run a level on this machine, be it emulated.
+bool can_run(Level level);
+
+/// Skips aloud where the level cannot run.
 class LevelTest : public testing::TestWithParam<Level> {
  protected:
   void SetUp() override {
-    if (!machine_runs(GetParam())) GTEST_SKIP() << "this machine lacks " << level_name(GetParam());
+    if (!can_run(GetParam())) GTEST_SKIP() << "this machine lacks " << level_name(GetParam());
   }
   static const KernelSet& kernels() { return *kernel_set(GetParam()); }
   static const KernelSet& plain() { return *kernel_set(Level::scalar); }

@@ -1,0 +1,7 @@
+#include "support/levels.h"
+
+namespace filterprocessor {
+
+bool can_run(Level level) { return machine_runs(level); }
+
+}  // namespace filterprocessor
