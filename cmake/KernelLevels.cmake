@@ -1,7 +1,7 @@
 # add_kernel_levels(layer folder source...): compiles vector kernels of a layer once per processor level and lists the
 # resulting layers in FILTERPROCESSOR_LEVEL_LAYERS.
 # A level is a line here, a header in src/kernels/simd that simd.h includes, and a case in src/kernels/level.cpp and
-# kernel_set.cpp.
+# kernel_set.cpp. avx512 is the level of processors with VBMI2.
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
   set(FILTERPROCESSOR_LEVELS avx2 avx512)
   set(FILTERPROCESSOR_FLAGS_avx2 -mavx2 -mfma -mbmi -mbmi2 -mpopcnt -mtune=skylake)

@@ -33,7 +33,7 @@ struct KernelSet {
 const KernelSet* kernel_set(Level level);
 
 /// The kernels that the exported functions use: chosen once, when the library is loaded, from the
-/// processor and the environment variable FILTERPROCESSOR_CPU.
+/// processor and the environment variable FILTERPROCESSOR_CPU, which names a level as level_name() does.
 const KernelSet& active_kernels();
 
 }  // namespace filterprocessor

@@ -7,7 +7,9 @@
 
 namespace filterprocessor {
 
-/// The processor levels that kernels are compiled for, the plain form first.
+/// The processor levels that kernels are compiled for, the plain form first. `avx2` takes FMA, BMI, BMI2
+/// and POPCNT as well; `avx512` is the level of processors with VBMI2: F, BW, DQ, VL, VBMI and VBMI2
+/// together.
 enum class Level { scalar, avx2, avx512, neon };
 
 /// "scalar", "avx2", "avx512" or "neon".
