@@ -18,7 +18,7 @@ namespace filterprocessor {
 /// Every kernel at one processor level. The plain set defines the results; the others equal it bit for
 /// bit.
 struct KernelSet {
-  const char* level;       ///< "scalar" for the plain forms
+  const char* level;       ///< "scalar" for the plain forms, "avx2", "avx512" (VBMI2) or "neon"
   bool (*machine_runs)();  ///< asked before a kernel is called
   const CorrectionKernels& correction;
   const DepthTableKernels& depth_table;

@@ -1,0 +1,7 @@
+#include "support/levels.h"
+
+namespace filterprocessor {
+
+bool can_run(const KernelSet& set) { return set.machine_runs(); }
+
+}  // namespace filterprocessor
