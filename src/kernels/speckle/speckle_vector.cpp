@@ -94,12 +94,8 @@ class Lattice {
     const U16 centers = lower_values.odd_doubled();
     // Around an invalid center everything that differs becomes invalid.
     const Reach reach(centers, select(equal(centers, invalid), U16::zero(), threshold_.of(centers)));
-    const Mask16 change_upper = ~reach.holds(upper_values);
-    const Mask16 change_lower = ~reach.holds(lower_values);
-    if ((change_upper | change_lower).any()) {
-      centers.store_where(change_upper, upper, upper_values);
-      centers.store_where(change_lower, lower, lower_values);
-    }
+    centers.store_where(~reach.holds(upper_values), upper, upper_values);
+    centers.store_where(~reach.holds(lower_values), lower, lower_values);
     return lower_values;
   }
 
