@@ -259,18 +259,39 @@ inline std::uint32_t bits_of(const Mask16 (&masks)[2]) {
 inline std::uint64_t bits_of(const Mask16 (&masks)[4]) {
   return bits_of({masks[0], masks[1]}) | std::uint64_t{bits_of({masks[2], masks[3]})} << 32;
 }
+/// The positions of the set bits of every byte, ascending.
+struct BytePositions {
+  std::uint8_t of[256][8] = {};
+
+  constexpr BytePositions() {
+    for (unsigned byte = 0; byte < 256; ++byte) {
+      unsigned listed = 0;
+      for (unsigned bit = 0; bit < 8; ++bit) {
+        if ((byte >> bit & 1u) != 0) of[byte][listed++] = static_cast<std::uint8_t>(bit);
+      }
+    }
+  }
+};
+inline constexpr BytePositions byte_positions;
+
 /// Writes `base` + the positions of the set bits, ascending, and up to 64 values of no meaning.
 /// @return the number of set bits
 inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::uint16_t* to) {
   const auto count = static_cast<std::size_t>(__builtin_popcountll(bits));
-  std::size_t done = 0;
-  do {
+  if (count <= 4) {
     for (std::size_t i = 0; i < 4; ++i) {
-      to[done + i] = static_cast<std::uint16_t>(base + static_cast<unsigned>(_tzcnt_u64(bits)));
+      to[i] = static_cast<std::uint16_t>(base + static_cast<unsigned>(_tzcnt_u64(bits)));
       bits &= bits - 1;
     }
-    done += 4;
-  } while (done < count);
+    return count;
+  }
+  __m128i start = _mm_set1_epi16(static_cast<short>(base));
+  for (int i = 0; i < 8; ++i, bits >>= 8) {
+    const __m128i found = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(byte_positions.of[bits & 0xff]));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_add_epi16(_mm_cvtepu8_epi16(found), start));
+    to += __builtin_popcountll(bits & 0xff);
+    start = _mm_add_epi16(start, _mm_set1_epi16(8));
+  }
   return count;
 }
 
