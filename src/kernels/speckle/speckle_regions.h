@@ -4,6 +4,7 @@
 
 #include <initializer_list>
 
+#include "kernels/speckle/disjoint_sets.h"
 #include "kernels/speckle/speckle_runs.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
@@ -38,8 +39,7 @@ class Regions {
   ///         every third pixel besides.
   template <typename Prepare>
   bool find(std::int32_t limit, WorkSpace work, Prepare prepare) {
-    limit_ = limit;
-    if (!take_space(work)) return false;
+    if (!take_space(work, limit)) return false;
     for (std::size_t batch = 0; batch < runs_.batches(); ++batch) {
       prepare(batch);
       if (!add_batch(batch)) return false;
@@ -56,19 +56,18 @@ class Regions {
     for (std::size_t batch = 0; batch < runs_.batches(); ++batch) {
       const std::size_t first_pixel = batch * kBatch;
       const std::size_t count = list_starts(batch);
-      std::int32_t* const nodes = nodes_ + runs_.first_run(batch);
-      for (std::size_t i = 0; by_place && i < count; ++i) {
-        if (nodes[i] >= 0) continue;
-        nodes[i] = is_removed(first_pixel + starts_list_[i], -nodes[i]) ? -1 : kNeverRemoved;
+      const std::uint32_t first_run = runs_.first_run(batch);
+      DisjointSets sets = sets_;
+      for (std::uint32_t i = 0; by_place && i < count; ++i) {
+        std::int32_t& node = sets[first_run + i];
+        if (node >= 0 || node == DisjointSets::kNeverRemoved) continue;
+        node = is_removed(first_pixel + starts_list_[i], -node) ? -1 : DisjointSets::kNeverRemoved;
       }
       const std::int32_t smallest = by_place ? -1 : -limit;
       std::size_t listed = 0;
-      for (std::size_t i = 0; i < count; ++i) {
-        // Parents come first, so theirs are sizes already.
-        const auto self = static_cast<std::int32_t>(runs_.first_run(batch) + i);
-        nodes[i] = nodes_[choose(nodes[i] < 0, self, nodes[i])];
+      for (std::uint32_t i = 0; i < count; ++i) {
         joins_list_[listed] = static_cast<std::uint16_t>(i);
-        listed += nodes[i] >= smallest;
+        listed += sets.settle(first_run + i) >= smallest;
       }
       for (std::size_t i = 0; i < listed;) {
         const std::size_t start = starts_list_[joins_list_[i]];
@@ -88,31 +87,19 @@ class Regions {
     std::uint32_t next;
   };
 
-  static constexpr std::int32_t kNeverRemoved = -2147483647;  // as a node
   static constexpr std::size_t kListSlack = 64;  // what write_positions() may write past its result
 
-  bool take_space(WorkSpace& work) {
+  bool take_space(WorkSpace& work, std::int32_t limit) {
     if (!runs_.take_space(work)) return false;
     if constexpr (!Threshold::symmetric) batch_has_one_way_ = work.take<bool>(runs_.batches());
-    room_ = work.room<std::int32_t>();
-    nodes_ = work.take<std::int32_t>(room_);
-    if (nodes_ == nullptr || room_ == 0) return false;
-    ++nodes_;  // the one before the first is where join() puts what is not wanted
-    --room_;
-    return true;
-  }
-
-  /// `yes` or `no`, never by a branch: which one is hard to foresee.
-  static std::int32_t choose(bool condition, std::int32_t yes, std::int32_t no) {
-    const std::int32_t mask = -static_cast<std::int32_t>(condition);
-    return (yes & mask) | (no & ~mask);
+    return sets_.take_space(work, limit);
   }
 
   bool add_batch(std::size_t batch) {
     BatchMasks masks;
     runs_.scan(batch, masks);
     runs_.count_runs(batch);
-    if (runs_.first_run(batch + 1) > room_) return false;
+    if (runs_.first_run(batch + 1) > sets_.room()) return false;
     if constexpr (!Threshold::symmetric) {
       if (!note_one_way(batch, masks)) return false;
     }
@@ -122,10 +109,11 @@ class Regions {
     const std::uint32_t first_run = runs_.first_run(batch);
     const std::uint64_t* const starts = runs_.starts(batch);
     const std::size_t count = list_starts(batch);
-    std::int32_t* const nodes = nodes_ + first_run;
+    DisjointSets sets = sets_;  // a copy, whose members can stay in registers
+    std::int32_t* const nodes = &sets[first_run];
     for (std::size_t i = 0; i < count; ++i) {
       const bool invalid = pixels_[first_pixel + starts_list_[i]] == invalid_;
-      nodes[i] = choose(invalid, kNeverRemoved, starts_list_[i] - starts_list_[i + 1]);
+      nodes[i] = choose(invalid, DisjointSets::kNeverRemoved, starts_list_[i] - starts_list_[i + 1]);
     }
     // A run takes the set of the first run above that it touches; only what it touches besides unites
     // sets.
@@ -134,16 +122,16 @@ class Regions {
     const std::size_t taking = list_positions(takes, words, joins_list_);
     for (std::size_t i = 0; i < taking; ++i) {
       const std::size_t pixel = first_pixel + joins_list_[i];
-      join(runs_.at(pixel), root_of(runs_.at(pixel - width_)));
+      sets.attach(runs_.at(pixel), sets.find(runs_.at(pixel - width_)));
     }
-    if (masks.joined_back) unite(first_run, first_run - 1);
+    if (masks.joined_back) sets.unite(first_run, first_run - 1);
     for (std::size_t i = 0; i < words; ++i) masks.above[i] |= starts[i];
     keep_first_bits(masks.up, masks.above, words, pairs);
     for (std::size_t i = 0; i < words; ++i) pairs[i] &= ~takes[i];
     const std::size_t uniting = list_positions(pairs, words, joins_list_);
     for (std::size_t i = 0; i < uniting; ++i) {
       const std::size_t pixel = first_pixel + joins_list_[i];
-      unite(runs_.at(pixel), runs_.at(pixel - width_));
+      sets.unite(runs_.at(pixel), runs_.at(pixel - width_));
     }
     return true;
   }
@@ -164,7 +152,7 @@ class Regions {
     const std::size_t need =
         runs_.first_run(batch + 1) * 2 * sizeof(std::int32_t) + (one_way_ + 1) * sizeof(OneWayLink);
     const std::size_t part = batch + 1 < runs_.batches() / 16 ? runs_.batches() / 16 : batch + 1;
-    return one_way_ == 0 || need * runs_.batches() <= room_ * sizeof(std::int32_t) * part;
+    return one_way_ == 0 || need * runs_.batches() <= sets_.room() * sizeof(std::int32_t) * part;
   }
 
   /// Lists where the runs of a batch start, and its end. @return the number of runs
@@ -174,49 +162,10 @@ class Regions {
     return listed;
   }
 
-  // Runs form disjoint sets as trees. A run's node is its parent, an earlier run, or, in the root, the
-  // negative number of the set's pixels. Numbers beyond the limit are not added up any further.
-
-  /// Puts the set of the root `child` into that of the root `root`, which is earlier.
-  void join(std::uint32_t child, std::uint32_t root) {
-    const std::int32_t size = nodes_[root];
-    const std::int32_t more = nodes_[child];
-    nodes_[child] = static_cast<std::int32_t>(root);
-    nodes_[choose(size >= -limit_, static_cast<std::int32_t>(root), -1)] = size + more;
-  }
-
-  void unite(std::uint32_t a, std::uint32_t b) {
-    a = root_of(a);
-    b = root_of(b);
-    if (a == b) return;
-    const std::uint32_t change = (a ^ b) & (0u - static_cast<std::uint32_t>(a > b));
-    join(b ^ change, a ^ change);
-  }
-
-  std::uint32_t root_of(std::uint32_t run) {
-    const std::int32_t node = nodes_[run];
-    const auto self = static_cast<std::int32_t>(run);
-    const std::int32_t parent = choose(node < 0, self, node);
-    if (nodes_[parent] < 0) [[likely]]
-      return static_cast<std::uint32_t>(parent);
-    return find_root(run);
-  }
-
-  std::uint32_t find_root(std::uint32_t run) {
-    for (std::int32_t parent = nodes_[run]; parent >= 0; parent = nodes_[run]) {
-      const std::int32_t grandparent = nodes_[parent];
-      if (grandparent < 0) return static_cast<std::uint32_t>(parent);
-      nodes_[run] = grandparent;
-      run = static_cast<std::uint32_t>(grandparent);
-    }
-    return run;
-  }
-
   /// Gives every set of runs to the first set from which one-way links lead to it.
   void follow_one_way_links() {
     const std::uint32_t count = runs_.count();
-    WorkSpace rest(reinterpret_cast<unsigned char*>(nodes_ + count),
-                   (room_ - count) * sizeof(std::int32_t));
+    WorkSpace rest = sets_.behind(count);
     std::uint32_t* const last = rest.take<std::uint32_t>(count);  // of a set's ring; 0: none
     OneWayLink* const links = rest.take<OneWayLink>(one_way_ + 1);
     for (std::uint32_t run = 0; run < count; ++run) last[run] = 0;
@@ -224,8 +173,8 @@ class Regions {
     for (std::size_t batch = 0; batch < runs_.batches(); ++batch) {
       if (!batch_has_one_way_[batch]) continue;
       for_one_way_links(batch, [&](std::uint32_t from_run, std::uint32_t to_run) {
-        const std::uint32_t from = root_of(from_run);
-        const std::uint32_t to = root_of(to_run);
+        const std::uint32_t from = sets_.find(from_run);
+        const std::uint32_t to = sets_.find(to_run);
         if (from == to) return;
         const std::uint32_t before = last[from];
         last[from] = ++used;
@@ -235,13 +184,13 @@ class Regions {
     }
 
     for (std::uint32_t set = 0; set < count; ++set) {
-      if (last[set] == 0 || nodes_[set] >= 0) continue;
+      if (last[set] == 0 || !sets_.is_root(set)) continue;
       std::uint32_t end = last[set];
       for (std::uint32_t link = links[end].next;; link = links[link].next) {
         const std::uint32_t to = links[link].to;
-        if (to > set && nodes_[to] < 0) {
-          nodes_[set] += nodes_[to];
-          nodes_[to] = static_cast<std::int32_t>(set);
+        if (to > set && sets_.is_root(to)) {
+          sets_[set] += sets_[to];
+          sets_[to] = static_cast<std::int32_t>(set);
           if (last[to] != 0) {  // the taken set's links come next
             const std::uint32_t first = links[last[to]].next;
             links[last[to]].next = links[link].next;
@@ -286,11 +235,9 @@ class Regions {
   const std::uint16_t* pixels_;
   std::size_t width_;
   std::uint16_t invalid_;
-  std::int32_t limit_ = 0;
   bool* batch_has_one_way_ = nullptr;
-  std::size_t one_way_ = 0;        // links that lead one way only
-  std::int32_t* nodes_ = nullptr;  // by run, in what is left of the work space
-  std::size_t room_ = 0;
+  std::size_t one_way_ = 0;  // links that lead one way only
+  DisjointSets sets_;
 
   std::uint16_t starts_list_[kBatch + kListSlack];
   std::uint16_t joins_list_[kBatch + kListSlack];
