@@ -104,16 +104,18 @@ struct U16 {
   }
   /// Entries that lookup() takes from a table.
   static constexpr std::size_t table_entries = 8;
-  /// `table_entries` entries for lookup().
+  /// `table_entries` entries for lookup(): their low bytes, then their high bytes.
   static U16 load_table(const std::uint16_t* entries) {
-    return {_mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(entries)))};
+    const __m128i table = _mm_loadu_si128(reinterpret_cast<const __m128i*>(entries));
+    return {_mm256_broadcastsi128_si256(
+        _mm_shuffle_epi8(table, _mm_setr_epi8(0, 2, 4, 6, 8, 10, 12, 14, 1, 3, 5, 7, 9, 11, 13, 15)))};
   }
   /// The entries of a loaded table at indices below `table_entries`.
   static U16 lookup(U16 table, U16 index) {
-    // Entry i is at bytes 2 i and 2 i + 1.
-    const __m256i bytes = _mm256_add_epi16(_mm256_mullo_epi16(index.v, _mm256_set1_epi16(0x0202)),
-                                           _mm256_set1_epi16(0x0100));
-    return {_mm256_shuffle_epi8(table.v, bytes)};
+    const __m256i doubled = _mm256_shuffle_epi8(
+        index.v,
+        _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14)));
+    return {_mm256_shuffle_epi8(table.v, _mm256_or_si256(doubled, _mm256_set1_epi16(0x0800)))};
   }
 
   /// Reads eight values per group, group g at from + offset[g].
@@ -287,7 +289,8 @@ inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::
   }
   __m128i start = _mm_set1_epi16(static_cast<short>(base));
   for (int i = 0; i < 8; ++i, bits >>= 8) {
-    const __m128i found = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(byte_positions.of[bits & 0xff]));
+    const __m128i found =
+        _mm_loadl_epi64(reinterpret_cast<const __m128i*>(byte_positions.of[bits & 0xff]));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_add_epi16(_mm_cvtepu8_epi16(found), start));
     to += __builtin_popcountll(bits & 0xff);
     start = _mm_add_epi16(start, _mm_set1_epi16(8));
