@@ -60,6 +60,7 @@ class Lattice {
 
  private:
   void prepare_row(std::size_t row) {
+    const Threshold threshold = threshold_;  // copies, which stores to the image can't change
     std::uint16_t* upper = image_.pixels + 2 * row * image_.width;
     std::uint16_t* lower = upper + image_.width;
     std::uint16_t* to = lattice_ + row * width();
@@ -67,36 +68,41 @@ class Lattice {
     if (width() < kLanes) {
       std::uint16_t copy[2][2 * kLanes] = {};
       for (std::size_t i = 0; i < 2 * width(); ++i) copy[0][i] = upper[i], copy[1][i] = lower[i];
-      smooth_blocks(copy[0], copy[1], invalid).store_first(to, width());
+      smooth_blocks(copy[0], copy[1], threshold, invalid).store_first(to, width());
       for (std::size_t i = 0; i < 2 * width(); ++i) upper[i] = copy[0][i], lower[i] = copy[1][i];
       return;
     }
     // The last vector may begin among blocks that are done already; they stay as they are.
-    for (std::size_t col = 0; col < width(); col += kLanes) {
-      const std::size_t at = col < width() - kLanes ? col : width() - kLanes;
-      const std::size_t next_pair = 2 * image_.width;
+    const std::size_t last = width() - kLanes;
+    const std::size_t next_pair = 2 * image_.width;
+    for (std::size_t col = 0; col < last + kLanes; col += kLanes) {
+      const std::size_t at = smaller(col, last);
       for (const std::uint16_t* pair : {upper, lower}) {
         for (std::size_t i = 0; i < 2 * kLanes; i += kCacheLine) prefetch(pair + 2 * at + i, next_pair);
       }
-      smooth_blocks(upper + 2 * at, lower + 2 * at, invalid).store(to + at);
+      smooth_blocks(upper + 2 * at, lower + 2 * at, threshold, invalid).store(to + at);
     }
   }
 
   /// Smooths a vector of blocks. @return their lattice pixels
-  U16 smooth_blocks(std::uint16_t* upper, std::uint16_t* lower, U16 invalid) const {
-    return U16::odd_lanes(smooth(upper, lower, invalid), smooth(upper + kLanes, lower + kLanes, invalid));
+  [[gnu::always_inline]] static U16 smooth_blocks(std::uint16_t* upper, std::uint16_t* lower,
+                                                  const Threshold& threshold, U16 invalid) {
+    const U16 first = U16::load(lower);
+    const U16 second = U16::load(lower + kLanes);
+    smooth(upper, lower, first, threshold, invalid);
+    smooth(upper + kLanes, lower + kLanes, second, threshold, invalid);
+    return U16::odd_lanes(first, second);
   }
 
-  /// @return the lower row, which holds the lattice pixels
-  U16 smooth(std::uint16_t* upper, std::uint16_t* lower, U16 invalid) const {
+  /// Smooths the blocks whose lower row, which holds the lattice pixels, has been read.
+  [[gnu::always_inline]] static void smooth(std::uint16_t* upper, std::uint16_t* lower, U16 lower_values,
+                                            const Threshold& threshold, U16 invalid) {
     const U16 upper_values = U16::load(upper);
-    const U16 lower_values = U16::load(lower);
     const U16 centers = lower_values.odd_doubled();
     // Around an invalid center everything that differs becomes invalid.
-    const Reach reach(centers, select(equal(centers, invalid), U16::zero(), threshold_.of(centers)));
+    const Reach reach(centers, select(equal(centers, invalid), U16::zero(), threshold.of(centers)));
     centers.store_where(~reach.holds(upper_values), upper, upper_values);
     centers.store_where(~reach.holds(lower_values), lower, lower_values);
-    return lower_values;
   }
 
   const SpeckleImage& image_;
