@@ -55,13 +55,15 @@ class Regions {
   void visit_removed(std::int32_t limit, bool by_place, IsRemoved is_removed, Visit visit) {
     for (std::size_t batch = 0; batch < runs_.batches(); ++batch) {
       const std::size_t first_pixel = batch * kBatch;
-      const std::size_t count = list_starts(batch);
       const std::uint32_t first_run = runs_.first_run(batch);
+      const std::uint32_t count = runs_.first_run(batch + 1) - first_run;
+      const std::uint16_t* const starts =
+          kept_starts_ != nullptr ? starts_list(batch) : list_starts(batch);
       DisjointSets sets = sets_;
       for (std::uint32_t i = 0; by_place && i < count; ++i) {
         std::int32_t& node = sets[first_run + i];
         if (node >= 0 || node == DisjointSets::kNeverRemoved) continue;
-        node = is_removed(first_pixel + starts_list_[i], -node) ? -1 : DisjointSets::kNeverRemoved;
+        node = is_removed(first_pixel + starts[i], -node) ? -1 : DisjointSets::kNeverRemoved;
       }
       const std::int32_t smallest = by_place ? -1 : -limit;
       std::size_t listed = 0;
@@ -70,11 +72,11 @@ class Regions {
         listed += sets.settle(first_run + i) >= smallest;
       }
       for (std::size_t i = 0; i < listed;) {
-        const std::size_t start = starts_list_[joins_list_[i]];
+        const std::size_t start = starts[joins_list_[i]];
         std::size_t end;
         do {
-          end = starts_list_[joins_list_[i] + 1u];
-        } while (++i < listed && starts_list_[joins_list_[i]] == end);
+          end = starts[joins_list_[i] + 1u];
+        } while (++i < listed && starts[joins_list_[i]] == end);
         visit(first_pixel + start, end - start);
       }
     }
@@ -92,6 +94,15 @@ class Regions {
   bool take_space(WorkSpace& work, std::int32_t limit) {
     if (!runs_.take_space(work)) return false;
     if constexpr (!Threshold::symmetric) batch_has_one_way_ = work.take<bool>(runs_.batches());
+    // Listing where runs start once, not twice, is worth 2 bytes a run if nothing else lacks them: nodes,
+    // and links that lead one way.
+    constexpr std::size_t others = Threshold::symmetric ? 4 : 16;
+    WorkSpace rest = work;
+    auto* const starts = rest.take<std::uint16_t>(runs_.pixels() + runs_.batches() + kListSlack);
+    if (rest.room<unsigned char>() > others * (runs_.pixels() + 1)) {
+      work = rest;
+      kept_starts_ = starts;
+    }
     return sets_.take_space(work, limit);
   }
 
@@ -107,25 +118,26 @@ class Regions {
     const std::size_t words = runs_.words_in(batch);
     const std::size_t first_pixel = batch * kBatch;
     const std::uint32_t first_run = runs_.first_run(batch);
-    const std::uint64_t* const starts = runs_.starts(batch);
-    const std::size_t count = list_starts(batch);
+    const std::uint64_t* const start_bits = runs_.starts(batch);
+    const std::uint16_t* const starts = list_starts(batch);
+    const std::uint32_t count = runs_.first_run(batch + 1) - first_run;
     DisjointSets sets = sets_;  // a copy, whose members can stay in registers
     std::int32_t* const nodes = &sets[first_run];
     for (std::size_t i = 0; i < count; ++i) {
-      const bool invalid = pixels_[first_pixel + starts_list_[i]] == invalid_;
-      nodes[i] = choose(invalid, DisjointSets::kNeverRemoved, starts_list_[i] - starts_list_[i + 1]);
+      const bool invalid = pixels_[first_pixel + starts[i]] == invalid_;
+      nodes[i] = choose(invalid, DisjointSets::kNeverRemoved, starts[i] - starts[i + 1]);
     }
     // A run takes the set of the first run above that it touches; only what it touches besides unites
     // sets.
     std::uint64_t takes[kBatchWords], pairs[kBatchWords];
-    keep_first_bits(masks.up, starts, words, takes);
+    keep_first_bits(masks.up, start_bits, words, takes);
     const std::size_t taking = list_positions(takes, words, joins_list_);
     for (std::size_t i = 0; i < taking; ++i) {
       const std::size_t pixel = first_pixel + joins_list_[i];
       sets.attach(runs_.at(pixel), sets.find(runs_.at(pixel - width_)));
     }
     if (masks.joined_back) sets.unite(first_run, first_run - 1);
-    for (std::size_t i = 0; i < words; ++i) masks.above[i] |= starts[i];
+    for (std::size_t i = 0; i < words; ++i) masks.above[i] |= start_bits[i];
     keep_first_bits(masks.up, masks.above, words, pairs);
     for (std::size_t i = 0; i < words; ++i) pairs[i] &= ~takes[i];
     const std::size_t uniting = list_positions(pairs, words, joins_list_);
@@ -155,11 +167,16 @@ class Regions {
     return one_way_ == 0 || need * runs_.batches() <= sets_.room() * sizeof(std::int32_t) * part;
   }
 
-  /// Lists where the runs of a batch start, and its end. @return the number of runs
-  std::size_t list_starts(std::size_t batch) {
-    const std::size_t listed = list_positions(runs_.starts(batch), runs_.words_in(batch), starts_list_);
-    starts_list_[listed] = static_cast<std::uint16_t>(runs_.pixels_in(batch));
-    return listed;
+  /// Room for where the runs of a batch start, and its end.
+  std::uint16_t* starts_list(std::size_t batch) {
+    return kept_starts_ == nullptr ? starts_list_ : kept_starts_ + runs_.first_run(batch) + batch;
+  }
+
+  const std::uint16_t* list_starts(std::size_t batch) {
+    std::uint16_t* const list = starts_list(batch);
+    const std::size_t count = list_positions(runs_.starts(batch), runs_.words_in(batch), list);
+    list[count] = static_cast<std::uint16_t>(runs_.pixels_in(batch));
+    return list;
   }
 
   /// Gives every set of runs to the first set from which one-way links lead to it.
@@ -238,6 +255,7 @@ class Regions {
   bool* batch_has_one_way_ = nullptr;
   std::size_t one_way_ = 0;  // links that lead one way only
   DisjointSets sets_;
+  std::uint16_t* kept_starts_ = nullptr;  // of all batches, each with its end
 
   std::uint16_t starts_list_[kBatch + kListSlack];
   std::uint16_t joins_list_[kBatch + kListSlack];

@@ -78,6 +78,7 @@ class Runs {
     return true;
   }
 
+  std::size_t pixels() const { return count_; }
   std::size_t batches() const { return (count_ + kBatch - 1) / kBatch; }
   std::size_t words_in(std::size_t batch) const {
     const std::size_t left = (count_ + kWordBits - 1) / kWordBits - batch * kBatchWords;
