@@ -281,10 +281,12 @@ inline constexpr BytePositions byte_positions;
 inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::uint16_t* to) {
   const auto count = static_cast<std::size_t>(__builtin_popcountll(bits));
   if (count <= 4) {
-    for (std::size_t i = 0; i < 4; ++i) {
-      to[i] = static_cast<std::uint16_t>(base + static_cast<unsigned>(_tzcnt_u64(bits)));
+    std::uint64_t four = base * std::uint64_t{0x0001000100010001};
+    for (unsigned i = 0; i < 64; i += 16) {
+      four += _tzcnt_u64(bits) << i;
       bits &= bits - 1;
     }
+    std::memcpy(to, &four, sizeof four);
     return count;
   }
   __m128i start = _mm_set1_epi16(static_cast<short>(base));
