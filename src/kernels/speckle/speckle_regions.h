@@ -26,10 +26,7 @@ class Regions {
  public:
   Regions(const std::uint16_t* pixels, std::size_t width, std::size_t height, std::uint16_t invalid,
           const Threshold& threshold)
-      : runs_(pixels, width, height, invalid, threshold),
-        pixels_(pixels),
-        width_(width),
-        invalid_(invalid) {}
+      : runs_(pixels, width, height, invalid, threshold), width_(width) {}
 
   /// Finds all regions. `limit` is the largest that anyone asks for; `prepare(batch)` is called before
   /// the pixels of a batch and the row below it are read.
@@ -123,9 +120,12 @@ class Regions {
     const std::uint32_t count = runs_.first_run(batch + 1) - first_run;
     DisjointSets sets = sets_;  // a copy, whose members can stay in registers
     std::int32_t* const nodes = &sets[first_run];
-    for (std::size_t i = 0; i < count; ++i) {
-      const bool invalid = pixels_[first_pixel + starts[i]] == invalid_;
-      nodes[i] = choose(invalid, DisjointSets::kNeverRemoved, starts[i] - starts[i + 1]);
+    for (std::size_t i = 0; i < count; ++i) nodes[i] = starts[i] - starts[i + 1];
+    std::uint64_t holes[kBatchWords];
+    for (std::size_t i = 0; i < words; ++i) holes[i] = start_bits[i] & ~runs_.valid(batch)[i];
+    const std::size_t invalid = list_positions(holes, words, joins_list_);
+    for (std::size_t i = 0; i < invalid; ++i) {
+      sets[runs_.at(first_pixel + joins_list_[i])] = DisjointSets::kNeverRemoved;
     }
     // A run takes the set of the first run above that it touches; only what it touches besides unites
     // sets.
@@ -249,9 +249,7 @@ class Regions {
   }
 
   Runs<Threshold> runs_;
-  const std::uint16_t* pixels_;
   std::size_t width_;
-  std::uint16_t invalid_;
   bool* batch_has_one_way_ = nullptr;
   std::size_t one_way_ = 0;  // links that lead one way only
   DisjointSets sets_;
