@@ -17,7 +17,7 @@ inline std::int32_t choose(bool condition, std::int32_t yes, std::int32_t no) {
 /// a root, the negative size of the set. Sizes beyond a limit are not added up any further.
 class DisjointSets {
  public:
-  static constexpr std::int32_t kNeverRemoved = -2147483647;  // as a node
+  static constexpr std::int32_t kNeverRemoved = -2147483647;  // a root larger than every limit
 
   /// Takes what is left of the work space. @return whether that is enough for any run
   bool take_space(WorkSpace& work, std::int32_t limit) {

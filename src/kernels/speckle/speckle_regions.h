@@ -1,23 +1,24 @@
-/// Regions of an image as sets of runs.
+/// Regions of an image as connected components of runs.
 #ifndef FILTERPROCESSOR_KERNELS_SPECKLE_SPECKLE_REGIONS_H
 #define FILTERPROCESSOR_KERNELS_SPECKLE_SPECKLE_REGIONS_H
 
 #include <initializer_list>
 
+#include "kernels/speckle/directed_edges.h"
 #include "kernels/speckle/disjoint_sets.h"
 #include "kernels/speckle/speckle_runs.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 namespace {
 
-/// Finds the regions of an image of `width` x `height` pixels without gaps between rows, taken as one
+/// Labels the regions of an image of `width` x `height` pixels without gaps between rows, taken as one
 /// sequence.
 ///
 /// A region is what can be reached from its first pixel over pixels of no earlier region. With one
-/// threshold for all, links have no direction and regions are the connected sets of runs of pixels joined
-/// to their left. Thresholds by value make some links lead one way only. Pixels with links both ways
-/// between them always end up in one region, that of the first pixel that reaches any of them; so runs
-/// are made and united by links both ways, and the other links then lead between sets of runs.
+/// threshold for all, links have no direction and regions are connected components: runs of pixels linked
+/// to their left, united where they touch. Thresholds by value make some links lead one way only. Pixels with
+/// links both ways between them always end up in one region, that of the first pixel that reaches any of
+/// them; so components are made of links both ways, and the others become directed edges between components.
 ///
 /// Every pixel is in a run; those of invalid pixels are never united. Runs also end with a row and with a
 /// batch of kBatch pixels.
@@ -28,20 +29,20 @@ class Regions {
           const Threshold& threshold)
       : runs_(pixels, width, height, invalid, threshold), width_(width) {}
 
-  /// Finds all regions. `limit` is the largest that anyone asks for; `prepare(batch)` is called before
+  /// Labels all regions. `limit` is the largest that anyone asks for; `prepare(batch)` is called before
   /// the pixels of a batch and the row below it are read.
-  /// @return false if the work space is too small, and then nothing has been found. Of 9 bytes a pixel,
-  ///         bit masks take 0.3 (with a table 0.6), each run 8 and with one-way links 12, each such link
-  ///         8: enough for a run a pixel in all but the smallest images, but not for a one-way link in
-  ///         every third pixel besides.
+  /// @return false if the work space is too small, and then nothing has been labelled. Of 9 bytes a pixel,
+  ///         bit masks take 0.3 (with a table 0.6), lists of starts 2 where they are kept, each run 4 and
+  ///         with directed edges 8, each edge 8: enough for a run a pixel in all but the smallest images,
+  ///         but not for an edge at every third pixel besides.
   template <typename Prepare>
-  bool find(std::int32_t limit, WorkSpace work, Prepare prepare) {
+  bool label(std::int32_t limit, WorkSpace work, Prepare prepare) {
     if (!take_space(work, limit)) return false;
     for (std::size_t batch = 0; batch < runs_.batches(); ++batch) {
       prepare(batch);
       if (!add_batch(batch)) return false;
     }
-    if (one_way_ != 0) follow_one_way_links();
+    if (edges_ != 0) follow_edges();
     return true;
   }
 
@@ -80,23 +81,17 @@ class Regions {
   }
 
  private:
-  /// A link from a set of runs to the set `to`. Those of one set form a ring.
-  struct OneWayLink {
-    std::uint32_t to;
-    std::uint32_t next;
-  };
-
   static constexpr std::size_t kListSlack = 64;  // what write_positions() may write past its result
 
   bool take_space(WorkSpace& work, std::int32_t limit) {
     if (!runs_.take_space(work)) return false;
-    if constexpr (!Threshold::symmetric) batch_has_one_way_ = work.take<bool>(runs_.batches());
-    // Listing where runs start once, not twice, is worth 2 bytes a run if nothing else lacks them: nodes,
-    // and links that lead one way.
-    constexpr std::size_t others = Threshold::symmetric ? 4 : 16;
+    if constexpr (!Threshold::symmetric) batch_has_edges_ = work.take<bool>(runs_.batches());
+    // Lists of starts are made once, not twice, if what they take leaves enough for a run a pixel, with a
+    // table also for an edge at each.
+    constexpr std::size_t needed = Threshold::symmetric ? 4 : 16;
     WorkSpace rest = work;
     auto* const starts = rest.take<std::uint16_t>(runs_.pixels() + runs_.batches() + kListSlack);
-    if (rest.room<unsigned char>() > others * (runs_.pixels() + 1)) {
+    if (rest.room<unsigned char>() > needed * (runs_.pixels() + 1)) {
       work = rest;
       kept_starts_ = starts;
     }
@@ -109,7 +104,7 @@ class Regions {
     runs_.count_runs(batch);
     if (runs_.first_run(batch + 1) > sets_.room()) return false;
     if constexpr (!Threshold::symmetric) {
-      if (!note_one_way(batch, masks)) return false;
+      if (!count_edges(batch, masks)) return false;
     }
 
     const std::size_t words = runs_.words_in(batch);
@@ -127,8 +122,8 @@ class Regions {
     for (std::size_t i = 0; i < invalid; ++i) {
       sets[runs_.at(first_pixel + joins_list_[i])] = DisjointSets::kNeverRemoved;
     }
-    // A run takes the set of the first run above that it touches; only what it touches besides unites
-    // sets.
+    // A run takes the component of the first run above that it touches; only what it touches besides
+    // unites components.
     std::uint64_t takes[kBatchWords], pairs[kBatchWords];
     keep_first_bits(masks.up, start_bits, words, takes);
     const std::size_t taking = list_positions(takes, words, joins_list_);
@@ -148,8 +143,8 @@ class Regions {
     return true;
   }
 
-  /// Counts the one-way links of a batch. @return whether there may be room for all
-  bool note_one_way(std::size_t batch, const BatchMasks& masks) {
+  /// Counts the links of a batch that lead one way only. @return whether there may be room for all
+  bool count_edges(std::size_t batch, const BatchMasks& masks) {
     std::size_t links = 0;
     for (std::size_t i = 0; i < runs_.words_in(batch); ++i) {
       for (const std::uint64_t bits :
@@ -157,14 +152,14 @@ class Regions {
         links += static_cast<std::size_t>(__builtin_popcountll(bits));
       }
     }
-    batch_has_one_way_[batch] = links != 0;
-    one_way_ += links;
+    batch_has_edges_[batch] = links != 0;
+    edges_ += links;
     // Better soon than late: whether it fits if it goes on like this, judged after a sixteenth of the
     // image.
-    const std::size_t need =
-        runs_.first_run(batch + 1) * 2 * sizeof(std::int32_t) + (one_way_ + 1) * sizeof(OneWayLink);
+    const std::size_t need = runs_.first_run(batch + 1) * 2 * sizeof(std::int32_t) +
+                             (edges_ + 1) * sizeof(DirectedEdges::Edge);
     const std::size_t part = batch + 1 < runs_.batches() / 16 ? runs_.batches() / 16 : batch + 1;
-    return one_way_ == 0 || need * runs_.batches() <= sets_.room() * sizeof(std::int32_t) * part;
+    return edges_ == 0 || need * runs_.batches() <= sets_.room() * sizeof(std::int32_t) * part;
   }
 
   /// Room for where the runs of a batch start, and its end.
@@ -179,45 +174,18 @@ class Regions {
     return list;
   }
 
-  /// Gives every set of runs to the first set from which one-way links lead to it.
-  void follow_one_way_links() {
+  void follow_edges() {
     const std::uint32_t count = runs_.count();
-    WorkSpace rest = sets_.behind(count);
-    std::uint32_t* const last = rest.take<std::uint32_t>(count);  // of a set's ring; 0: none
-    OneWayLink* const links = rest.take<OneWayLink>(one_way_ + 1);
-    for (std::uint32_t run = 0; run < count; ++run) last[run] = 0;
-    std::uint32_t used = 0;
+    DirectedEdges edges(sets_.behind(count), count, edges_);
     for (std::size_t batch = 0; batch < runs_.batches(); ++batch) {
-      if (!batch_has_one_way_[batch]) continue;
+      if (!batch_has_edges_[batch]) continue;
       for_one_way_links(batch, [&](std::uint32_t from_run, std::uint32_t to_run) {
         const std::uint32_t from = sets_.find(from_run);
         const std::uint32_t to = sets_.find(to_run);
-        if (from == to) return;
-        const std::uint32_t before = last[from];
-        last[from] = ++used;
-        links[used] = {to, before == 0 ? used : links[before].next};
-        if (before != 0) links[before].next = used;
+        if (from != to) edges.add(from, to);
       });
     }
-
-    for (std::uint32_t set = 0; set < count; ++set) {
-      if (last[set] == 0 || !sets_.is_root(set)) continue;
-      std::uint32_t end = last[set];
-      for (std::uint32_t link = links[end].next;; link = links[link].next) {
-        const std::uint32_t to = links[link].to;
-        if (to > set && sets_.is_root(to)) {
-          sets_[set] += sets_[to];
-          sets_[to] = static_cast<std::int32_t>(set);
-          if (last[to] != 0) {  // the taken set's links come next
-            const std::uint32_t first = links[last[to]].next;
-            links[last[to]].next = links[link].next;
-            links[link].next = first;
-            if (link == end) end = last[to];
-          }
-        }
-        if (link == end) break;
-      }
-    }
+    edges.follow(sets_);
   }
 
   /// Calls `add(from run, to run)` for the one-way links of a batch, once for those between two runs of
@@ -250,8 +218,8 @@ class Regions {
 
   Runs<Threshold> runs_;
   std::size_t width_;
-  bool* batch_has_one_way_ = nullptr;
-  std::size_t one_way_ = 0;  // links that lead one way only
+  bool* batch_has_edges_ = nullptr;
+  std::size_t edges_ = 0;  // links that lead one way only
   DisjointSets sets_;
   std::uint16_t* kept_starts_ = nullptr;  // of all batches, each with its end
 

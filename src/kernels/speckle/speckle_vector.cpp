@@ -147,7 +147,7 @@ void speckle_full(const SpeckleImage& image, const SpeckleThreshold& threshold,
   const std::size_t count = image.width * image.height;
   with_threshold(threshold, [&](const auto& thresholds) {
     Regions regions(image.pixels, image.width, image.height, image.invalid, thresholds);
-    if (!regions.find(largest(limit), WorkSpace(image.work, 9 * count), [](std::size_t) {})) {
+    if (!regions.label(largest(limit), WorkSpace(image.work, 9 * count), [](std::size_t) {})) {
       return plain::speckle_full(image, threshold, limit);
     }
     const RegionLimit limit_at(limit, image.width, image.height);
@@ -174,11 +174,11 @@ void speckle_pyramid(const SpeckleImage& image, const SpeckleThreshold& threshol
     if (limit.map == nullptr && limit.max_size < 1) return lattice.prepare(width * height);
 
     Regions regions(pixels, width, height, image.invalid, thresholds);
-    const bool found = regions.find(largest(limit), work, [&](std::size_t batch) {
+    const bool labelled = regions.label(largest(limit), work, [&](std::size_t batch) {
       lattice.prepare((batch + 1) * kBatch + width + 1);
     });
     // What has been smoothed already is smoothed the same way again.
-    if (!found) return plain::speckle_pyramid(image, threshold, limit);
+    if (!labelled) return plain::speckle_pyramid(image, threshold, limit);
     const RegionLimit limit_at(limit, image.width, image.height);
     const auto place = [&](std::size_t pixel) {
       return limit_at(2 * (pixel / width) + 1, 2 * (pixel % width) + 1);
