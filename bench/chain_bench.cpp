@@ -1,9 +1,11 @@
-// Seven filters in a row, driven as a host drives them, host copies included.
+// Filters driven as a host drives them, host copies included: seven in a row, and sampled conversion beside the two
+// filters that do the same one after the other.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -46,15 +48,36 @@ struct Step {
   }
 };
 
-void measure(Size size) {
-  const auto width = static_cast<std::uint32_t>(size.width);
-  const auto height = static_cast<std::uint32_t>(size.height);
-  const devhost::VirtualCamera camera({.width = width, .height = height});
+std::vector<devhost::Frame> camera_frames(Size size, std::uint8_t pack_mode) {
+  const devhost::VirtualCamera camera({.width = static_cast<std::uint32_t>(size.width),
+                                       .height = static_cast<std::uint32_t>(size.height),
+                                       .pack_mode = pack_mode});
   std::vector<devhost::Frame> frames;
   for (unsigned i = 0; i < 6; ++i) frames.push_back(devhost::make_frame(camera.frame(i).disparity));
+  return frames;
+}
 
-  const std::string w = std::to_string(width);
-  const std::string h = std::to_string(height);
+/// Sends a frame through a chain and notes each step's time. @return the sum
+double run(std::span<Step> chain, const zv_frame_t* input) {
+  devhost::Frame last;
+  double total = 0;
+  for (Step& each : chain) {
+    devhost::Frame output(
+        timed(each.times, [&] { return each.filter->process(each.filter->filter, input, nullptr); }));
+    if (!output) each.fail("failed");
+    total += each.times.back();
+    last = std::move(output);
+    input = last.get();
+  }
+  return total;
+}
+
+constexpr std::size_t kRounds = 200;
+
+void measure(Size size) {
+  const std::vector<devhost::Frame> frames = camera_frames(size, 2);
+  const std::string w = std::to_string(size.width);
+  const std::string h = std::to_string(size.height);
   Step chain[] = {
       Step("DisparityTransform"),
       Step("NoiseRemovalFilter", {"80", "64", "848", "480"}),
@@ -67,23 +90,13 @@ void measure(Size size) {
 
   Times copies;
   Times totals;
-  std::vector<std::uint16_t> from(std::size_t{width} * height, 1);
+  std::vector<std::uint16_t> from(
+      static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height), 1);
   std::vector<std::uint16_t> to(from.size());
-  for (std::size_t round = 0; round < 200; ++round) {
+  for (std::size_t round = 0; round < kRounds; ++round) {
     timed(copies, [&] { return std::memcpy(to.data(), from.data(), from.size() * sizeof from[0]); });
     from[round % from.size()] = to[0];
-    const zv_frame_t* input = frames[round % frames.size()].get();
-    devhost::Frame last;
-    double total = 0;
-    for (Step& each : chain) {
-      devhost::Frame output(
-          timed(each.times, [&] { return each.filter->process(each.filter->filter, input, nullptr); }));
-      if (!output) each.fail("failed");
-      total += each.times.back();
-      last = std::move(output);
-      input = last.get();
-    }
-    totals.push_back(total);
+    totals.push_back(run(chain, frames[round % frames.size()].get()));
   }
 
   const double copy = median(copies);
@@ -98,10 +111,45 @@ void measure(Size size) {
   std::printf("| together | %.3f | %.1f | |\n", whole, whole / copy);
 }
 
+/// OpenNIDisparityTransform that samples beside conversion and, at another scale, resizing.
+void measure_sampling(Size size, double scale) {
+  const std::vector<devhost::Frame> frames = camera_frames(size, 1);
+  const auto scaled = [scale](int side) { return std::to_string(static_cast<int>(scale * side)); };
+  const std::string w = scaled(size.width), h = scaled(size.height), ratio = std::to_string(scale);
+  Step sampled[] = {Step("OpenNIDisparityTransform",
+                         {"10000", "100", "1", w.c_str(), h.c_str(), ratio.c_str(), "0", "0", "0", "0"})};
+  std::vector<Step> apart;
+  apart.emplace_back("DisparityTransform");
+  if (scale != 1) {
+    apart.emplace_back("DepthResize",
+                       std::vector<const char*>{w.c_str(), h.c_str(), ratio.c_str(), "0", "0", "0", "0"});
+  }
+  Times together, others;
+  for (std::size_t round = 0; round < kRounds; ++round) {
+    const zv_frame_t* frame = frames[round % frames.size()].get();
+    for (std::size_t turn : {round, round + 1}) {
+      if (turn % 2 == 0) {
+        together.push_back(run(sampled, frame));
+      } else {
+        others.push_back(run(apart, frame));
+      }
+    }
+  }
+  const double time = median(together), other = median(others);
+  std::printf("| %dx%d to %sx%s | %.3f | %.3f | %.2f |\n", size.width, size.height, w.c_str(), h.c_str(),
+              time, other, time / other);
+}
+
 }  // namespace
 
 void print_chain_tables() {
   for (const Size size : {kSizes[0], kSizes[2]}) measure(size);
+  std::printf(
+      "\n| sampled conversion | ms a frame | `DisparityTransform`, `DepthResize` | ratio "
+      "|\n|---|---:|---:|---:|\n");
+  for (const Size size : {kSizes[0], kSizes[2]}) {
+    for (const double scale : {1.0, 0.5}) measure_sampling(size, scale);
+  }
 }
 
 }  // namespace filterprocessor::bench

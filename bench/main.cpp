@@ -23,9 +23,7 @@ using filterprocessor::bench::median;
 /// The columns: the levels that are compiled in, then the peers.
 std::vector<std::string> all_forms() {
   std::vector<std::string> forms = {std::string(kPlain)};
-  for (const auto level : filterprocessor::compiled_levels()) {
-    if (level != filterprocessor::Level::scalar) forms.emplace_back(level_name(level));
-  }
+  for (const auto& set : filterprocessor::kernel_sets().subspan(1)) forms.emplace_back(set.level);
   forms.insert(forms.end(), {"peer", "libyuv"});
   return forms;
 }
@@ -114,6 +112,7 @@ int main(int argc, char** argv) {
 
   const auto scene =
       filterprocessor::bench::figures_of(filterprocessor::bench::stereo_scene(848, 480), 80);
+  std::printf("the library works at level %s\n", filterprocessor::active_kernels().level);
   std::printf("scene at 848x480: %.1f %% holes, %.3f runs a pixel at a threshold of 80\n",
               100 * scene.hole_share, scene.runs_per_pixel);
   TableReporter table;

@@ -55,9 +55,9 @@ namespace {
 
 template <typename Add>
 void for_each_level(const Add& add) {
-  for (const Level level : compiled_levels()) {
-    if (!machine_runs(level)) continue;
-    add(std::string(level == Level::scalar ? kPlain : level_name(level)), *kernel_set(level));
+  for (const KernelSet& set : kernel_sets()) {
+    if (!set.machine_runs()) continue;
+    add(&set == &kernel_sets().front() ? std::string(kPlain) : set.level, set);
   }
 }
 

@@ -22,6 +22,7 @@ target_compile_features(FilterProcessorClasses INTERFACE cxx_std_20)
 install(TARGETS FilterProcessorClasses EXPORT FilterProcessor)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/filters ${PROJECT_SOURCE_DIR}/src/common DESTINATION ${classes_dir} FILES_MATCHING PATTERN "*.h")
 install(FILES ${PROJECT_SOURCE_DIR}/src/framework/priv_filter.h ${PROJECT_SOURCE_DIR}/src/framework/host_handles.h
+  ${PROJECT_SOURCE_DIR}/src/framework/profile_cache.h
         DESTINATION ${classes_dir}/framework)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/FilterProcessor)

@@ -1,6 +1,7 @@
 // Clearing of one depth.
+#include "kernels/correction/correction.h"
+
 #include "images.h"
-#include "kernels/correction/correction_plain.h"
 #include "levels.h"
 
 namespace filterprocessor::fuzz {

@@ -2,8 +2,8 @@
 // and sampling.
 #include <cmath>
 
-#include "images.h"
 #include "filters/depth_converter.h"
+#include "images.h"
 #include "kernels/disparity/depth_sampling.h"
 #include "levels.h"
 
@@ -101,7 +101,7 @@ void convert(FuzzInput& input) {
   compare_levels(input, [&](const KernelSet& kernels, Buffers& buffers) {
     DepthConverter converter = rule.two_cameras ? DepthConverter(rule.stereo, size, kernels)
                                                 : DepthConverter(rule.mono, size, kernels);
-    if (clear_first) converter.clear_first_entry();
+    if (clear_first) converter = converter.with_first_entry_cleared();
     for (int use = 0; use < uses; ++use) {
       const std::uint16_t* source = buffers.copy(codes);
       std::uint16_t* target = buffers.copy(unwritten);

@@ -14,8 +14,8 @@
  * - Errors: failures are reported by storing a new host error in `*error`. A null `error` is accepted:
  *   the operation does the same work and the report is lost. `*error` should be null on entry; an error
  *   that is already there is taken for a failure of the first host call.
- * - No exception leaves these functions, save std::bad_alloc from zv_get_filter_count(),
- *   zv_get_filter_name() and zv_create_filter().
+ * - Memory: without it, creating gives null and processing gives an error; nothing is thrown, and the next
+ *   call tries again.
  */
 #ifndef FILTERPROCESSOR_FILTER_PROCESSOR_H
 #define FILTERPROCESSOR_FILTER_PROCESSOR_H
@@ -54,8 +54,8 @@ FILTERPROCESSOR_API int32_t zv_get_filter_count(void);
 FILTERPROCESSOR_API const char* zv_get_filter_name(int32_t index);
 
 /**
- * A new filter of the class named at `index`, or null when there is none. The caller owns it: see
- * `destroy`.
+ * A new filter of the class named at `index`, or null when there is none or no memory. The caller owns it:
+ * see `destroy`.
  */
 FILTERPROCESSOR_API PrivFilterContext* zv_create_filter(int32_t index);
 
@@ -71,10 +71,11 @@ FILTERPROCESSOR_API const char* zv_priv_filter_get_config_schema(zv_priv_filter_
 
 /**
  * Sets every parameter from `argc` texts in schema order, which are read before the call returns. A text
- * that is not a number reads as 0; the decimal point is that of the process's C locale (LC_NUMERIC), and
- * of whole numbers past 32 bits the low 32 count. Fails when the count is wrong or a value is refused; some filters have
- * stored the values before the refused one by then. The disparity transforms ignore bad depth limits in
- * silence, and `HardwareD2DCorrectionFilter` ignores everything. Null `filter`: nothing.
+ * that is null or not a number reads as 0; numbers are those of the "C" locale whatever the process has
+ * set, and of whole numbers past 32 bits the low 32 count. Fails when the count is wrong or a value is
+ * refused; some filters have stored the values before the refused one by then. The disparity transforms
+ * ignore bad depth limits in silence, and `HardwareD2DCorrectionFilter` ignores everything. Null `filter`:
+ * nothing.
  */
 FILTERPROCESSOR_API void zv_priv_filter_update_config(zv_priv_filter_t* filter, size_t argc,
                                                       const char** argv, zv_error** error);
@@ -88,8 +89,9 @@ FILTERPROCESSOR_API zv_frame_t* zv_priv_filter_process(zv_priv_filter_t* filter,
                                                        zv_error** error);
 
 /**
- * Returns the filter to its initial parameters and drops its history; the two disparity transforms drop
- * their table only. Null `filter`: nothing.
+ * Returns the filter to its initial parameters and drops its history. The two disparity transforms drop
+ * their table only. `DepthResize` starts with a scale of 0, which refuses every frame, and goes back to a
+ * scale of 1 and a target of 1280 x 720. Null `filter`: nothing.
  */
 FILTERPROCESSOR_API void zv_priv_filter_reset(zv_priv_filter_t* filter, zv_error** error);
 

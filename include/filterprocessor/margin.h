@@ -19,9 +19,9 @@
  * - limit, limit_...: in pixels, at least the margin; may be larger than the image
  *
  * All return 0, or, with nothing changed, -1 when `data` is null, -2 when a margin is larger than its
- * limit, or -3 as the function says, tested in this order and before the sides. Threads: any; calls on
- * different images may run at the same time. The two-dimensional functions may allocate 8 bytes a column
- * for the time of the call; a lack of memory is a C++ std::bad_alloc, with nothing changed.
+ * limit, or -3 as the function says, tested in this order and before the sides. The two-dimensional
+ * functions may need 8 bytes a column for the time of the call, and return -4 when there is no memory.
+ * Threads: any; calls on different images may run at the same time.
  */
 #ifndef FILTERPROCESSOR_MARGIN_H
 #define FILTERPROCESSOR_MARGIN_H

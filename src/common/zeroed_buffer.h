@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
-#include <new>
 
 namespace filterprocessor {
 
@@ -16,23 +15,25 @@ template <typename Value>
 class ZeroedBuffer {
  public:
   /// Makes a buffer of `per_pixel` values a pixel and `extra` more, unless there is one for this size.
-  /// The old one is gone even if that fails. @throws std::bad_alloc
-  void fit(std::uint64_t width, std::uint64_t height, std::uint64_t per_pixel = 1,
+  /// @return false when there is no memory; the old buffer is gone then too
+  bool fit(std::uint64_t width, std::uint64_t height, std::uint64_t per_pixel = 1,
            std::uint64_t extra = 0) {
-    if (fits(width, height)) return;
-    values_.reset();
+    if (values_ && width_ == width && height_ == height) return true;
+    release();
     const std::uint64_t most =
         (std::numeric_limits<std::size_t>::max() / sizeof(Value) - extra) / per_pixel;
-    if (height != 0 && width > most / height) throw std::bad_alloc();
-    values_.reset(static_cast<Value*>(std::calloc(width * height * per_pixel + extra, sizeof(Value))));
-    if (!values_ && width * height * per_pixel + extra != 0) throw std::bad_alloc();
+    if (height != 0 && width > most / height) return false;
+    const std::uint64_t count = width * height * per_pixel + extra;
+    values_.reset(static_cast<Value*>(std::calloc(count != 0 ? count : 1, sizeof(Value))));
     width_ = width;
     height_ = height;
+    return values_ != nullptr;
   }
   void release() { values_.reset(); }
 
-  bool fits(std::uint64_t width, std::uint64_t height) const {
-    return values_ && width_ == width && height_ == height;
+  /// Whether there is a buffer, and for at least so many pixels.
+  bool holds(std::uint64_t width, std::uint64_t height) const {
+    return values_ && width * height <= width_ * height_;
   }
   Value* data() const { return values_.get(); }
 

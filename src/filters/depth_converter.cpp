@@ -16,54 +16,66 @@ std::uint16_t number_of(std::size_t code, bool signed_14_bit) {
 
 }  // namespace
 
-DepthConverter::DepthConverter(std::size_t size)
-    : kernels_(&active_kernels()), size_(size), table_(kMaxDepthTable) {}
+DepthConverter::DepthConverter(std::size_t size, const KernelSet& kernels)
+    : size_(size),
+      plain_{kernels.depth_lookup.plain_codes, kernels.depth_lookup.plain_quotient, false},
+      packed_{kernels.depth_lookup.packed_codes, kernels.depth_lookup.packed_quotient, true} {
+  table_.fit(kMaxDepthTable, 1);
+}
 
 DepthConverter::DepthConverter(const StereoRule& rule, std::size_t size, const KernelSet& kernels)
-    : kernels_(&kernels), size_(size), table_(kMaxDepthTable) {
+    : DepthConverter(size, kernels) {
+  if (!has_table()) return;
   kernels.depth_table.stereo(rule, table_.data(), size);
   const double offsets = rule.disparity_offset + rule.metadata_offset;
   const double depth_pixels = rule.focal_baseline * rule.unit;
-  shape_ = rule.layout == CodeLayout::inverted
-               ? Shape{-depth_pixels * rule.scale / 2,
-                       -(328.375 - rule.min_disparity + offsets) * rule.scale / 2, false}
-               : Shape{depth_pixels * rule.scale, offsets * rule.scale, false};
+  exact_ = rule.layout == CodeLayout::inverted
+               ? ExactQuotient{-depth_pixels * rule.scale / 2,
+                               -(328.375 - rule.min_disparity + offsets) * rule.scale / 2, false}
+               : ExactQuotient{depth_pixels * rule.scale, offsets * rule.scale, false};
 }
 
 DepthConverter::DepthConverter(const MonoRule& rule, std::size_t size, const KernelSet& kernels)
-    : kernels_(&kernels), size_(size), table_(kMaxDepthTable) {
+    : DepthConverter(size, kernels) {
+  if (!has_table()) return;
   kernels.depth_table.mono(rule, table_.data(), size);
   const double offset = rule.disparity_offset + 1 / rule.slope;
   const double depth_pixels = rule.numerator / rule.slope;
-  shape_ = rule.layout == CodeLayout::inverted
-               ? Shape{-depth_pixels * rule.scale / 2, -(200.375 + offset) * rule.scale / 2, false}
-               : Shape{depth_pixels * rule.scale, offset * rule.scale,
-                       rule.layout == CodeLayout::signed_14_bit};
+  exact_ =
+      rule.layout == CodeLayout::inverted
+          ? ExactQuotient{-depth_pixels * rule.scale / 2, -(200.375 + offset) * rule.scale / 2, false}
+          : ExactQuotient{depth_pixels * rule.scale, offset * rule.scale,
+                          rule.layout == CodeLayout::signed_14_bit};
 }
 
-void DepthConverter::clear_first_entry() {
-  if (table_[0] == 0) return;
-  table_[0] = 0;
-  plain_ = {};
-  packed_ = {};
+DepthConverter DepthConverter::with_first_entry_cleared() const {
+  DepthConverter copy(size_);
+  if (!copy.has_table()) return copy;
+  std::copy_n(table_.data(), kMaxDepthTable, copy.table_.data());
+  copy.table_.data()[0] = 0;
+  copy.exact_ = exact_;
+  copy.plain_ = {plain_.load, plain_.compute, plain_.packed};
+  copy.packed_ = {packed_.load, packed_.compute, packed_.packed};
+  return copy;
 }
 
-std::optional<DepthQuotient> DepthConverter::find_quotient(Compute compute, bool packed) const {
-  if (!shape_ || compute == nullptr) return std::nullopt;
+std::optional<DepthQuotient> DepthConverter::find_quotient(const Format& format) const {
+  if (!exact_ || format.compute == nullptr) return std::nullopt;
   constexpr double kLargest = 1e30;  // far below what 32-bit float holds; also refuses NaN
-  if (!(std::fabs(shape_->numerator) < kLargest) || !(std::fabs(shape_->offset) < kLargest))
+  if (!(std::fabs(exact_->numerator) < kLargest) || !(std::fabs(exact_->offset) < kLargest))
     return std::nullopt;
-  const std::size_t codes = std::min(size_, packed ? kPackedCodes : kMaxDepthTable);
+  const std::size_t codes = std::min(size_, format.packed ? kPackedCodes : kMaxDepthTable);
 
+  const std::uint16_t* const table = table_.data();
   // The entries other than 0 must be one stretch of numbers with at most one code missing.
   int first = 65536;
   int last = -65536;
   const auto number = [this](std::size_t code) {
-    const std::uint16_t bits = number_of(code, shape_->signed_14_bit);
-    return shape_->signed_14_bit ? static_cast<std::int16_t>(bits) : int{bits};
+    const std::uint16_t bits = number_of(code, exact_->signed_14_bit);
+    return exact_->signed_14_bit ? static_cast<std::int16_t>(bits) : int{bits};
   };
   for (std::size_t code = 0; code < codes; ++code) {
-    if (table_[code] == 0) continue;
+    if (table[code] == 0) continue;
     first = std::min(first, number(code));
     last = std::max(last, number(code));
   }
@@ -71,33 +83,33 @@ std::optional<DepthQuotient> DepthConverter::find_quotient(Compute compute, bool
   std::size_t missing = 0;
   auto hole = static_cast<std::uint16_t>(last + 1);
   for (std::size_t code = 0; code < codes; ++code) {
-    if (table_[code] != 0 || number(code) < first || number(code) > last) continue;
+    if (table[code] != 0 || number(code) < first || number(code) > last) continue;
     hole = static_cast<std::uint16_t>(code);
     if (++missing > 1) return std::nullopt;
   }
 
-  DepthQuotient quotient = {.numerator = static_cast<float>(shape_->numerator),
-                            .offset = static_cast<float>(shape_->offset + first),
+  DepthQuotient quotient = {.numerator = static_cast<float>(exact_->numerator),
+                            .offset = static_cast<float>(exact_->offset + first),
                             .first = static_cast<std::uint16_t>(first),
                             .span = static_cast<std::uint16_t>(last - first),
                             .hole = hole,
                             .last = static_cast<std::uint16_t>(codes - 1),
-                            .signed_14_bit = shape_->signed_14_bit};
+                            .signed_14_bit = exact_->signed_14_bit};
 
   // Every code of the image format must give its entry.
-  const std::size_t inputs = packed ? kPackedCodes : kMaxDepthTable;
+  const std::size_t inputs = format.packed ? kPackedCodes : kMaxDepthTable;
   const auto gives_the_table = [&] {
     constexpr std::size_t kPart = 1024;
     std::uint16_t code[kPart];
     std::uint16_t depth[kPart];
     for (std::size_t begin = 0; begin < inputs; begin += kPart) {
       for (std::size_t i = 0; i < kPart; ++i) {
-        code[i] = static_cast<std::uint16_t>(packed ? (begin + i) << 4 : begin + i);
+        code[i] = static_cast<std::uint16_t>(format.packed ? (begin + i) << 4 : begin + i);
       }
-      compute(code, depth, kPart, quotient);
+      format.compute(code, depth, kPart, quotient);
       for (std::size_t i = 0; i < kPart; ++i) {
-        const int entry = table_[begin + i];
-        if (depth[i] != static_cast<std::uint16_t>(packed ? entry << 4 : entry)) return false;
+        const int entry = table[begin + i];
+        if (depth[i] != static_cast<std::uint16_t>(format.packed ? entry << 4 : entry)) return false;
       }
     }
     return true;
@@ -118,25 +130,34 @@ std::optional<DepthQuotient> DepthConverter::find_quotient(Compute compute, bool
   return std::nullopt;
 }
 
-void DepthConverter::apply(Shortcut& shortcut, bool packed, const std::uint16_t* source,
-                           std::uint16_t* target, std::size_t count) {
-  const DepthLookupKernels& lookup = kernels_->depth_lookup;
-  const Compute compute = packed ? lookup.packed_quotient : lookup.plain_quotient;
-  if (shortcut.uses < 2 && ++shortcut.uses == 2) shortcut.quotient = find_quotient(compute, packed);
-  if (shortcut.quotient) {
-    compute(source, target, count, *shortcut.quotient);
-  } else {
-    (packed ? lookup.packed_codes : lookup.plain_codes)(source, target, count, table_.data());
-  }
+void DepthConverter::Format::use(const DepthConverter& converter) {
+  if (uses < 2 && ++uses == 2) quotient = converter.find_quotient(*this);
+}
+
+void DepthConverter::Format::convert(const std::uint16_t* source, std::uint16_t* target,
+                                     std::size_t count, const std::uint16_t* table) const {
+  if (quotient) return compute(source, target, count, *quotient);
+  load(source, target, count, table);
 }
 
 void DepthConverter::convert(const std::uint16_t* source, std::uint16_t* target, std::size_t count) {
-  apply(plain_, false, source, target, count);
+  plain_.use(*this);
+  plain_.convert(source, target, count, table_.data());
+}
+
+void DepthConverter::convert(const std::uint16_t* source, std::size_t stride, std::uint16_t* target,
+                             std::size_t width, std::size_t height) {
+  if (width == stride) return convert(source, target, width * height);
+  plain_.use(*this);
+  for (std::size_t y = 0; y < height; ++y) {
+    plain_.convert(source + y * stride, target + y * width, width, table_.data());
+  }
 }
 
 void DepthConverter::convert_packed(const std::uint16_t* source, std::uint16_t* target,
                                     std::size_t count) {
-  apply(packed_, true, source, target, count);
+  packed_.use(*this);
+  packed_.convert(source, target, count, table_.data());
 }
 
 }  // namespace filterprocessor

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <vector>
 
+#include "common/zeroed_buffer.h"
 #include "kernels/disparity/depth_lookup.h"
 #include "kernels/disparity/depth_table.h"
 #include "kernels/kernel_set.h"
@@ -16,18 +16,23 @@ namespace filterprocessor {
 /// A table of depth by disparity code, and the quickest way to apply it.
 class DepthConverter {
  public:
-  /// `size` entries of 0.
-  explicit DepthConverter(std::size_t size);
-  /// `size` is at most kMaxDepthTable.
+  DepthConverter() = default;
+  /// `size` entries of 0, at most kMaxDepthTable. Like the others without a table when there is no memory.
+  explicit DepthConverter(std::size_t size, const KernelSet& kernels = active_kernels());
   DepthConverter(const StereoRule& rule, std::size_t size, const KernelSet& kernels = active_kernels());
   DepthConverter(const MonoRule& rule, std::size_t size, const KernelSet& kernels = active_kernels());
 
+  bool has_table() const { return table_.data() != nullptr; }
   std::span<const std::uint16_t> entries() const { return {table_.data(), size_}; }
-  /// Makes code 0 stand for depth 0.
-  void clear_first_entry();
+  /// A copy in which code 0 stands for depth 0.
+  DepthConverter with_first_entry_cleared() const;
 
-  /// target = table[source] for `count` pixels; codes past the table give 0.
+  /// target = table[source] for `count` pixels; codes past the table give 0. The target may be the source
+  /// itself.
   void convert(const std::uint16_t* source, std::uint16_t* target, std::size_t count);
+  /// The same for an image of `width` x `height` pixels out of a wider one, whose rows are `stride` apart.
+  void convert(const std::uint16_t* source, std::size_t stride, std::uint16_t* target, std::size_t width,
+               std::size_t height);
   /// The same for pixels whose high 12 bits hold the code and whose low 4 bits are carried through.
   void convert_packed(const std::uint16_t* source, std::uint16_t* target, std::size_t count);
 
@@ -37,29 +42,32 @@ class DepthConverter {
 
  private:
   /// The rule as numerator / (code + offset), before rounding to 32-bit float.
-  struct Shape {
+  struct ExactQuotient {
     double numerator = 0;
     double offset = 0;
     bool signed_14_bit = false;
   };
-  /// What is known about computing instead of loading. A table may serve one frame only, so the question
-  /// is put at its second use.
-  struct Shortcut {
+  /// One format of codes. A table may serve one image only, so whether computing gives its entries is asked
+  /// at its second use.
+  struct Format {
+    DepthLookupKernels::Load* load = nullptr;
+    DepthLookupKernels::Compute* compute = nullptr;
+    bool packed = false;
     int uses = 0;
-    std::optional<DepthQuotient> quotient;
+    std::optional<DepthQuotient> quotient = {};
+
+    void use(const DepthConverter& converter);
+    void convert(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
+                 const std::uint16_t* table) const;
   };
-  using Compute = DepthLookupKernels::Compute*;
 
-  std::optional<DepthQuotient> find_quotient(Compute compute, bool packed) const;
-  void apply(Shortcut& shortcut, bool packed, const std::uint16_t* source, std::uint16_t* target,
-             std::size_t count);
+  std::optional<DepthQuotient> find_quotient(const Format& format) const;
 
-  const KernelSet* kernels_;
-  std::size_t size_;
-  std::vector<std::uint16_t> table_;  ///< padded, so that every code of 16 bits has an entry
-  std::optional<Shape> shape_;
-  Shortcut plain_;
-  Shortcut packed_;
+  std::size_t size_ = 0;
+  ZeroedBuffer<std::uint16_t> table_;  ///< padded, so that every code of 16 bits has an entry
+  std::optional<ExactQuotient> exact_;
+  Format plain_;
+  Format packed_;
 };
 
 }  // namespace filterprocessor

@@ -1,11 +1,11 @@
 #include "filters/depth_resize.h"
 
-#include <iostream>
 #include <limits>
 
 #include "common/saturate.h"
 #include "framework/config_values.h"
 #include "framework/frame_process.h"
+#include "framework/printed.h"
 #include "kernels/kernel_set.h"
 
 namespace filterprocessor {
@@ -56,18 +56,21 @@ void DepthResize::update_filter_config(std::size_t argc, const char** argv, zv_e
 }
 
 zv_frame_t* DepthResize::filter_process(const zv_frame_t* frame, zv_error** error) {
-  return process_frame(frame, error, [this](const FrameProcess& host) {
+  return process_frame(frame, error, [this](FrameProcess& host) -> FrameHandle {
     const zv_frame_t* depth = host.depth();
     const std::uint32_t width = host.call(zv_video_frame_get_width, depth);
     const std::uint32_t height = host.call(zv_video_frame_get_height, depth);
+    if (host.failed()) return nullptr;
     const TargetSize target = target_size(width, height, process_param);
     if (static_cast<std::uint64_t>(target.width) != dst_width ||
         static_cast<std::uint64_t>(target.height) != dst_height) {
       host.fail("incorrect config schema", "filter_process", "DepthResize");
+      return nullptr;
     }
     const std::uint64_t bytes = dst_width * dst_height * sizeof(std::uint16_t);
     if (bytes > std::numeric_limits<std::uint32_t>::max()) {
       host.fail("depth resize error", "filter_process", "DepthResize", ZV_EXCEPTION_KERNEL);
+      return nullptr;
     }
     const auto size = static_cast<std::uint32_t>(bytes);
     const std::int32_t format = host.call(zv_frame_get_format, depth);
@@ -75,9 +78,11 @@ zv_frame_t* DepthResize::filter_process(const zv_frame_t* frame, zv_error** erro
     host.call(zv_frame_copy_info, depth, output.get());
     const std::uint16_t* source = host.pixels(depth, width, height);
     std::uint16_t* pixels = host.pixels(output.get(), dst_width, dst_height);
+    if (host.failed()) return nullptr;
     if (depthProcess(source, static_cast<std::int32_t>(width), static_cast<std::int32_t>(height),
                      process_param, pixels, target.width, target.height) != 0) {
       host.fail_kernel(std::move(output), "depth resize error", "DepthResize");
+      return nullptr;
     }
 
     ProfileHandle profile = host.copy_profile_of(depth);
@@ -108,14 +113,14 @@ void DepthResize::reset_filter(zv_error**) {
 }
 
 void DepthResize::print_key_params() {
-  std::cout << "dst_width:     " << dst_width << '\n'
+  Printed() << "dst_width:     " << dst_width << '\n'
             << "dst_height:    " << dst_height << '\n'
             << "process_param: " << '\n'
             << "scale:         " << process_param.scale << '\n'
             << "ex_top:        " << process_param.ex_top << '\n'
             << "ex_bottom:     " << process_param.ex_bottom << '\n'
             << "ex_left:       " << process_param.ex_left << '\n'
-            << "ex_right:      " << process_param.ex_right << std::endl;
+            << "ex_right:      " << process_param.ex_right << '\n';
 }
 
 }  // namespace filterprocessor

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <iostream>
+#include <optional>
 
 #include "framework/config_values.h"
 #include "framework/frame_info.h"
 #include "framework/frame_process.h"
-#include "filters/depth_converter.h"
+#include "framework/printed.h"
 
 namespace filterprocessor {
 
@@ -29,36 +29,13 @@ std::uint32_t bits_for(float largest_depth) {
 
 }  // namespace
 
-struct DisparityFilter::TableKey {
-  ZVDisparityParam params = {};
-  std::uint32_t max_depth = 0;
-  std::uint32_t min_depth = 0;
-  float inverse_depth_unit = 0;
-  float metadata_offset = 0;
-  double scale = 0;
-  double disparity_end = 0;
-  double depth_end = 0;
-
-  bool same_bits(const TableKey& other) const {
-    const auto bits = [](const auto& a, const auto& b) { return std::memcmp(&a, &b, sizeof a) == 0; };
-    return bits(params, other.params) && max_depth == other.max_depth && min_depth == other.min_depth &&
-           bits(inverse_depth_unit, other.inverse_depth_unit) &&
-           bits(metadata_offset, other.metadata_offset) && bits(scale, other.scale) &&
-           bits(disparity_end, other.disparity_end) && bits(depth_end, other.depth_end);
-  }
-};
-
-struct DisparityFilter::KeptTable {
-  TableKey key;
-  std::shared_ptr<DepthConverter> table;
-};
-
-DisparityFilter::DisparityFilter(std::uint32_t initial_max_depth, std::uint32_t initial_min_depth)
-    : max_depth(initial_max_depth),
-      min_depth(initial_min_depth),
-      kept_(std::make_unique<std::array<KeptTable, 3>>()) {}
-
-DisparityFilter::~DisparityFilter() = default;
+bool DisparityFilter::TableKey::same_bits(const TableKey& other) const {
+  const auto bits = [](const auto& a, const auto& b) { return std::memcmp(&a, &b, sizeof a) == 0; };
+  return bits(params, other.params) && max_depth == other.max_depth && min_depth == other.min_depth &&
+         bits(inverse_depth_unit, other.inverse_depth_unit) &&
+         bits(metadata_offset, other.metadata_offset) && bits(scale, other.scale) &&
+         bits(disparity_end, other.disparity_end) && bits(depth_end, other.depth_end);
+}
 
 void DisparityFilter::update_depth_limits(const ConfigValues& values) {
   const std::int32_t max = values.integer(0);
@@ -89,20 +66,31 @@ void DisparityFilter::calculate_d2d_lookup_table(zv_error** error) {
   lutSize = 1u << std::min<unsigned>(lastParams.bitSize, 16);
   d2dLut = nullptr;
   init_lookup_table(error);
-  if (!d2dLut) d2dLut = std::make_shared<DepthConverter>(lutSize);
+  if (d2dLut == nullptr) {
+    changed_ = DepthConverter(lutSize);
+    d2dLut = &changed_;
+  }
+  if (!d2dLut->has_table()) d2dLut = nullptr;
+}
+
+void DisparityFilter::rebuild(FrameProcess& host) {
+  calculate_d2d_lookup_table(host.slot());
+  host.test();
+  if (d2dLut == nullptr) host.fail_without_memory();
 }
 
 template <typename Rule>
 void DisparityFilter::use_table(const Rule& rule, const TableKey& key) {
-  for (const KeptTable& kept : *kept_) {
-    if (kept.table && kept.key.same_bits(key)) {
-      d2dLut = kept.table;
+  for (KeptTable& kept : kept_) {
+    if (kept.table.has_table() && kept.key.same_bits(key)) {
+      d2dLut = &kept.table;
       return;
     }
   }
-  d2dLut = std::make_shared<DepthConverter>(rule, lutSize);
-  (*kept_)[next_kept_] = {key, d2dLut};
-  next_kept_ = (next_kept_ + 1) % kept_->size();
+  KeptTable& next = kept_[next_kept_];
+  next = {key, DepthConverter(rule, lutSize)};
+  d2dLut = &next.table;
+  next_kept_ = (next_kept_ + 1) % kept_.size();
 }
 
 void DisparityFilter::use_stereo_rule(CodeLayout layout, double scale, double disparity_end,
@@ -152,54 +140,43 @@ bool DisparityFilter::use_mono_rule() {
   return true;
 }
 
-void DisparityFilter::update_profile_cache(const FrameProcess& host) {
-  const zv_frame_t* depth = host.depth();
+void DisparityFilter::update_profile_cache(FrameProcess& host) {
+  const auto available_bits = [&] {
+    return host.call(zv_video_frame_get_pixel_available_bit_size, host.depth());
+  };
+  std::uint8_t bits = 0;
   if (!cachedProfile) {
-    cachedProfile = host.profile_of(depth);
-    cachedBitSize = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
-    return;
+    cachedProfile.fetch(host);
+    bits = available_bits();
+  } else {
+    const bool fits = cachedProfile.fits(host);
+    bits = available_bits();
+    if (fits && bits == cachedBitSize) return;
+    cachedProfile.fetch(host);
   }
-  const std::uint32_t width = host.call(zv_video_frame_get_width, depth);
-  const std::uint32_t height = host.call(zv_video_frame_get_height, depth);
-  const std::int32_t format = host.call(zv_frame_get_format, depth);
-  const zv_stream_profile_t* cached = cachedProfile.get();
-  const std::uint32_t cached_width = host.call(zv_video_stream_profile_get_width, cached);
-  const std::uint32_t cached_height = host.call(zv_video_stream_profile_get_height, cached);
-  const std::int32_t cached_format = host.call(zv_stream_profile_get_format, cached);
-  const std::uint8_t bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
-  if (width == cached_width && height == cached_height && format == cached_format &&
-      bits == cachedBitSize) {
-    return;
-  }
-  host.release(std::move(cachedProfile));
-  cachedProfile = host.profile_of(depth);
-  cachedBitSize = bits;
+  if (!host.failed()) cachedBitSize = bits;
 }
 
 zv_frame_t* DisparityFilter::filter_process(const zv_frame_t* frame, zv_error** error) {
-  return process_frame(frame, error, [this](const FrameProcess& host) {
+  return process_frame(frame, error, [this](FrameProcess& host) -> FrameHandle {
     const zv_frame_t* depth = host.depth();
     const std::int32_t format = host.call(zv_frame_get_format, depth);
     if (host.call(zv_video_frame_get_pixel_type, depth) != ZV_PIXEL_TYPE_DISPARITY)
       return host.deliver_copy();
     update_profile_cache(host);
     const ZVDisparityParam params = host.disparity_params(cachedProfile.get());
-    constexpr std::int32_t kItem = ZV_METADATA_DISPARITY_CORRECTION;
-    metadataDispOffset = host.call(zv_frame_has_metadata, depth, kItem)
-                             ? static_cast<float>(host.call(zv_frame_get_metadata_value, depth, kItem))
-                             : 0.0f;
+    const std::optional<std::int64_t> correction = host.disparity_correction(depth);
+    if (host.failed()) return nullptr;
+    metadataDispOffset = static_cast<float>(correction.value_or(0));
 
     const std::lock_guard lock(lock_);
     // A reset drops the table and leaves the parameters, so a missing table is rebuilt without a change.
-    if (check_d2d_params_changed(params) || !d2dLut) {
-      calculate_d2d_lookup_table(host.slot());
-      host.test();
-    }
-    return convert(host, format);
+    if (check_d2d_params_changed(params) || d2dLut == nullptr) rebuild(host);
+    return host.failed() ? nullptr : convert(host, format);
   });
 }
 
-zv_frame_t* DisparityFilter::convert_at_same_size(const FrameProcess& host, bool packed) {
+FrameHandle DisparityFilter::convert_at_same_size(FrameProcess& host, bool packed) {
   const zv_frame_t* depth = host.depth();
   const std::uint32_t count = host.call(zv_frame_get_data_size, depth) / 2;
   const std::uint8_t bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
@@ -208,6 +185,7 @@ zv_frame_t* DisparityFilter::convert_at_same_size(const FrameProcess& host, bool
   const std::uint16_t* source = host.described_pixels(depth, count);
   std::uint16_t* target = host.pixels(output.get(), count, 1);
   match_bit_size(host, bits);
+  if (host.failed()) return nullptr;
   if (packed) {
     d2dLut->convert_packed(source, target, count);
   } else {
@@ -217,20 +195,22 @@ zv_frame_t* DisparityFilter::convert_at_same_size(const FrameProcess& host, bool
   return host.deliver(std::move(output));
 }
 
-void DisparityFilter::match_bit_size(const FrameProcess& host, std::uint8_t available_bits) {
-  if (available_bits == lastParams.bitSize) return;
+void DisparityFilter::match_bit_size(FrameProcess& host, std::uint8_t available_bits) {
+  if (host.failed() || available_bits == lastParams.bitSize) return;
   lastParams.bitSize = available_bits;
-  calculate_d2d_lookup_table(host.slot());
-  host.test();
+  rebuild(host);
 }
 
-void DisparityFilter::clear_first_entry() {
-  if (d2dLut->entries()[0] == 0) return;
-  d2dLut = std::make_shared<DepthConverter>(*d2dLut);
-  d2dLut->clear_first_entry();
+bool DisparityFilter::clear_first_entry() {
+  if (d2dLut->entries()[0] == 0) return true;
+  DepthConverter cleared = d2dLut->with_first_entry_cleared();
+  if (!cleared.has_table()) return false;
+  changed_ = std::move(cleared);
+  d2dLut = &changed_;
+  return true;
 }
 
-void DisparityFilter::set_depth_attributes(const FrameProcess& host, zv_frame_t* output) const {
+void DisparityFilter::set_depth_attributes(FrameProcess& host, zv_frame_t* output) const {
   host.call(zv_video_frame_set_pixel_available_bit_size, output,
             static_cast<std::uint8_t>(outputBitSize));
   host.call(zv_depth_frame_set_value_scale, output, 1.0f / inverseDepthUnit);
@@ -239,7 +219,8 @@ void DisparityFilter::set_depth_attributes(const FrameProcess& host, zv_frame_t*
 void DisparityFilter::reset_filter(zv_error**) {
   const std::lock_guard lock(lock_);
   d2dLut = nullptr;
-  kept_->fill({});
+  kept_ = {};
+  changed_ = {};
 }
 
 void DisparityFilter::print_key_params() {
@@ -249,7 +230,7 @@ void DisparityFilter::print_key_params() {
     return lastParams;
   }();
   const auto raw = [](std::uint8_t byte) { return static_cast<char>(byte); };
-  std::cout << "d2dParameters: \n"
+  Printed() << "d2dParameters: \n"
             << "baseline:      " << float{p.baseline} << '\n'
             << "bitSize:       " << raw(p.bitSize) << '\n'
             << "dispIntPlace:  " << std::int32_t{p.dispIntPlace} << '\n'
@@ -261,7 +242,7 @@ void DisparityFilter::print_key_params() {
             << "packMode:      " << raw(p.packMode) << '\n'
             << "unit:          " << float{p.unit} << '\n'
             << "zpd:           " << double{p.zpd} << '\n'
-            << "zpps:          " << double{p.zpps} << std::endl;
+            << "zpps:          " << double{p.zpps} << '\n';
 }
 
 }  // namespace filterprocessor

@@ -3,17 +3,15 @@
 
 #include <array>
 #include <atomic>
-#include <memory>
 #include <mutex>
 
-#include "framework/host_handles.h"
+#include "filters/depth_converter.h"
 #include "framework/priv_filter.h"
+#include "framework/profile_cache.h"
 
 namespace filterprocessor {
 
 class ConfigValues;
-enum class CodeLayout;
-class DepthConverter;
 class FrameProcess;
 
 /// What the two filters that turn disparity into depth share: the conversion state, the decision when the
@@ -27,19 +25,23 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
   void print_key_params() final;
 
  protected:
-  DisparityFilter(std::uint32_t initial_max_depth, std::uint32_t initial_min_depth);
-  ~DisparityFilter();
+  DisparityFilter(std::uint32_t initial_max_depth, std::uint32_t initial_min_depth)
+      : max_depth(initial_max_depth), min_depth(initial_min_depth) {}
+  ~DisparityFilter() = default;
 
   /// True when a rebuild is due; `params` is then stored and what follows from the limits recomputed.
   bool check_d2d_params_changed(ZVDisparityParam params);
   /// Rebuilds the table from the stored parameters. A rule's error is stored in `*error`, which must not
-  /// be null; the table is then all zero.
+  /// be null; the table is then all zero. Without memory there is no table.
   void calculate_d2d_lookup_table(zv_error** error);
 
   /// Converts the depth frame to what the caller gets. Called with the lock held.
-  virtual zv_frame_t* convert(const FrameProcess& host, std::int32_t format) = 0;
+  virtual FrameHandle convert(FrameProcess& host, std::int32_t format) = 0;
   /// Fills a table of `lutSize` entries by the filter's rule and makes it the current one.
   virtual void init_lookup_table(zv_error** error) = 0;
+
+  /// The lock that a frame holds from the look at the parameters on.
+  std::unique_lock<std::recursive_mutex> hold() { return std::unique_lock(lock_); }
 
   /// Takes max_depth, min_depth and depth_uint from the first three values, or silently ignores them.
   void update_depth_limits(const ConfigValues& values);
@@ -52,25 +54,41 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
 
   /// Converts every pixel. `packed`: the code stands in the high 12 bits and the low 4 are carried
   /// through.
-  zv_frame_t* convert_at_same_size(const FrameProcess& host, bool packed);
+  FrameHandle convert_at_same_size(FrameProcess& host, bool packed);
   /// Rebuilds the table for the frame's available bit size if the stored one differs.
-  void match_bit_size(const FrameProcess& host, std::uint8_t available_bits);
+  void match_bit_size(FrameProcess& host, std::uint8_t available_bits);
   /// The current table, if there is one; there is inside convert().
-  const DepthConverter* d2d_lut() const { return d2dLut.get(); }
+  DepthConverter* d2d_lut() const { return d2dLut; }
   /// Makes code 0 stand for depth 0 until the next rebuild. Kept tables stay as they are.
-  void clear_first_entry();
+  /// @return false without memory, with nothing changed
+  bool clear_first_entry();
   /// Describes a converted frame: bit size and value scale.
-  void set_depth_attributes(const FrameProcess& host, zv_frame_t* output) const;
+  void set_depth_attributes(FrameProcess& host, zv_frame_t* output) const;
 
   const ZVDisparityParam& last_params() const { return lastParams; }
   const zv_stream_profile_t* cached_profile() const { return cachedProfile.get(); }
 
  private:
   /// Everything that enters a table, compared bit by bit.
-  struct TableKey;
-  struct KeptTable;
+  struct TableKey {
+    ZVDisparityParam params = {};
+    std::uint32_t max_depth = 0;
+    std::uint32_t min_depth = 0;
+    float inverse_depth_unit = 0;
+    float metadata_offset = 0;
+    double scale = 0;
+    double disparity_end = 0;
+    double depth_end = 0;
 
-  void update_profile_cache(const FrameProcess& host);
+    bool same_bits(const TableKey& other) const;
+  };
+  struct KeptTable {
+    TableKey key;
+    DepthConverter table;
+  };
+
+  void update_profile_cache(FrameProcess& host);
+  void rebuild(FrameProcess& host);
   template <typename Rule>
   void use_table(const Rule& rule, const TableKey& key);
 
@@ -82,15 +100,16 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
   bool paramsDirty = false;
   std::uint32_t outputBitSize = 0;
   std::uint32_t lutSize = 0;
-  std::shared_ptr<DepthConverter> d2dLut;
+  DepthConverter* d2dLut = nullptr;  // one of the tables below
   ZVDisparityParam lastParams = {};
 
   // A frame whose bit size differs from its profile's rebuilds twice, so the last few tables are kept.
-  std::unique_ptr<std::array<KeptTable, 3>> kept_;
+  std::array<KeptTable, 3> kept_;
+  DepthConverter changed_;  // all zero after a failed rule, or a kept one with its first entry cleared
   std::size_t next_kept_ = 0;
 
   std::atomic<float> metadataDispOffset = 0.0f;  // written before the lock is taken
-  ProfileHandle cachedProfile;                   // used by the processing thread alone
+  ProfileCache cachedProfile;                    // used by the processing thread alone
   std::uint8_t cachedBitSize = 0;
 };
 

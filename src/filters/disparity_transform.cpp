@@ -52,7 +52,7 @@ void DisparityTransform::mono_camera_init_lookup_table(zv_error** error) {
                "mono_camera_init_lookup_table");
 }
 
-zv_frame_t* DisparityTransform::convert(const FrameProcess& host, std::int32_t format) {
+FrameHandle DisparityTransform::convert(FrameProcess& host, std::int32_t format) {
   return convert_at_same_size(host, format == ZV_FORMAT_PACKED_CODE);
 }
 

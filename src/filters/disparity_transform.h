@@ -15,7 +15,7 @@ class FILTERPROCESSOR_API DisparityTransform : public DisparityFilter {
   void update_filter_config(std::size_t argc, const char** argv, zv_error** error) override;
 
  private:
-  zv_frame_t* convert(const FrameProcess& host, std::int32_t format) override;
+  FrameHandle convert(FrameProcess& host, std::int32_t format) override;
   void init_lookup_table(zv_error** error) override;
   void stereo_camera_init_lookup_table(zv_error** error);
   void mono_camera_init_lookup_table(zv_error** error);

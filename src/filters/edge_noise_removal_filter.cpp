@@ -1,12 +1,11 @@
 #include "filters/edge_noise_removal_filter.h"
 
-#include <iostream>
-
 #include "common/saturate.h"
 #include "filterprocessor/margin.h"
 #include "filters/size_ratio.h"
 #include "framework/config_values.h"
 #include "framework/frame_process.h"
+#include "framework/printed.h"
 
 namespace filterprocessor {
 
@@ -50,9 +49,11 @@ bool EdgeNoiseRemovalFilter::check_frame_info_changed(std::uint32_t width, std::
 }
 
 zv_frame_t* EdgeNoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_error** error) {
-  return process_frame(frame, error, [this](const FrameProcess& host) {
+  return process_frame(frame, error, [this](FrameProcess& host) -> FrameHandle {
     const std::uint32_t width = host.call(zv_video_frame_get_width, host.depth());
     const std::uint32_t height = host.call(zv_video_frame_get_height, host.depth());
+
+    if (host.failed()) return nullptr;
 
     const std::lock_guard lock(lock_);
     if (paramsDirty || check_frame_info_changed(width, height)) {
@@ -63,6 +64,7 @@ zv_frame_t* EdgeNoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_e
 
     FrameHandle output = host.create_like(host.depth(), true);
     std::uint16_t* pixels = host.pixels(output.get(), width, height);
+    if (host.failed()) return nullptr;
     // The working size holds as many pixels as the frame even where it lies across it.
     const auto number = [](std::uint32_t value) { return static_cast<std::int32_t>(value); };
     const std::int32_t status =
@@ -110,17 +112,17 @@ void EdgeNoiseRemovalFilter::reset_filter(zv_error**) {
 }
 
 void EdgeNoiseRemovalFilter::print_key_params() {
-  const auto print = [](const char* heading, const Parameters& p) {
-    std::cout << heading << std::endl
-              << "enable_direction: " << int{p.enable_vertical_direction} << '\n'
-              << "limit_x_th:       " << p.limit_x_th << '\n'
-              << "limit_y_th:       " << p.limit_y_th << '\n'
-              << "margin_x_th:      " << p.margin_x_th << '\n'
-              << "margin_y_th:      " << p.margin_y_th << '\n';
+  Printed out;
+  const auto print = [&out](const char* heading, const Parameters& p) {
+    out << heading << '\n'
+        << "enable_direction: " << int{p.enable_vertical_direction} << '\n'
+        << "limit_x_th:       " << p.limit_x_th << '\n'
+        << "limit_y_th:       " << p.limit_y_th << '\n'
+        << "margin_x_th:      " << p.margin_x_th << '\n'
+        << "margin_y_th:      " << p.margin_y_th << '\n';
   };
   print("anchor_params: ", user);
   print("current_filter_params: ", working);
-  std::cout.flush();
 }
 
 }  // namespace filterprocessor

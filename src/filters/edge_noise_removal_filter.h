@@ -12,7 +12,7 @@ namespace filterprocessor {
 class FILTERPROCESSOR_API EdgeNoiseRemovalFilter : public IPrivFilter {
  public:
   /// All in pixels of a `width` x `height` image.
-  struct Parameters {
+  struct [[gnu::packed]] Parameters {
     std::uint32_t margin_x_th = 6;  ///< pixels to clear in a row
     std::uint32_t margin_y_th = 6;  ///< pixels to clear in a column
     std::uint32_t limit_x_th = 70;  ///< how far from a border the valid area may begin for that

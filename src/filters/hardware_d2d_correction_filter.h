@@ -1,8 +1,8 @@
 #ifndef FILTERPROCESSOR_FILTERS_HARDWARE_D2D_CORRECTION_FILTER_H
 #define FILTERPROCESSOR_FILTERS_HARDWARE_D2D_CORRECTION_FILTER_H
 
-#include "framework/host_handles.h"
 #include "framework/priv_filter.h"
+#include "framework/profile_cache.h"
 
 namespace filterprocessor {
 
@@ -21,7 +21,7 @@ class FILTERPROCESSOR_API HardwareD2DCorrectionFilter : public IPrivFilter {
   double correctionInvalidDepth = 0.0;
   double correctionFb = 0.0;
   bool correctionDirty = false;
-  ProfileHandle cachedProfile;
+  ProfileCache cachedProfile;
 };
 
 }  // namespace filterprocessor

@@ -1,11 +1,12 @@
 #include "filters/hole_filling_filter.h"
 
-#include <iostream>
+#include <iterator>
 #include <optional>
 
 #include "filterprocessor/hole_filling.h"
 #include "framework/config_values.h"
 #include "framework/frame_process.h"
+#include "framework/printed.h"
 
 namespace filterprocessor {
 
@@ -42,13 +43,14 @@ void HoleFillingFilter::update_filter_config(std::size_t argc, const char** argv
 }
 
 zv_frame_t* HoleFillingFilter::filter_process(const zv_frame_t* frame, zv_error** error) {
-  return process_frame(frame, error, [this](const FrameProcess& host) {
+  return process_frame(frame, error, [this](FrameProcess& host) -> FrameHandle {
     const std::uint32_t width = host.call(zv_video_frame_get_width, host.depth());
     const std::uint32_t height = host.call(zv_video_frame_get_height, host.depth());
     host.call(zv_frame_get_format, host.depth());
     const std::int32_t pixel_type = host.call(zv_video_frame_get_pixel_type, host.depth());
     FrameHandle output = host.create_like(host.depth(), true);
     std::uint16_t* pixels = host.pixels(output.get(), width, height);
+    if (host.failed()) return nullptr;
 
     if (const auto mode = kernel_mode(hole_filling_mode, pixel_type)) {
       if (depth_api_hole_filling_filter(pixels, static_cast<std::int32_t>(width), height, *mode) != 0) {
@@ -67,18 +69,9 @@ zv_frame_t* HoleFillingFilter::filter_process(const zv_frame_t* frame, zv_error*
 void HoleFillingFilter::reset_filter(zv_error**) { hole_filling_mode = 0; }
 
 void HoleFillingFilter::print_key_params() {
-  switch (hole_filling_mode) {
-    case 0:
-      std::cout << "hole filling mode: top" << std::endl;
-      break;
-    case 1:
-      std::cout << "hole filling mode: nearest" << std::endl;
-      break;
-    case 2:
-      std::cout << "hole filling mode: farest" << std::endl;
-      break;
-    default:
-      break;
+  constexpr const char* kModes[] = {"top", "nearest", "farest"};
+  if (hole_filling_mode < std::size(kModes)) {
+    Printed() << "hole filling mode: " << kModes[hole_filling_mode] << '\n';
   }
 }
 

@@ -1,6 +1,5 @@
 #include "filters/noise_removal_filter.h"
 
-#include <iostream>
 #include <optional>
 
 #include "common/saturate.h"
@@ -9,6 +8,7 @@
 #include "framework/config_values.h"
 #include "framework/frame_info.h"
 #include "framework/frame_process.h"
+#include "framework/printed.h"
 
 namespace filterprocessor {
 
@@ -66,7 +66,7 @@ bool NoiseRemovalFilter::check_frame_info_changed(const FrameInfoInner& info) co
 }
 
 zv_frame_t* NoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_error** error) {
-  return process_frame(frame, error, [this](const FrameProcess& host) {
+  return process_frame(frame, error, [this](FrameProcess& host) -> FrameHandle {
     const zv_frame_t* depth = host.depth();
     host.call(zv_frame_get_format, depth);
     const std::int32_t pixel_type = host.call(zv_video_frame_get_pixel_type, depth);
@@ -79,8 +79,9 @@ zv_frame_t* NoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_error
     if (pixel_type != ZV_PIXEL_TYPE_LINEAR_DEPTH) {
       disparity = host.disparity_params(profile.get());
       available_bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
-      update_anchor_fraction_bitsize(8);
+      if (!host.failed()) update_anchor_fraction_bitsize(8);
     }
+    if (host.failed()) return nullptr;
 
     const std::lock_guard lock(lock_);
     current_frame_info.depth_flag = pixel_type;
@@ -90,15 +91,15 @@ zv_frame_t* NoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_error
     if (disparity) {
       take_geometry(current_frame_info, *disparity, available_bits);
     }
-    configure(current_frame_info, host.slot());
-    host.test();
+    configure(current_frame_info, host);
 
     FrameHandle output = host.create_like(depth, true);
     std::uint16_t* pixels = host.pixels(output.get(), width, height);
+    if (host.failed()) return nullptr;
     int status = -1;
-    // A failed configuration is not tried again for the same kind of frame and can leave no buffer, or an
-    // older one.
-    if (buffer.fits(width, height)) {
+    // A failed configuration is not tried again for the same kind of frame. It can leave no buffer, or an
+    // older one, which serves if it is large enough.
+    if (buffer.holds(width, height)) {
       const bool is_disparity = pixel_type == ZV_PIXEL_TYPE_DISPARITY;
       const std::uint16_t invalid = is_disparity
                                         ? invalid_code(disparity->packMode, disparity->isDualCamera != 0)
@@ -110,6 +111,7 @@ zv_frame_t* NoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_error
                                     table_size, working.min_diff, working.max_size, 4, 4, invalid, 1);
     }
     host.release(std::move(profile));
+    if (host.failed()) return nullptr;
     if (status != 0) {
       host.fail_kernel(std::move(output), "noise removal filter error", "NoiseRemovalFilter");
     }
@@ -117,13 +119,16 @@ zv_frame_t* NoiseRemovalFilter::filter_process(const zv_frame_t* frame, zv_error
   });
 }
 
-void NoiseRemovalFilter::configure(const FrameInfoInner& info, zv_error** error) {
+void NoiseRemovalFilter::configure(const FrameInfoInner& info, HostCalls& host) {
   const bool changed = check_frame_info_changed(info);
   if (changed) last_frame_info = info;
   if (!changed && !config_changed) return;
-  config_changed = true;  // stays so when memory runs out, and the next frame tries again
-  updateConfig(info, error);
   config_changed = false;
+  updateConfig(info, host.slot());
+  host.test();
+  if (host.failed() || buffer.holds(info.width, info.height)) return;
+  config_changed = true;  // the next frame tries again
+  host.fail_without_memory();
 }
 
 void NoiseRemovalFilter::updateConfig(const FrameInfoInner& info, zv_error** error) {
@@ -139,7 +144,7 @@ void NoiseRemovalFilter::updateConfig(const FrameInfoInner& info, zv_error** err
     return refuse("frame_info.depth_unit");
   }
   // One byte more than the kernels need, for any that flags one region a pixel from label 1 on.
-  buffer.fit(info.width, info.height, 9, 1);
+  if (!buffer.fit(info.width, info.height, 9, 1)) return;
 
   const SizeRatio ratio(info.width, info.height, anchor.width, anchor.height);
   if (ratio.too_small()) return refuse("frame_info.width||frame_info.height");
@@ -168,20 +173,21 @@ void NoiseRemovalFilter::reset_filter(zv_error**) {
 }
 
 void NoiseRemovalFilter::print_key_params() {
-  const auto print = [](const char* heading, const Parameters& p) {
-    std::cout << heading << std::endl
-              << "width:    " << p.width << '\n'
-              << "height:   " << p.height << '\n'
-              << "max_size: " << p.max_size << '\n'
-              << "min_diff: " << p.min_diff << '\n';
+  Printed out;
+  const auto print = [&out](const char* heading, const Parameters& p) {
+    out << heading << '\n'
+        << "width:    " << p.width << '\n'
+        << "height:   " << p.height << '\n'
+        << "max_size: " << p.max_size << '\n'
+        << "min_diff: " << p.min_diff << '\n';
   };
   print("anchor_params: ", anchor);
   print("current_filter_params: ", working);
   // The 8-bit values go out as raw characters: readers of this print know them so.
-  print_frame_info<unsigned char>(current_frame_info);
-  std::cout << "depth_diff_lut: " << std::endl;
-  for (const std::uint16_t entry : table.entries) std::cout << entry << ' ';
-  std::cout << '\n' << "depth_shift: " << table.shift << std::endl;
+  print_frame_info<unsigned char>(out, current_frame_info);
+  out << "depth_diff_lut: \n";
+  for (const std::uint16_t entry : table.entries) out << entry << ' ';
+  out << '\n' << "depth_shift: " << table.shift << '\n';
 }
 
 }  // namespace filterprocessor

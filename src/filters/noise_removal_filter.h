@@ -9,6 +9,8 @@
 
 namespace filterprocessor {
 
+class HostCalls;
+
 /// Removes speckles: small regions cut off from their surroundings by jumps in value. The parameters are
 /// given for an anchor resolution and rescaled to each frame's.
 class FILTERPROCESSOR_API NoiseRemovalFilter : public IPrivFilter {
@@ -25,7 +27,8 @@ class FILTERPROCESSOR_API NoiseRemovalFilter : public IPrivFilter {
   /// Whether the configuration was last applied for another kind of frame.
   bool check_frame_info_changed(const FrameInfoInner& info) const;
   /// Computes the working parameters, the work buffer and the table for frames like `info`. A failure is
-  /// stored in `*error`, which must not be null, and leaves what was computed before it.
+  /// stored in `*error`, which must not be null, and leaves what was computed before it; want of memory
+  /// leaves no buffer, and no error.
   void updateConfig(const FrameInfoInner& info, zv_error** error);
   /// 0, or 1 when the frame's unit or geometry gives no table.
   int updateDepthDiffLut(const FrameInfoInner& info);
@@ -41,7 +44,7 @@ class FILTERPROCESSOR_API NoiseRemovalFilter : public IPrivFilter {
     bool operator==(const Parameters&) const = default;
   };
 
-  void configure(const FrameInfoInner& info, zv_error** error);
+  void configure(const FrameInfoInner& info, HostCalls& host);
 
   std::recursive_mutex lock_;
   bool config_changed = false;

@@ -1,12 +1,14 @@
 #include "filters/open_ni_disparity_transform.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
+#include "common/saturate.h"
+#include "common/scale_step.h"
+#include "filters/depth_converter.h"
 #include "framework/config_values.h"
 #include "framework/frame_process.h"
-#include "filters/depth_converter.h"
-#include "kernels/disparity/depth_sampling.h"
 
 namespace filterprocessor {
 
@@ -23,6 +25,24 @@ float principal_point_shift(std::int32_t width, std::int32_t height) {
     if (mode.width == width && mode.height == height) return mode.shift;
   }
   return 0.0f;
+}
+
+/// An axis of the sampled frame: the source from position `cut` on, but 0 in the `border` positions at
+/// either end.
+ResizeAxis sampled_axis(std::uint32_t source_size, std::int32_t target_size, float scale,
+                        std::int32_t cut, std::int32_t border) {
+  const std::int32_t scaled = saturate<std::int32_t>(scale * static_cast<float>(source_size));
+  const std::int64_t end =
+      std::min<std::int64_t>(std::min(target_size, scaled), std::int64_t{target_size} - border);
+  const auto filled = static_cast<std::size_t>(std::max<std::int64_t>(end, 0));
+  const std::size_t first = std::min(static_cast<std::size_t>(std::max(border, 0)), filled);
+  const std::uint32_t step = scale_step(scale);
+  return {.source_size = source_size,
+          .target_size = static_cast<std::size_t>(target_size),
+          .first = first,
+          .end = filled,
+          .start = (static_cast<std::uint32_t>(cut) << 16) + static_cast<std::uint32_t>(first) * step,
+          .step = step};
 }
 
 }  // namespace
@@ -52,23 +72,33 @@ void OpenNIDisparityTransform::update_filter_config(std::size_t argc, const char
                                                     zv_error** error) {
   const ConfigValues values(argc, argv, error);
   if (!values.count_is(10)) return;
-  update_depth_limits(values);
+  const char* refused = nullptr;
+  {
+    // Held over all of it: a frame meets the old configuration or the new one.
+    const auto lock = hold();
+    update_depth_limits(values);
+    refused = update_sampling(values);
+  }
+  if (refused != nullptr) values.in_range(false, refused);
+}
 
+const char* OpenNIDisparityTransform::update_sampling(const ConfigValues& values) {
   const auto is_size = [](std::int32_t size) { return size >= 0 && size <= 65535; };
   const std::int32_t width = values.integer(3);
-  if (!values.in_range(is_size(width), "dst_width")) return;
+  if (!is_size(width)) return "dst_width";
   dst_width = width;
   const std::int32_t height = values.integer(4);
-  if (!values.in_range(is_size(height), "dst_height")) return;
+  if (!is_size(height)) return "dst_height";
   dst_height = height;
   const auto ratio = static_cast<float>(values.number(5));
-  if (!values.in_range(ratio >= 0.1f && ratio <= 50.0f, "scale")) return;  // stricter than the schema
+  if (!(ratio >= 0.1f && ratio <= 50.0f)) return "scale";  // stricter than the schema
   scale = ratio;
   x_cut = values.integer(6);
   y_cut = values.integer(7);
   x_set = values.integer(8);
   y_set = values.integer(9);
   samplingEnabled = width != 0 && height != 0;
+  return nullptr;
 }
 
 void OpenNIDisparityTransform::init_lookup_table(zv_error** error) {
@@ -79,30 +109,20 @@ void OpenNIDisparityTransform::stereo_camera_init_lookup_table(zv_error**) {
   use_stereo_rule(CodeLayout::inverted, std::ldexp(1.0, last_params().bitSize - 8), 256.0, 65536.0);
 }
 
-zv_frame_t* OpenNIDisparityTransform::convert(const FrameProcess& host, std::int32_t format) {
-  return samplingEnabled ? convert_sampled(host, format, sampling()) : convert_at_same_size(host, false);
+FrameHandle OpenNIDisparityTransform::convert(FrameProcess& host, std::int32_t format) {
+  return samplingEnabled ? convert_sampled(host, format) : convert_at_same_size(host, false);
 }
 
-DepthSampling OpenNIDisparityTransform::sampling() const {
-  return {.target_width = dst_width,
-          .target_height = dst_height,
-          .scale = scale,
-          .x_cut = x_cut,
-          .y_cut = y_cut,
-          .x_set = x_set,
-          .y_set = y_set};
-}
-
-zv_frame_t* OpenNIDisparityTransform::convert_sampled(const FrameProcess& host, std::int32_t format,
-                                                      const DepthSampling& target) {
+FrameHandle OpenNIDisparityTransform::convert_sampled(FrameProcess& host, std::int32_t format) {
   const zv_frame_t* depth = host.depth();
   host.call(zv_frame_get_data_size, depth);
   const std::uint8_t bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
   const auto fail_sampling = [&] {
     host.fail("Frame sampling process error", "filter_process", "frameType");
+    return nullptr;
   };
-  const std::int64_t bytes = std::int64_t{target.target_width} * target.target_height * 2;
-  if (bytes > std::numeric_limits<std::uint32_t>::max()) fail_sampling();
+  const std::int64_t bytes = std::int64_t{dst_width} * dst_height * 2;
+  if (bytes > std::numeric_limits<std::uint32_t>::max()) return fail_sampling();
   const auto size = static_cast<std::uint32_t>(bytes);
 
   FrameHandle output = host.create_frame(host.received_type(), format, size);
@@ -114,17 +134,18 @@ zv_frame_t* OpenNIDisparityTransform::convert_sampled(const FrameProcess& host, 
   const std::uint16_t* source = host.pixels(depth, width, height);
   std::uint16_t* pixels = host.pixels(output.get(), size / 2, 1);
   match_bit_size(host, bits);
-  if (!sample(target, source, width, height, pixels)) fail_sampling();
+  if (host.failed()) return nullptr;
+  if (!sample(source, width, height, pixels)) return fail_sampling();
 
   ProfileHandle profile = host.copy_profile_of(depth);
   ZVCameraIntrinsic intrinsic = host.call(zv_video_stream_profile_get_intrinsic,
                                           static_cast<const zv_stream_profile_t*>(profile.get()));
-  intrinsic.cx -= principal_point_shift(target.target_width, target.target_height);
-  intrinsic.width = static_cast<std::int16_t>(target.target_width);
-  intrinsic.height = static_cast<std::int16_t>(target.target_height);
+  intrinsic.cx -= principal_point_shift(dst_width, dst_height);
+  intrinsic.width = static_cast<std::int16_t>(dst_width);
+  intrinsic.height = static_cast<std::int16_t>(dst_height);
   host.call(zv_video_stream_profile_set_intrinsic, profile.get(), intrinsic);
-  host.set_size_and_attach(std::move(profile), static_cast<std::uint32_t>(target.target_width),
-                           static_cast<std::uint32_t>(target.target_height), output.get());
+  host.set_size_and_attach(std::move(profile), static_cast<std::uint32_t>(dst_width),
+                           static_cast<std::uint32_t>(dst_height), output.get());
   host.call(zv_frame_update_data, output.get(), static_cast<const void*>(pixels), size);
   set_depth_attributes(host, output.get());
   return host.deliver(std::move(output));
@@ -133,16 +154,23 @@ zv_frame_t* OpenNIDisparityTransform::convert_sampled(const FrameProcess& host, 
 bool OpenNIDisparityTransform::frameSamplingProcess(const std::uint16_t* src, int width, int height,
                                                     std::uint16_t* dst) {
   if (width <= 0 || height <= 0) return false;
-  return sample(sampling(), src, static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
-                dst);
+  return sample(src, static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), dst);
 }
 
-bool OpenNIDisparityTransform::sample(const DepthSampling& target, const std::uint16_t* src,
-                                      std::uint32_t width, std::uint32_t height, std::uint16_t* dst) {
-  if (width == 0 || height == 0 || target.target_width == 0 || target.target_height == 0) return false;
-  if (double{target.scale} < 0.001 || d2d_lut() == nullptr) return false;
-  clear_first_entry();
-  sample_depth(target, src, width, height, d2d_lut()->entries(), dst);
+bool OpenNIDisparityTransform::sample(const std::uint16_t* src, std::uint32_t width, std::uint32_t height,
+                                      std::uint16_t* dst) {
+  if (width == 0 || height == 0 || dst_width == 0 || dst_height == 0) return false;
+  if (double{scale} < 0.001 || d2d_lut() == nullptr) return false;
+  if (!clear_first_entry()) return false;  // so that what lies outside the source stays 0
+  const ResizeAxis columns = sampled_axis(width, dst_width, scale, x_cut, x_set);
+  const ResizeAxis rows = sampled_axis(height, dst_height, scale, y_cut, y_set);
+  if (columns.copies_all() && rows.copies_all()) {
+    d2d_lut()->convert(src + rows.start_position() * width + columns.start_position(), width, dst,
+                       columns.target_size, rows.target_size);
+    return true;
+  }
+  active_kernels().resize.resize(src, columns, rows, dst);
+  d2d_lut()->convert(dst, dst, columns.target_size * rows.target_size);
   return true;
 }
 

@@ -5,8 +5,6 @@
 
 namespace filterprocessor {
 
-struct DepthSampling;
-
 /// Turns disparity frames into depth frames, always by the stereo rule of pack mode 1, and optionally
 /// samples a part of them at another scale into a frame of another size.
 class FILTERPROCESSOR_API OpenNIDisparityTransform : public DisparityFilter {
@@ -18,30 +16,28 @@ class FILTERPROCESSOR_API OpenNIDisparityTransform : public DisparityFilter {
 
   /// Samples `width` x `height` codes into the configured target size by the current table, in which code
   /// 0 stands for depth 0 from then on. False when a size is 0, the scale is below 0.001 or there is no
-  /// table.
-  /// @throws std::bad_alloc
+  /// table, or no memory for one with that first entry.
   bool frameSamplingProcess(const std::uint16_t* src, int width, int height, std::uint16_t* dst);
 
  private:
-  zv_frame_t* convert(const FrameProcess& host, std::int32_t format) override;
+  FrameHandle convert(FrameProcess& host, std::int32_t format) override;
   void init_lookup_table(zv_error** error) override;
   void stereo_camera_init_lookup_table(zv_error** error);
 
-  DepthSampling sampling() const;
-  bool sample(const DepthSampling& sampling, const std::uint16_t* src, std::uint32_t width,
-              std::uint32_t height, std::uint16_t* dst);
-  zv_frame_t* convert_sampled(const FrameProcess& host, std::int32_t format,
-                              const DepthSampling& sampling);
+  /// Takes the values from the fourth on. @return the name of the first that is refused, or null
+  const char* update_sampling(const ConfigValues& values);
+  FrameHandle convert_sampled(FrameProcess& host, std::int32_t format);
+  bool sample(const std::uint16_t* src, std::uint32_t width, std::uint32_t height, std::uint16_t* dst);
 
-  // Written by update_filter_config without the lock, and read once a frame.
-  std::atomic<float> scale = 0.0f;
-  std::atomic<std::int32_t> x_cut = 0;
-  std::atomic<std::int32_t> y_cut = 0;
-  std::atomic<std::int32_t> x_set = 0;
-  std::atomic<std::int32_t> y_set = 0;
-  std::atomic<std::int32_t> dst_width = 0;
-  std::atomic<std::int32_t> dst_height = 0;
-  std::atomic<bool> samplingEnabled = false;
+  // Guarded by the lock.
+  float scale = 0.0f;
+  std::int32_t x_cut = 0;
+  std::int32_t y_cut = 0;
+  std::int32_t x_set = 0;
+  std::int32_t y_set = 0;
+  std::int32_t dst_width = 0;
+  std::int32_t dst_height = 0;
+  bool samplingEnabled = false;
 };
 
 }  // namespace filterprocessor

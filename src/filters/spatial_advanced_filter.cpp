@@ -1,6 +1,5 @@
 #include "filters/spatial_advanced_filter.h"
 
-#include <iostream>
 #include <limits>
 #include <optional>
 
@@ -8,6 +7,7 @@
 #include "framework/config_values.h"
 #include "framework/frame_info.h"
 #include "framework/frame_process.h"
+#include "framework/printed.h"
 
 namespace filterprocessor {
 
@@ -49,7 +49,7 @@ bool SpatialAdvancedFilter::check_frame_info_changed(const FrameInfoInner& info)
 }
 
 zv_frame_t* SpatialAdvancedFilter::filter_process(const zv_frame_t* frame, zv_error** error) {
-  return process_frame(frame, error, [this](const FrameProcess& host) {
+  return process_frame(frame, error, [this](FrameProcess& host) -> FrameHandle {
     const zv_frame_t* depth = host.depth();
     host.call(zv_frame_get_format, depth);
     const std::int32_t pixel_type = host.call(zv_video_frame_get_pixel_type, depth);
@@ -65,6 +65,8 @@ zv_frame_t* SpatialAdvancedFilter::filter_process(const zv_frame_t* frame, zv_er
       available_bits = host.call(zv_video_frame_get_pixel_available_bit_size, depth);
     }
 
+    if (host.failed()) return nullptr;
+
     const std::lock_guard lock(lock_);
     current_frame_info.depth_flag = pixel_type;
     current_frame_info.width = width;
@@ -78,6 +80,7 @@ zv_frame_t* SpatialAdvancedFilter::filter_process(const zv_frame_t* frame, zv_er
 
     FrameHandle output = host.create_like(depth, true);
     std::uint16_t* pixels = host.pixels(output.get(), width, height);
+    if (host.failed()) return nullptr;
     constexpr std::uint32_t kMostPixels = std::numeric_limits<std::uint16_t>::max();
     std::int32_t status = -1;  // the kernels' sizes are 16 bits
     if (width <= kMostPixels && height <= kMostPixels) {
@@ -93,6 +96,7 @@ zv_frame_t* SpatialAdvancedFilter::filter_process(const zv_frame_t* frame, zv_er
                                                          working.magnitude, radius, 1, 1, working.alpha);
     }
     host.release(std::move(profile));
+    if (host.failed()) return nullptr;
     if (status != 0) {
       host.fail_kernel(std::move(output), "spatial advanced filter error", "SpatialaDvancedFilter");
     }
@@ -139,20 +143,20 @@ void SpatialAdvancedFilter::reset_filter(zv_error**) {
 }
 
 void SpatialAdvancedFilter::print_key_params() {
-  const auto print = [](const char* heading, const Parameters& p) {
-    std::cout << heading << std::endl
-              << "alpha:     " << p.alpha << '\n'
-              << "disp_diff: " << p.disp_diff << '\n'
-              << "magnitude: " << int{p.magnitude} << '\n'
-              << "radius:    " << p.radius << '\n';
+  Printed out;
+  const auto print = [&out](const char* heading, const Parameters& p) {
+    out << heading << '\n'
+        << "alpha:     " << p.alpha << '\n'
+        << "disp_diff: " << p.disp_diff << '\n'
+        << "magnitude: " << int{p.magnitude} << '\n'
+        << "radius:    " << p.radius << '\n';
   };
   print("anchor_params: ", user);
   print("current_filter_params: ", working);
-  print_frame_info<int>(current_frame_info);
-  std::cout << "depth_diff_lut: ";
-  for (std::size_t k = 0; k < table.entries.size(); ++k)
-    std::cout << (k == 0 ? "" : " ") << table.entries[k];
-  std::cout << '\n' << "depth_shift: " << int{table.shift} << std::endl;
+  print_frame_info<int>(out, current_frame_info);
+  out << "depth_diff_lut: ";
+  for (std::size_t k = 0; k < table.entries.size(); ++k) out << (k == 0 ? "" : " ") << table.entries[k];
+  out << '\n' << "depth_shift: " << int{table.shift} << '\n';
 }
 
 }  // namespace filterprocessor

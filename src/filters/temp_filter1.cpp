@@ -1,6 +1,6 @@
 #include "filters/temp_filter1.h"
 
-#include "framework/frame_process.h"
+#include "framework/host_calls.h"
 
 namespace filterprocessor {
 
@@ -13,14 +13,15 @@ const char* TempFilter1::get_filter_config_schema(zv_error**) {
 void TempFilter1::update_filter_config(std::size_t, const char**, zv_error**) {}
 
 zv_frame_t* TempFilter1::filter_process(const zv_frame_t* frame, zv_error** error) {
-  return run_operation(frame, error, [frame](const HostCalls& host) {
-    host.call(zv_frame_get_data, frame);
-    const ProfileHandle profile = host.profile_of(frame);
-    FrameHandle output = host.create_like(frame, false);
-    host.call(zv_frame_get_data, output.get());
-    host.call(zv_frame_get_data_size, output.get());
-    return output.release();
-  });
+  if (frame == nullptr) return nullptr;
+  HostCalls host(error);
+  host.call(zv_frame_get_data, frame);
+  const ProfileHandle profile = host.profile_of(frame);
+  FrameHandle output = host.create_like(frame, false);
+  const zv_frame_t* const made = output.get();
+  host.call(zv_frame_get_data, made);
+  host.call(zv_frame_get_data_size, made);
+  return host.failed() ? nullptr : output.release();
 }
 
 void TempFilter1::reset_filter(zv_error**) {}

@@ -1,10 +1,9 @@
 #include "filters/temporal_filter.h"
 
-#include <iostream>
-
 #include "filterprocessor/temporal.h"
 #include "framework/config_values.h"
 #include "framework/frame_process.h"
+#include "framework/printed.h"
 
 namespace filterprocessor {
 
@@ -26,12 +25,15 @@ void TemporalFilter::update_filter_config(std::size_t argc, const char** argv, z
 }
 
 zv_frame_t* TemporalFilter::filter_process(const zv_frame_t* frame, zv_error** error) {
-  return process_frame(frame, error, [this](const FrameProcess& host) {
+  return process_frame(frame, error, [this](FrameProcess& host) -> FrameHandle {
     const std::uint32_t width = host.call(zv_video_frame_get_width, host.depth());
     const std::uint32_t height = host.call(zv_video_frame_get_height, host.depth());
+    if (host.failed()) return nullptr;
     initBuffers(width, height);
+    if (!history.holds(width, height)) host.fail_without_memory();
     FrameHandle output = host.create_like(host.depth(), true);
     std::uint16_t* pixels = host.pixels(output.get(), width, height);
+    if (host.failed()) return nullptr;
     if (depth_api_temporal_filter(pixels, static_cast<std::int32_t>(width),
                                   static_cast<std::int32_t>(height), history.data(), diff_scale,
                                   weight) != 0) {
@@ -52,7 +54,7 @@ void TemporalFilter::reset_filter(zv_error**) {
 }
 
 void TemporalFilter::print_key_params() {
-  std::cout << "diff_scale: " << diff_scale << '\n' << "weight:     " << weight << std::endl;
+  Printed() << "diff_scale: " << diff_scale << '\n' << "weight:     " << weight << '\n';
 }
 
 }  // namespace filterprocessor

@@ -16,10 +16,10 @@ class FILTERPROCESSOR_API TemporalFilter : public IPrivFilter {
   void reset_filter(zv_error** error) override;
   void print_key_params() override;
 
- private:
-  /// Starts an empty history unless there is one of this size.
+  /// Starts an empty history unless there is one of this size; without memory there is none.
   void initBuffers(std::uint64_t width, std::uint64_t height);
 
+ private:
   ZeroedBuffer<std::uint16_t> history;  ///< the last output; none until the first frame
   float diff_scale = 0.1f;
   float weight = 0.4f;

@@ -1,8 +1,7 @@
 #ifndef FILTERPROCESSOR_FRAMEWORK_FRAME_INFO_H
 #define FILTERPROCESSOR_FRAMEWORK_FRAME_INFO_H
 
-#include <iostream>
-
+#include "framework/printed.h"
 #include "framework/priv_filter.h"
 
 namespace filterprocessor {
@@ -20,17 +19,17 @@ inline void take_geometry(IPrivFilter::FrameInfoInner& info, const ZVDisparityPa
       static_cast<std::uint8_t>(available_bits - static_cast<std::uint32_t>(params.dispIntPlace));
 }
 
-/// Writes the lines of "current_frame_info: " to standard output. `Bits` is what the fraction bits are
+/// Adds the lines of "current_frame_info: ". `Bits` is what the fraction bits are
 /// written as: int for a number, unsigned char for one raw character.
 template <typename Bits>
-void print_frame_info(const IPrivFilter::FrameInfoInner& info) {
-  std::cout << "current_frame_info: " << std::endl
-            << "width:      " << info.width << '\n'
-            << "height:     " << info.height << '\n'
-            << "bxf:        " << info.bxf << '\n'
-            << "depth_flag: " << info.depth_flag << '\n'
-            << "depth_unit: " << info.depth_unit << '\n'
-            << "fraction_bit_size: " << static_cast<Bits>(info.fraction_bit_size) << '\n';
+void print_frame_info(Printed& out, const IPrivFilter::FrameInfoInner& info) {
+  out << "current_frame_info: \n"
+      << "width:      " << info.width << '\n'
+      << "height:     " << info.height << '\n'
+      << "bxf:        " << info.bxf << '\n'
+      << "depth_flag: " << info.depth_flag << '\n'
+      << "depth_unit: " << info.depth_unit << '\n'
+      << "fraction_bit_size: " << static_cast<Bits>(info.fraction_bit_size) << '\n';
 }
 
 }  // namespace filterprocessor

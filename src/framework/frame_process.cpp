@@ -9,14 +9,12 @@ FrameProcess::FrameProcess(const zv_frame_t* frame, zv_error** error)
   if (depth_ == nullptr) fail("invalid frame type error", "filter_process", "frameType");
 }
 
-zv_frame_t* FrameProcess::deliver(FrameHandle output) const {
-  if (type_ != ZV_FRAME_TYPE_SET) return output.release();
+FrameHandle FrameProcess::deliver(FrameHandle output) {
+  if (type_ != ZV_FRAME_TYPE_SET) return output;
   FrameHandle set = create_like(received_, false);
   call(zv_frameset_push_frame, set.get(), static_cast<const zv_frame_t*>(output.get()));
-  static_cast<void>(output.release());  // the set has taken the reference over
-  return set.release();
+  if (!failed()) static_cast<void>(output.release());  // the set has taken the reference over
+  return set;
 }
-
-zv_frame_t* FrameProcess::deliver_copy() const { return create_like(received_, true).release(); }
 
 }  // namespace filterprocessor

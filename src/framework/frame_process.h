@@ -2,8 +2,6 @@
 #define FILTERPROCESSOR_FRAMEWORK_FRAME_PROCESS_H
 
 #include <cstdint>
-#include <new>
-#include <utility>
 
 #include "framework/host_calls.h"
 
@@ -12,7 +10,7 @@ namespace filterprocessor {
 /// One frame on its way through a filter: the host, the frame as received and the depth frame in it.
 class FrameProcess : public HostCalls {
  public:
-  /// Finds the depth frame. Ends the operation with "invalid frame type error" when there is none.
+  /// Finds the depth frame. Fails with "invalid frame type error" when there is none.
   FrameProcess(const zv_frame_t* frame, zv_error** error);
 
   /// Frame type of the frame as received.
@@ -21,9 +19,9 @@ class FrameProcess : public HostCalls {
   const zv_frame_t* depth() const noexcept { return depth_; }
 
   /// What the caller gets for a new depth frame: the frame itself or, for a set, a new set that holds it.
-  zv_frame_t* deliver(FrameHandle output) const;
+  FrameHandle deliver(FrameHandle output);
   /// What the caller gets when there is nothing to do: a copy of the frame, or of the whole set.
-  zv_frame_t* deliver_copy() const;
+  FrameHandle deliver_copy() { return create_like(received_, true); }
 
  private:
   const zv_frame_t* received_;
@@ -31,26 +29,15 @@ class FrameProcess : public HostCalls {
   const zv_frame_t* depth_ = nullptr;
 };
 
-/// Runs one operation on a frame. A null frame is null; any failure, with its error stored already,
-/// becomes null.
-template <typename Operation>
-zv_frame_t* run_operation(const zv_frame_t* frame, zv_error** error, Operation&& operation) noexcept {
-  if (frame == nullptr) return nullptr;
-  try {
-    return operation(HostCalls(error));
-  } catch (const OperationFailed&) {
-    return nullptr;
-  } catch (const std::bad_alloc&) {
-    report_error(error, "invalid params", "filter_process", "frame");
-    return nullptr;
-  }
-}
-
-/// The frame of every filter_process: `body` gets a FrameProcess and returns what it delivers.
+/// The frame of every filter_process: `body` gets a FrameProcess and returns what it delivers. A null
+/// frame is null; so is any failure, with its error stored already.
 template <typename Body>
-zv_frame_t* process_frame(const zv_frame_t* frame, zv_error** error, Body&& body) noexcept {
-  return run_operation(frame, error,
-                       [&](const HostCalls& host) { return body(FrameProcess(frame, host.slot())); });
+zv_frame_t* process_frame(const zv_frame_t* frame, zv_error** error, Body&& body) {
+  if (frame == nullptr) return nullptr;
+  FrameProcess host(frame, error);
+  if (host.failed()) return nullptr;
+  FrameHandle delivered = body(host);
+  return host.failed() ? nullptr : delivered.release();
 }
 
 }  // namespace filterprocessor

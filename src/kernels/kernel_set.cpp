@@ -1,51 +1,85 @@
 #include "kernels/kernel_set.h"
 
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
+
+#include "kernel_levels.h"
+
+// A level's sets, as their sources define them.
+#define DECLARE_SETS(level, features)           \
+  namespace level {                             \
+  extern const CorrectionKernels correction;    \
+  extern const DepthTableKernels depth_table;   \
+  extern const DepthLookupKernels depth_lookup; \
+  extern const HoleFillingKernels hole_filling; \
+  extern const MarginKernels margin;            \
+  extern const ResizeKernels resize;            \
+  extern const SpeckleKernels speckle;          \
+  extern const SpatialKernels spatial;          \
+  extern const TemporalKernels temporal;        \
+  }
+#define KERNEL_SET(name, level, features)                                                       \
+  {                                                                                             \
+    name, [] { return static_cast<bool>(features); }, level::correction, level::depth_table,    \
+        level::depth_lookup, level::hole_filling, level::margin, level::resize, level::speckle, \
+        level::spatial, level::temporal                                                         \
+  }
+#define LEVEL_SET(level, features) , KERNEL_SET(#level, level, features)
 
 namespace filterprocessor {
 
-namespace plain {
-extern const KernelSet kernels;
-}
-#if defined(__x86_64__)
-namespace avx2 {
-extern const KernelSet kernels;
-}
-namespace avx512 {
-extern const KernelSet kernels;
-}
-#elif defined(__aarch64__)
-namespace neon {
-extern const KernelSet kernels;
-}
-#endif
+FILTERPROCESSOR_LEVELS(DECLARE_SETS)
 
-const KernelSet* kernel_set(Level level) {
-  switch (level) {
-    case Level::scalar:
-      return &plain::kernels;
+namespace {
+
+constexpr KernelSet kSets[] = {KERNEL_SET("scalar", plain, true) FILTERPROCESSOR_LEVELS(LEVEL_SET)};
+
+/// Says once, and without memory of its own, why a wish is not granted.
+void say(const char* wish, const KernelChoice& choice) {
+  std::fprintf(stderr, "filterprocessor: FILTERPROCESSOR_CPU=%.40s: %s; using %s. Levels:", wish,
+               choice.wish == KernelChoice::unknown ? "no such level" : "this machine lacks that level",
+               choice.kernels.level);
+  for (const KernelSet& set : kSets) std::fprintf(stderr, " %s", set.level);
+  std::fputc('\n', stderr);
+}
+
+const KernelSet* choose() {
+  const char* wish = std::getenv("FILTERPROCESSOR_CPU");
+  const KernelChoice choice = choose_kernels(wish);
+  if (choice.wish != KernelChoice::granted) say(wish, choice);
+  return &choice.kernels;
+}
+
+}  // namespace
+
+std::span<const KernelSet> kernel_sets() { return kSets; }
+
+KernelChoice choose_kernels(const char* wish) {
 #if defined(__x86_64__)
-    case Level::avx2:
-      return &avx2::kernels;
-    case Level::avx512:
-      return &avx512::kernels;
-#elif defined(__aarch64__)
-    case Level::neon:
-      return &neon::kernels;
+  __builtin_cpu_init();  // this may run before the program's constructors
 #endif
-    default:
-      return nullptr;
+  const KernelSet* best = nullptr;
+  const KernelSet* wished = nullptr;
+  for (const KernelSet& set : kSets) {
+    if (set.machine_runs()) best = &set;
+    if (wish != nullptr && std::strcmp(wish, set.level) == 0) wished = &set;
   }
+  if (wish == nullptr) return {*best, KernelChoice::granted};
+  if (wished == nullptr) return {*best, KernelChoice::unknown};
+  return wished->machine_runs() ? KernelChoice{*wished, KernelChoice::granted}
+                                : KernelChoice{*best, KernelChoice::lacking};
+}
+
+const KernelSet& active_kernels() {
+  // The first call is that below; a static constructor of a program that links the library in may be
+  // earlier.
+  static const KernelSet* const active = choose();
+  return *active;
 }
 
 namespace {
-// Set by the dynamic linker's call of this file's initialiser; until then (a static constructor of a
-// program that links the library in) the function below chooses for itself.
-const KernelSet* active = nullptr;
-const KernelSet* choose() { return kernel_set(choose_level(std::getenv("FILTERPROCESSOR_CPU"))); }
-[[maybe_unused]] const bool chosen = (active = choose()) != nullptr;
-}  // namespace
-
-const KernelSet& active_kernels() { return active != nullptr ? *active : *choose(); }
+[[maybe_unused]] const KernelSet& chosen_at_load = active_kernels();
+}
 
 }  // namespace filterprocessor

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "kernels/kernel_set.h"
-#include "kernels/speckle/speckle_plain.h"
+#include "kernels/speckle/speckle.h"
 #include "scenes.h"
 #include "support/levels.h"
 #include "support/random_image.h"
@@ -100,7 +100,7 @@ TEST(Speckle, TableIsIndexedByTheLowByteOfTheShiftedValue) {
   const auto joins = [&](std::uint16_t from, int difference, std::uint8_t shift) {
     const auto to = static_cast<std::uint16_t>(from + difference);
     const Case with{SpeckleThreshold::from_table(table.data(), shift, 3), SpeckleLimit::fixed(1)};
-    return run(plain::speckle_full, image_of(2, {from, to}), with).pixels[0] != 0;
+    return run(plain::speckle.full, image_of(2, {from, to}), with).pixels[0] != 0;
   };
   EXPECT_TRUE(joins(800, 9, 2));
   EXPECT_FALSE(joins(800, 10, 2));
@@ -118,7 +118,7 @@ TEST(Speckle, EmptyOrNullTableJoinsEqualValuesOnly) {
     Work work(6);
     const Case with{SpeckleThreshold::from_table(null ? nullptr : table.data(), 0, null ? 3 : 0),
                     SpeckleLimit::fixed(1)};
-    EXPECT_EQ(run(plain::speckle_full, image_of(6, pixels), with).pixels, (Pixels{30, 30, 0, 0, 33, 33}));
+    EXPECT_EQ(run(plain::speckle.full, image_of(6, pixels), with).pixels, (Pixels{30, 30, 0, 0, 33, 33}));
     depth_api_softfilter(work, pixels.data(), nullptr, 6, 1, nullptr, 0, 3, 0, 1, 1, 1, 0, 1);
     EXPECT_EQ(pixels, (Pixels{30, 30, 0, 0, 33, 33}));
   }
@@ -128,9 +128,9 @@ TEST(Speckle, TheFirstRegionToReachAPixelOwnsIt) {
   // 40 reaches 50 but 50 does not reach 40: whichever is met first decides what is one region.
   const Pixels table = {1, 1, 1, 1, 12, 1};
   const Case with{SpeckleThreshold::from_table(table.data(), 3, 6), SpeckleLimit::fixed(1)};
-  EXPECT_EQ(run(plain::speckle_full, image_of(2, {39, 50}), with).pixels, (Pixels{39, 50}));
-  EXPECT_EQ(run(plain::speckle_full, image_of(2, {50, 39}), with).pixels, (Pixels{0, 0}));
-  EXPECT_EQ(run(plain::speckle_full, image_of(3, {50, 39, 50}), with).pixels, (Pixels{0, 39, 50}));
+  EXPECT_EQ(run(plain::speckle.full, image_of(2, {39, 50}), with).pixels, (Pixels{39, 50}));
+  EXPECT_EQ(run(plain::speckle.full, image_of(2, {50, 39}), with).pixels, (Pixels{0, 0}));
+  EXPECT_EQ(run(plain::speckle.full, image_of(3, {50, 39, 50}), with).pixels, (Pixels{0, 39, 50}));
 }
 
 TEST(Speckle, MapGivesTheLimitOfTheFirstPixelsCell) {
@@ -145,7 +145,7 @@ TEST(Speckle, MapGivesTheLimitOfTheFirstPixelsCell) {
   Image expected = image;
   expected.at(0, 1) = expected.at(0, 2) = expected.at(0, 4) = 0;
   const Case with{SpeckleThreshold::fixed(0), {0, map.data(), 2, 2}};
-  EXPECT_EQ(run(plain::speckle_full, image, with).pixels, expected.pixels);
+  EXPECT_EQ(run(plain::speckle.full, image, with).pixels, expected.pixels);
 }
 
 TEST(Speckle, PyramidSmoothsKeptBlocksAndRemovesOthers) {
@@ -207,7 +207,7 @@ void expect_dispatch(const Dispatched& expected) {
     }
   }
   const Case with{SpeckleThreshold::fixed(3), SpeckleLimit::fixed(expected.limit)};
-  const Image wanted = run(expected.pyramid ? plain::speckle_pyramid : plain::speckle_full, image, with);
+  const Image wanted = run(expected.pyramid ? plain::speckle.pyramid : plain::speckle.full, image, with);
   Work work(image.pixels.size());
   depth_api_softfilter(work, image.pixels.data(), nullptr, image.width, image.height, nullptr, 0, 0, 3,
                        expected.max_size, 4, 4, 0, 1);
@@ -247,7 +247,7 @@ TEST(Speckle, MapModeTakesThePyramidAt1280And640Only) {
        {std::tuple{640, 20, true}, {12, 1280, true}, {320, 240, false}, {424, 240, false}}) {
     Image image = bench::noise(width, height, 100, 104, 5);
     const Case with{SpeckleThreshold::fixed(1), {0, map.data(), 2, 2}};
-    const Image wanted = run(is_pyramid ? plain::speckle_pyramid : plain::speckle_full, image, with);
+    const Image wanted = run(is_pyramid ? plain::speckle.pyramid : plain::speckle.full, image, with);
     Work work(image.pixels.size());
     depth_api_softfilter(work, image.pixels.data(), map.data(), width, height, nullptr, 0, 0, 1, 77, 2, 2,
                          0, 0);
@@ -340,7 +340,7 @@ TEST(Speckle, PlainFormEqualsReachability) {
     for (const SpeckleThreshold& threshold : {SpeckleThreshold::fixed(static_cast<int>(seed / 8)),
                                               SpeckleThreshold::from_table(table.data(), 3, 6)}) {
       const Case with{threshold, SpeckleLimit::fixed(1 + static_cast<int>(seed % 9)), 1001};
-      EXPECT_EQ(run(plain::speckle_full, image, with).pixels, reached_from(image, with)) << seed;
+      EXPECT_EQ(run(plain::speckle.full, image, with).pixels, reached_from(image, with)) << seed;
     }
   }
 }
@@ -357,10 +357,10 @@ class SpeckleVectors : public LevelTest {
                                     << ", max_size " << with.limit.max_size << ", invalid "
                                     << with.invalid);
     ASSERT_TRUE(run(kernels().full, image, with, offset).pixels ==
-                run(plain::speckle_full, image, with).pixels);
+                run(plain::speckle.full, image, with).pixels);
     if (image.width < 2 || image.height < 2) return;
     ASSERT_TRUE(run(kernels().pyramid, image, with, offset).pixels ==
-                run(plain::speckle_pyramid, image, with).pixels);
+                run(plain::speckle.pyramid, image, with).pixels);
   }
 };
 
@@ -480,14 +480,14 @@ TEST_P(SpeckleVectors, HalfResolutionKernelsEqualPlain) {
     const auto stride = static_cast<std::size_t>(width), half_width = stride / 2;
     const auto half_height = static_cast<std::size_t>(height) / 2;
     Pixels half(half_width * half_height), wanted_half(half.size());
-    plain::speckle_downsample(full.pixels.data(), stride, wanted_half.data(), half_width, half_height);
+    plain::speckle.downsample(full.pixels.data(), stride, wanted_half.data(), half_width, half_height);
     kernels().downsample(full.pixels.data(), stride, half.data(), half_width, half_height);
     ASSERT_EQ(half, wanted_half) << seed;
 
     for (auto& pixel : half) pixel = random.chance(20) ? std::uint16_t{0} : pixel;
     const int max_diff = random.one_of({-1, 0, 1, 5, 60, 65534, 65535, 100000});
     Image image = full, wanted = full;
-    plain::speckle_upsample(wanted.pixels.data(), stride, half.data(), half_width, half_height, max_diff);
+    plain::speckle.upsample(wanted.pixels.data(), stride, half.data(), half_width, half_height, max_diff);
     kernels().upsample(image.pixels.data(), stride, half.data(), half_width, half_height, max_diff);
     ASSERT_EQ(image.pixels, wanted.pixels) << seed;
   }

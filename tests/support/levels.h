@@ -3,6 +3,7 @@
 #define FILTERPROCESSOR_TESTS_SUPPORT_LEVELS_H
 
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -11,34 +12,30 @@
 namespace filterprocessor {
 
 /// Skips aloud on a machine that lacks the level.
-class LevelTest : public testing::TestWithParam<Level> {
+class LevelTest : public testing::TestWithParam<const KernelSet*> {
  protected:
   void SetUp() override {
-    if (!machine_runs(GetParam())) GTEST_SKIP() << "this machine lacks " << level_name(GetParam());
+    if (!kernels().machine_runs()) GTEST_SKIP() << "this machine lacks " << kernels().level;
   }
-  static const KernelSet& kernels() { return *kernel_set(GetParam()); }
-  static const KernelSet& plain() { return *kernel_set(Level::scalar); }
+  static const KernelSet& kernels() { return *GetParam(); }
+  static const KernelSet& plain() { return kernel_sets().front(); }
 };
 
-inline auto every_level() {
-  const auto levels = compiled_levels();
-  return testing::ValuesIn(levels.begin(), levels.end());
+inline auto levels_from(std::size_t first) {
+  std::vector<const KernelSet*> sets;
+  for (const KernelSet& set : kernel_sets().subspan(first)) sets.push_back(&set);
+  return testing::ValuesIn(sets);
 }
 
-/// Those to compare with the plain form.
-inline auto vector_levels() {
-  const auto levels = compiled_levels();
-  return testing::ValuesIn(levels.begin() + 1, levels.end());
-}
-
-inline std::string level_test_name(const testing::TestParamInfo<Level>& info) {
-  return std::string(level_name(info.param));
+inline std::string level_test_name(const testing::TestParamInfo<const KernelSet*>& info) {
+  return info.param->level;
 }
 
 #define FILTERPROCESSOR_EVERY_LEVEL(suite) \
-  INSTANTIATE_TEST_SUITE_P(Levels, suite, every_level(), level_test_name)
+  INSTANTIATE_TEST_SUITE_P(Levels, suite, levels_from(0), level_test_name)
+/// Those to compare with the plain form.
 #define FILTERPROCESSOR_VECTOR_LEVELS(suite) \
-  INSTANTIATE_TEST_SUITE_P(Levels, suite, vector_levels(), level_test_name)
+  INSTANTIATE_TEST_SUITE_P(Levels, suite, levels_from(1), level_test_name)
 
 }  // namespace filterprocessor
 

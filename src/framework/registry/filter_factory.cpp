@@ -1,5 +1,7 @@
 #include "framework/registry/filter_factory.h"
 
+#include <new>
+
 #include "filters/depth_resize.h"
 #include "filters/disparity_transform.h"
 #include "filters/edge_noise_removal_filter.h"
@@ -9,6 +11,7 @@
 #include "filters/open_ni_disparity_transform.h"
 #include "filters/spatial_advanced_filter.h"
 #include "filters/temporal_filter.h"
+#include "framework/registry/make_filter.h"
 
 namespace filterprocessor {
 
@@ -16,29 +19,33 @@ namespace {
 
 template <typename Filter>
 std::shared_ptr<IPrivFilter> create() {
-  return std::make_shared<Filter>();
+  return make_filter<Filter>();
 }
 
 }  // namespace
 
-std::shared_ptr<FilterFactory> FilterFactory::instance_;
-std::mutex FilterFactory::instanceMutex_;
+constinit FilterFactory::Instance FilterFactory::instance_;
+constinit std::mutex FilterFactory::instanceMutex_;
 
 FilterFactory::FilterFactory()
-    : entries_{{"DisparityTransform", create<DisparityTransform>},
-               {"HoleFillingFilter", create<HoleFillingFilter>},
-               {"NoiseRemovalFilter", create<NoiseRemovalFilter>},
-               {"SpatialAdvancedFilter", create<SpatialAdvancedFilter>},
-               {"TemporalFilter", create<TemporalFilter>},
-               {"DepthResize", create<DepthResize>},
-               {"EdgeNoiseRemovalFilter", create<EdgeNoiseRemovalFilter>},
-               {"HardwareD2DCorrectionFilter", create<HardwareD2DCorrectionFilter>},
-               {"OpenNIDisparityTransform", create<OpenNIDisparityTransform>}} {}
+    : entries_{{{"DisparityTransform", create<DisparityTransform>},
+                {"HoleFillingFilter", create<HoleFillingFilter>},
+                {"NoiseRemovalFilter", create<NoiseRemovalFilter>},
+                {"SpatialAdvancedFilter", create<SpatialAdvancedFilter>},
+                {"TemporalFilter", create<TemporalFilter>},
+                {"DepthResize", create<DepthResize>},
+                {"EdgeNoiseRemovalFilter", create<EdgeNoiseRemovalFilter>},
+                {"HardwareD2DCorrectionFilter", create<HardwareD2DCorrectionFilter>},
+                {"OpenNIDisparityTransform", create<OpenNIDisparityTransform>}}} {}
 
 std::shared_ptr<FilterFactory> FilterFactory::getInstance() {
   const std::lock_guard lock(instanceMutex_);
-  if (!instance_) instance_.reset(new FilterFactory);
-  return instance_;
+  if (!instance_.pointer) {
+    // In the library's own memory: there is always enough of it.
+    alignas(FilterFactory) static unsigned char memory[sizeof(FilterFactory)];
+    instance_.pointer = {std::shared_ptr<void>(), new (memory) FilterFactory};
+  }
+  return instance_.pointer;
 }
 
 std::int32_t FilterFactory::getFilterCount() const { return static_cast<std::int32_t>(entries_.size()); }

@@ -1,10 +1,10 @@
 #ifndef FILTERPROCESSOR_FRAMEWORK_REGISTRY_FILTER_FACTORY_H
 #define FILTERPROCESSOR_FRAMEWORK_REGISTRY_FILTER_FACTORY_H
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <vector>
 
 #include "framework/priv_filter.h"
 
@@ -19,7 +19,7 @@ class FilterFactory {
   std::int32_t getFilterCount() const;
   /// The name at `index`, or "UnknownFilter". Lives as long as the registry.
   const char* getFilterName(std::int32_t index) const;
-  /// A new filter, or null for a bad index.
+  /// A new filter, or null for a bad index or without memory.
   std::shared_ptr<IPrivFilter> createFilter(std::int32_t index) const;
 
  private:
@@ -31,10 +31,17 @@ class FilterFactory {
   FilterFactory();
   const Entry* find(std::int32_t index) const;
 
-  static std::shared_ptr<FilterFactory> instance_;
+  /// Never destroyed: the host may call while the process ends, after static objects are gone.
+  union Instance {
+    constexpr Instance() : pointer() {}
+    ~Instance() {}
+
+    std::shared_ptr<FilterFactory> pointer;
+  };
+  static Instance instance_;
   static std::mutex instanceMutex_;
 
-  std::vector<Entry> entries_;
+  std::array<Entry, 9> entries_;
 };
 
 }  // namespace filterprocessor

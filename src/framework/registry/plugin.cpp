@@ -1,8 +1,10 @@
 // The exported functions: each forwards to the registry or to one operation of a filter.
+#include <cstdlib>
 #include <memory>
+#include <new>
 
-#include "filterprocessor/filter_processor.h"
 #include "commit_hash.h"
+#include "filterprocessor/filter_processor.h"
 #include "framework/registry/filter_factory.h"
 
 using filterprocessor::FilterFactory;
@@ -23,21 +25,28 @@ const char* zv_get_filter_name(int32_t index) {
 PrivFilterContext* zv_create_filter(int32_t index) {
   std::shared_ptr<IPrivFilter> filter = FilterFactory::getInstance()->createFilter(index);
   if (!filter) return nullptr;
-  auto holder = std::make_unique<zv_priv_filter_t>(zv_priv_filter_t{std::move(filter)});
-  auto context = std::make_unique<PrivFilterContext>();
-  context->destroy = zv_priv_filter_context_destroy;
-  context->filter = holder.release();
-  context->reset = zv_priv_filter_reset;
-  context->get_config_schema = zv_priv_filter_get_config_schema;
-  context->update_config = zv_priv_filter_update_config;
-  context->process = zv_priv_filter_process;
-  return context.release();
+  void* const holder = std::malloc(sizeof(zv_priv_filter_t));
+  void* const record = std::malloc(sizeof(PrivFilterContext));
+  if (holder == nullptr || record == nullptr) {
+    std::free(holder);
+    std::free(record);
+    return nullptr;
+  }
+  return new (record) PrivFilterContext{
+      .destroy = zv_priv_filter_context_destroy,
+      .filter = new (holder) zv_priv_filter_t{std::move(filter)},
+      .reset = zv_priv_filter_reset,
+      .get_config_schema = zv_priv_filter_get_config_schema,
+      .update_config = zv_priv_filter_update_config,
+      .process = zv_priv_filter_process,
+  };
 }
 
 void zv_priv_filter_context_destroy(PrivFilterContext* context) {
   if (context == nullptr) return;
-  delete context->filter;
-  delete context;
+  std::destroy_at(context->filter);
+  std::free(context->filter);
+  std::free(context);
 }
 
 const char* zv_priv_filter_get_config_schema(zv_priv_filter_t* filter, zv_error** error) {

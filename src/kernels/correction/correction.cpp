@@ -1,7 +1,5 @@
 #include "kernels/correction/correction.h"
 
-#include "kernels/correction/correction_plain.h"
-
 namespace filterprocessor {
 
 namespace {

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "common/saturate.h"
+
 namespace filterprocessor {
 
 /// Clearing of one depth at one level, in place on `count` pixels.
@@ -21,6 +23,16 @@ struct PixelRange {
 
 /// trunc(scale p) never changes direction as p grows, so the values are one stretch, found by bisection.
 PixelRange pixels_of_depth(float scale, std::int32_t depth);
+
+namespace plain {
+
+inline std::int32_t depth_of(std::uint16_t pixel, float scale) {
+  return saturate<std::int32_t>(scale * static_cast<float>(pixel));
+}
+
+extern const CorrectionKernels correction;
+
+}  // namespace plain
 
 }  // namespace filterprocessor
 

@@ -1,6 +1,9 @@
-#include "kernels/correction/correction_vector.h"
+#include "kernels/correction/correction.h"
+#include "kernels/simd/simd.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
+
+namespace {
 
 void clear_depth(std::uint16_t* pixels, std::size_t count, float scale, std::int32_t depth) {
   const PixelRange range = pixels_of_depth(scale, depth);
@@ -13,5 +16,9 @@ void clear_depth(std::uint16_t* pixels, std::size_t count, float scale, std::int
       sweep(0, count, ahead, [&](std::size_t at) { cleared(U16::load(pixels + at)).store(pixels + at); });
   cleared(U16::load_first(pixels + i, count - i)).store_first(pixels + i, count - i);
 }
+
+}  // namespace
+
+extern const CorrectionKernels correction = {clear_depth};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

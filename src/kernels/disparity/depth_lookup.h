@@ -21,8 +21,8 @@ struct DepthQuotient {
   bool signed_14_bit;
 };
 
-/// Conversion of codes to depth at one level. `source` and `target` hold `count` pixels and do not
-/// overlap. `table` has an entry for each of the 65536 codes, 0 for those that the camera does not have.
+/// Conversion of codes to depth at one level. `source` and `target` hold `count` pixels and are
+/// the same or do not overlap. `table` has an entry for each of the 65536 codes, 0 for those that the camera does not have.
 struct DepthLookupKernels {
   using Load = void(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
                     const std::uint16_t* table);
@@ -35,6 +35,11 @@ struct DepthLookupKernels {
   Compute* plain_quotient;
   Compute* packed_quotient;
 };
+
+namespace plain {
+DepthLookupKernels::Load convert_plain_codes, convert_packed_codes;
+extern const DepthLookupKernels depth_lookup;
+}  // namespace plain
 
 }  // namespace filterprocessor
 

@@ -1,4 +1,5 @@
-#include "kernels/disparity/depth_lookup_vector.h"
+#include "kernels/disparity/depth_lookup.h"
+#include "kernels/simd/simd.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
@@ -71,8 +72,6 @@ void convert_packed(const std::uint16_t* source, std::uint16_t* target, std::siz
   });
 }
 
-}  // namespace
-
 void convert_plain_quotient(const std::uint16_t* source, std::uint16_t* target, std::size_t count,
                             const DepthQuotient& quotient) {
   if (Simple::covers(quotient)) return convert_all(source, target, count, Simple(quotient));
@@ -84,5 +83,10 @@ void convert_packed_quotient(const std::uint16_t* source, std::uint16_t* target,
   if (Simple::covers(quotient)) return convert_packed(source, target, count, Simple(quotient));
   convert_packed(source, target, count, General(quotient));
 }
+
+}  // namespace
+
+extern const DepthLookupKernels depth_lookup = {plain::convert_plain_codes, plain::convert_packed_codes,
+                                                convert_plain_quotient, convert_packed_quotient};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -58,6 +58,16 @@ struct DepthTableKernels {
 /// In a stereo table these and larger codes are 0 whatever the rule says.
 inline constexpr std::size_t kStereoCodeEnd = 65532;
 
+namespace plain {
+
+/// The entry that a rule gives `code`.
+std::uint16_t stereo_entry(const StereoRule& rule, std::size_t code);
+std::uint16_t mono_entry(const MonoRule& rule, std::size_t code);
+
+extern const DepthTableKernels depth_table;
+
+}  // namespace plain
+
 }  // namespace filterprocessor
 
 #endif

@@ -1,10 +1,19 @@
-#include "kernels/disparity/depth_table_plain.h"
-
 #include <cmath>
 
 #include "common/saturate.h"
+#include "kernels/disparity/depth_table.h"
 
 namespace filterprocessor::plain {
+
+namespace {
+
+std::uint16_t mono_depth(const MonoRule& rule, double disparity) {
+  const double z = rule.numerator / std::fma(disparity + rule.disparity_offset, rule.slope, 1.0);
+  return rule.limits.min <= z && z < rule.limits.end && z <= rule.limits.max ? saturate<std::uint16_t>(z)
+                                                                             : std::uint16_t{0};
+}
+
+}  // namespace
 
 std::uint16_t stereo_entry(const StereoRule& rule, std::size_t code) {
   if (code >= kStereoCodeEnd) return 0;
@@ -18,20 +27,6 @@ std::uint16_t stereo_entry(const StereoRule& rule, std::size_t code) {
   if (z > rule.limits.max || z >= rule.limits.end || z < rule.limits.min) return 0;
   return saturate<std::uint16_t>(z);
 }
-
-void build_stereo_table(const StereoRule& rule, std::uint16_t* table, std::size_t size) {
-  for (std::size_t code = 0; code < size; ++code) table[code] = stereo_entry(rule, code);
-}
-
-namespace {
-
-std::uint16_t mono_depth(const MonoRule& rule, double disparity) {
-  const double z = rule.numerator / std::fma(disparity + rule.disparity_offset, rule.slope, 1.0);
-  return rule.limits.min <= z && z < rule.limits.end && z <= rule.limits.max ? saturate<std::uint16_t>(z)
-                                                                             : std::uint16_t{0};
-}
-
-}  // namespace
 
 std::uint16_t mono_entry(const MonoRule& rule, std::size_t code) {
   const auto i = static_cast<double>(code);
@@ -50,8 +45,18 @@ std::uint16_t mono_entry(const MonoRule& rule, std::size_t code) {
   }
 }
 
+namespace {
+
+void build_stereo_table(const StereoRule& rule, std::uint16_t* table, std::size_t size) {
+  for (std::size_t code = 0; code < size; ++code) table[code] = stereo_entry(rule, code);
+}
+
 void build_mono_table(const MonoRule& rule, std::uint16_t* table, std::size_t size) {
   for (std::size_t code = 0; code < size; ++code) table[code] = mono_entry(rule, code);
 }
+
+}  // namespace
+
+extern const DepthTableKernels depth_table = {build_stereo_table, build_mono_table};
 
 }  // namespace filterprocessor::plain

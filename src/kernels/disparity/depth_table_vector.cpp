@@ -1,6 +1,5 @@
-#include "kernels/disparity/depth_table_vector.h"
-
-#include "kernels/disparity/depth_table_plain.h"
+#include "kernels/disparity/depth_table.h"
+#include "kernels/simd/simd.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
@@ -66,8 +65,6 @@ void fill_mono(const MonoRule& rule, std::uint16_t* table, std::size_t begin, st
   fill(rule, plain::mono_entry, depths, table, begin, end);
 }
 
-}  // namespace
-
 void build_stereo_table(const StereoRule& rule, std::uint16_t* table, std::size_t size) {
   (rule.layout == CodeLayout::inverted ? fill_stereo<CodeLayout::inverted>
                                        : fill_stereo<CodeLayout::linear>)(rule, table, size);
@@ -93,5 +90,9 @@ void build_mono_table(const MonoRule& rule, std::uint16_t* table, std::size_t si
       break;
   }
 }
+
+}  // namespace
+
+extern const DepthTableKernels depth_table = {build_stereo_table, build_mono_table};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -10,13 +10,11 @@ namespace {
 
 using filterprocessor::MarginRule;
 
-enum Status : int32_t { kDone = 0, kNullData = -1, kMarginAboveLimit = -2, kBadArgument = -3 };
+enum Status : int32_t { kDone = 0, kNullData = -1, kMarginAboveLimit = -2, kBadArgument = -3, kNoMemory = -4 };
 
 int32_t clear(uint16_t* data, int32_t width, int32_t height, const MarginRule& rule) {
-  if (width > 0 && height > 0) {
-    filterprocessor::active_kernels().margin.clear(data, width, height, rule);
-  }
-  return kDone;
+  if (width < 1 || height < 1) return kDone;
+  return filterprocessor::active_kernels().margin.clear(data, width, height, rule) ? kDone : kNoMemory;
 }
 
 struct Sides {

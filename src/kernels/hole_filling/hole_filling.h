@@ -19,6 +19,10 @@ struct HoleFillingKernels {
 /// Pixels that are filled together; the first of each group takes the pixel to its left alone.
 inline constexpr std::size_t kHoleGroup = 8;
 
+namespace plain {
+extern const HoleFillingKernels hole_filling;
+}
+
 }  // namespace filterprocessor
 
 #endif

@@ -1,6 +1,6 @@
-#include "kernels/hole_filling/hole_filling_plain.h"
-
 #include <algorithm>
+
+#include "kernels/hole_filling/hole_filling.h"
 
 namespace filterprocessor::plain {
 
@@ -8,8 +8,6 @@ namespace {
 constexpr std::uint16_t kNone = 65535;
 std::uint16_t none_if_zero(std::uint16_t value) { return value == 0 ? kNone : value; }
 std::uint16_t zero_if_none(std::uint16_t value) { return value == kNone ? 0 : value; }
-}  // namespace
-
 void fill_top(std::uint16_t* pixels, std::size_t width, std::size_t height) {
   for (std::size_t y = 1; y < height; ++y) {
     std::uint16_t* row = pixels + y * width;
@@ -50,5 +48,9 @@ void fill_larger(std::uint16_t* pixels, std::size_t width, std::size_t height) {
     }
   }
 }
+
+}  // namespace
+
+extern const HoleFillingKernels hole_filling = {fill_top, fill_smaller, fill_larger};
 
 }  // namespace filterprocessor::plain

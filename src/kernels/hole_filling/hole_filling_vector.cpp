@@ -1,6 +1,5 @@
-#include "kernels/hole_filling/hole_filling_vector.h"
-
-#include "kernels/hole_filling/hole_filling_plain.h"
+#include "kernels/hole_filling/hole_filling.h"
+#include "kernels/simd/simd.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
@@ -111,10 +110,8 @@ void fill(std::uint16_t* pixels, std::size_t width, std::size_t height) {
   for (std::size_t y = 1; y + 1 < height; ++y) fill_row<Order>(pixels + y * width, width);
 }
 
-}  // namespace
-
 void fill_top(std::uint16_t* pixels, std::size_t width, std::size_t height) {
-  if (width < kLanes) return plain::fill_top(pixels, width, height);
+  if (width < kLanes) return plain::hole_filling.top(pixels, width, height);
   // Rows follow each other without gaps and a vector is no wider than a row, so the vector above is
   // always final and the image is one flat sweep.
   if (height < 2) return;
@@ -132,5 +129,9 @@ void fill_smaller(std::uint16_t* pixels, std::size_t width, std::size_t height) 
 void fill_larger(std::uint16_t* pixels, std::size_t width, std::size_t height) {
   fill<Larger>(pixels, width, height);
 }
+
+}  // namespace
+
+extern const HoleFillingKernels hole_filling = {fill_top, fill_smaller, fill_larger};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

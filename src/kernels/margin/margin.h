@@ -19,12 +19,17 @@ struct MarginRule {
 
 /// Margin clearing at one level.
 struct MarginKernels {
-  /// Works in place on `width` x `height` pixels, both at least 1. @throws std::bad_alloc
-  using Clear = void(std::uint16_t* pixels, std::int32_t width, std::int32_t height,
+  /// Works in place on `width` x `height` pixels, both at least 1.
+  /// @return false when there is no memory for two numbers a column; nothing has changed then
+  using Clear = bool(std::uint16_t* pixels, std::int32_t width, std::int32_t height,
                      const MarginRule& rule);
 
   Clear* clear;
 };
+
+namespace plain {
+extern const MarginKernels margin;
+}
 
 }  // namespace filterprocessor
 

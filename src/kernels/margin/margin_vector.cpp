@@ -1,8 +1,7 @@
-#include "kernels/margin/margin_vector.h"
-
 #include <cstring>
 
-#include "kernels/margin/margin_plain.h"
+#include "kernels/margin/margin.h"
+#include "kernels/simd/simd.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
@@ -158,9 +157,7 @@ void clear_columns(std::uint16_t* pixels, std::size_t width, std::size_t height,
   }
 }
 
-}  // namespace
-
-void clear_margins(std::uint16_t* pixels, std::int32_t width, std::int32_t height,
+bool clear_margins(std::uint16_t* pixels, std::int32_t width, std::int32_t height,
                    const MarginRule& rule) {
   const auto columns = static_cast<std::size_t>(width);
   const auto rows = static_cast<std::size_t>(height);
@@ -173,7 +170,7 @@ void clear_margins(std::uint16_t* pixels, std::int32_t width, std::int32_t heigh
   const Border right(columns, std::int64_t{rule.limit_x} - 1, rule.right, clipped);
   const std::size_t band_rows = smaller(top.band + bottom.band, rows);
   if (columns < kWindow || band_rows > kMostBandRows) {
-    return plain::clear_margins(pixels, width, height, rule);
+    return plain::margin.clear(pixels, width, height, rule);
   }
   const Rows margins = {pixels, columns, left, right, rule.chamfer};
 
@@ -194,6 +191,11 @@ void clear_margins(std::uint16_t* pixels, std::int32_t width, std::int32_t heigh
     margins.find(y, count, gaps);
     margins.clear(y, count, gaps);
   }
+  return true;
 }
+
+}  // namespace
+
+extern const MarginKernels margin = {clear_margins};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -17,6 +17,13 @@ struct ResizeAxis {
   std::uint32_t start;
   std::uint32_t step;
 
+  std::size_t start_position() const { return start >> 16; }
+  /// Whether all target positions take consecutive source positions inside the source.
+  bool copies_all() const {
+    if (first != 0 || end != target_size || end == 0) return false;
+    const std::uint64_t last = start + std::uint64_t{step} * (end - 1);
+    return (last >> 16) - start_position() == end - 1 && last >> 16 < source_size && last >> 32 == 0;
+  }
   std::size_t source(std::size_t target) const {
     return (start + static_cast<std::uint32_t>(target - first) * step) >> 16;
   }
@@ -38,6 +45,10 @@ std::int32_t resized(float extent, float scale, std::int32_t before, std::int32_
 /// the scaled source, or removed where negative; `scale` is at least 0.001.
 ResizeAxis resize_axis(std::int32_t source_size, std::int32_t target_size, float scale,
                        std::int32_t before);
+
+namespace plain {
+extern const ResizeKernels resize;
+}
 
 }  // namespace filterprocessor
 

@@ -1,8 +1,10 @@
-#include "kernels/resize/resize_plain.h"
-
 #include <algorithm>
 
+#include "kernels/resize/resize.h"
+
 namespace filterprocessor::plain {
+
+namespace {
 
 void resize_image(const std::uint16_t* source, const ResizeAxis& columns, const ResizeAxis& rows,
                   std::uint16_t* target) {
@@ -20,5 +22,9 @@ void resize_image(const std::uint16_t* source, const ResizeAxis& columns, const 
     }
   }
 }
+
+}  // namespace
+
+extern const ResizeKernels resize = {resize_image};
 
 }  // namespace filterprocessor::plain

@@ -1,8 +1,7 @@
-#include "kernels/resize/resize_vector.h"
-
 #include <cstring>
 
-#include "kernels/resize/resize_plain.h"
+#include "kernels/resize/resize.h"
+#include "kernels/simd/simd.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
@@ -111,11 +110,9 @@ struct Strip {
   }
 };
 
-}  // namespace
-
 void resize_image(const std::uint16_t* source, const ResizeAxis& columns, const ResizeAxis& rows,
                   std::uint16_t* target) {
-  if (wraps(columns)) return plain::resize_image(source, columns, rows, target);
+  if (wraps(columns)) return plain::resize.resize(source, columns, rows, target);
 
   const std::size_t width = columns.target_size;
   const std::size_t count = positions_inside(columns);
@@ -147,5 +144,9 @@ void resize_image(const std::uint16_t* source, const ResizeAxis& columns, const 
     }
   }
 }
+
+}  // namespace
+
+extern const ResizeKernels resize = {resize_image};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -1,3 +1,4 @@
+/// The level of processors with VBMI2: F, BW, DQ, VL, VBMI and VBMI2 together.
 #ifndef FILTERPROCESSOR_KERNELS_SIMD_AVX512_H
 #define FILTERPROCESSOR_KERNELS_SIMD_AVX512_H
 
@@ -5,131 +6,103 @@
 #include <cstdint>
 #include <immintrin.h>
 
+#define MM(operation) _mm512_##operation
+#define MM_WHOLE(operation) _mm512_##operation##_si512
+#define MM_COMPARE(type) _mm512_cmp_##type##_mask
+
+namespace filterprocessor::avx512 {
+struct Registers {
+  using U16 = __m512i;
+  using Mask16 = std::uint32_t;
+  using F64 = __m512d;
+  using Mask64 = __mmask8;
+  using F32 = __m512;
+  using Mask32 = __mmask16;
+  static constexpr std::size_t table_entries = 32;
+};
+}  // namespace filterprocessor::avx512
+
+#include "kernels/simd/x86.h"
+
 namespace filterprocessor::avx512 {
 
-struct Mask16 {
-  std::uint32_t bits;
-
-  /// The first `count` lanes.
-  static Mask16 first(std::size_t count) { return {_bzhi_u32(~0u, static_cast<std::uint32_t>(count))}; }
-  /// The first lane of every group.
-  static Mask16 group_starts() { return {0x01010101u}; }
-
-  friend Mask16 operator&(Mask16 a, Mask16 b) { return {a.bits & b.bits}; }
-  friend Mask16 operator|(Mask16 a, Mask16 b) { return {a.bits | b.bits}; }
-  friend Mask16 operator~(Mask16 a) { return {~a.bits}; }
-  bool any() const { return bits != 0; }
-
-  /// Moves every group's flags up by N lanes and sets the first N.
-  template <int N>
-  Mask16 shifted_in_groups() const {
-    return {bits << N | 0x01010101u * ((1u << N) - 1)};
-  }
-  /// Every group gets the flag of its last lane.
-  Mask16 last_of_groups() const { return {(bits >> 7 & 0x01010101u) * 0xffu}; }
-  /// Moves the groups up by N and sets the first N.
-  template <int N>
-  Mask16 shifted_by_groups() const {
-    return {bits << 8 * N | ((1u << 8 * N) - 1)};
-  }
-};
-
-struct U16 {
-  static constexpr std::size_t lanes = 32;
-  static constexpr std::size_t groups = 4;
-
-  __m512i v;
-
-  static U16 zero() { return {_mm512_setzero_si512()}; }
-  static U16 splat(std::uint16_t value) { return {_mm512_set1_epi16(static_cast<short>(value))}; }
-  static U16 load(const std::uint16_t* from) { return {_mm512_loadu_si512(from)}; }
-  /// Reads `count` values (at most `lanes`) and sets the other lanes to 0.
-  static U16 load_first(const std::uint16_t* from, std::size_t count) {
-    return {_mm512_maskz_loadu_epi16(Mask16::first(count).bits, from)};
-  }
-  void store(std::uint16_t* to) const { _mm512_storeu_si512(to, v); }
-  void store_first(std::uint16_t* to, std::size_t count) const {
-    _mm512_mask_storeu_epi16(to, Mask16::first(count).bits, v);
-  }
-  /// Writes the flagged lanes. `old` is what stands there.
-  void store_where(Mask16 mask, std::uint16_t* to, U16 /*old*/) const {
-    _mm512_mask_storeu_epi16(to, mask.bits, v);
-  }
-
-  Mask16 is_zero() const { return {_mm512_testn_epi16_mask(v, v)}; }
-
-  /// Moves every group's lanes up by N; 0 moves in.
-  template <int N>
-  U16 shifted_in_groups() const {
-    return {_mm512_bslli_epi128(v, 2 * N)};
-  }
-  /// Every lane of a group gets the group's last value.
-  U16 last_of_groups() const { return {_mm512_shuffle_epi8(v, _mm512_set1_epi16(0x0f0e))}; }
-  /// Moves the groups up by N; 0 moves in.
-  template <int N>
-  U16 shifted_by_groups() const {
-    return {_mm512_alignr_epi64(v, _mm512_setzero_si512(), 8 - 2 * N)};
-  }
-  /// Every lane gets the last value.
-  U16 last() const { return {_mm512_permutexvar_epi16(_mm512_set1_epi16(31), v)}; }
-  /// The odd lanes of the two vectors, those of `a` first.
-  static U16 odd_lanes(U16 a, U16 b) {
-    const __m512i index = _mm512_add_epi16(
-        _mm512_slli_epi16(_mm512_cvtepu8_epi16(_mm256_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12,
-                                                                13, 14, 15, 16, 17, 18, 19, 20, 21, 22,
-                                                                23, 24, 25, 26, 27, 28, 29, 30, 31)),
-                          1),
-        _mm512_set1_epi16(1));
-    return {_mm512_permutex2var_epi16(a.v, index, b.v)};
-  }
-  /// Every odd lane twice.
-  U16 odd_doubled() const {
-    return {_mm512_shuffle_epi8(v, _mm512_broadcast_i32x4(_mm_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11,
-                                                                        10, 11, 14, 15, 14, 15)))};
-  }
-  /// Entries that lookup() takes from a table.
-  static constexpr std::size_t table_entries = 32;
-  /// `table_entries` entries for lookup().
-  static U16 load_table(const std::uint16_t* entries) { return load(entries); }
-  /// The entries of a loaded table at indices below `table_entries`.
-  static U16 lookup(U16 table, U16 index) { return {_mm512_permutexvar_epi16(index.v, table.v)}; }
-
-  /// Reads eight values per group, group g at from + offset[g].
-  static U16 load_groups(const std::uint16_t* from, const std::size_t (&offset)[groups]) {
-    const auto piece = [&](std::size_t group) {
-      return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + offset[group]));
-    };
-    __m512i all = _mm512_castsi128_si512(piece(0));
-    all = _mm512_inserti64x2(all, piece(1), 1);
-    all = _mm512_inserti64x2(all, piece(2), 2);
-    return {_mm512_inserti64x2(all, piece(3), 3)};
-  }
-  void store_groups(std::uint16_t* to, const std::size_t (&offset)[groups]) const {
-    const auto put = [&](std::size_t group, __m128i piece) {
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(to + offset[group]), piece);
-    };
-    put(0, _mm512_castsi512_si128(v));
-    put(1, _mm512_extracti64x2_epi64(v, 1));
-    put(2, _mm512_extracti64x2_epi64(v, 2));
-    put(3, _mm512_extracti64x2_epi64(v, 3));
-  }
-};
-
-inline U16 operator&(U16 a, U16 b) { return {_mm512_and_si512(a.v, b.v)}; }
-inline U16 max(U16 a, U16 b) { return {_mm512_max_epu16(a.v, b.v)}; }
-/// a or b by lane, whichever is larger where flagged; a elsewhere.
-inline U16 max_where(Mask16 mask, U16 a, U16 b) {
-  return {_mm512_mask_max_epu16(a.v, mask.bits, a.v, b.v)};
+inline Mask16 Mask16::first(std::size_t count) {
+  return {_bzhi_u32(~0u, static_cast<std::uint32_t>(count))};
 }
-inline U16 select(Mask16 mask, U16 yes, U16 no) {
-  return {_mm512_mask_blend_epi16(mask.bits, no.v, yes.v)};
+inline Mask16 Mask16::group_starts() { return {0x01010101u}; }
+inline Mask16 operator&(Mask16 a, Mask16 b) { return {a.v & b.v}; }
+inline Mask16 operator|(Mask16 a, Mask16 b) { return {a.v | b.v}; }
+inline Mask16 operator~(Mask16 a) { return {~a.v}; }
+inline Mask16 without(Mask16 a, Mask16 b) { return {a.v & ~b.v}; }
+inline bool Mask16::any() const { return v != 0; }
+template <int N>
+Mask16 Mask16::shifted_in_groups() const {
+  return {v << N | 0x01010101u * ((1u << N) - 1)};
 }
-/// 65535 - a; 0 where a is 0.
+inline Mask16 Mask16::last_of_groups() const { return {(v >> 7 & 0x01010101u) * 0xffu}; }
+template <int N>
+Mask16 Mask16::shifted_by_groups() const {
+  return {v << 8 * N | ((1u << 8 * N) - 1)};
+}
+
+inline U16 U16::load_first(const std::uint16_t* from, std::size_t count) {
+  return {_mm512_maskz_loadu_epi16(Mask16::first(count).v, from)};
+}
+inline void U16::store_first(std::uint16_t* to, std::size_t count) const {
+  _mm512_mask_storeu_epi16(to, Mask16::first(count).v, v);
+}
+inline void U16::store_where(Mask16 mask, std::uint16_t* to, U16 /*old*/) const {
+  _mm512_mask_storeu_epi16(to, mask.v, v);
+}
+inline Mask16 U16::is_zero() const { return {_mm512_testn_epi16_mask(v, v)}; }
+template <int N>
+U16 U16::shifted_by_groups() const {
+  return {_mm512_alignr_epi64(v, _mm512_setzero_si512(), 8 - 2 * N)};
+}
+inline U16 U16::last() const { return {_mm512_permutexvar_epi16(_mm512_set1_epi16(31), v)}; }
+inline U16 U16::odd_lanes(U16 a, U16 b) {
+  const __m512i index =
+      _mm512_add_epi16(_mm512_slli_epi16(_mm512_cvtepu8_epi16(_mm256_setr_epi8(
+                                             0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17,
+                                             18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31)),
+                                         1),
+                       _mm512_set1_epi16(1));
+  return {_mm512_permutex2var_epi16(a.v, index, b.v)};
+}
+inline U16 U16::odd_doubled() const {
+  return {_mm512_shuffle_epi8(
+      v, _mm512_broadcast_i32x4(_mm_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15)))};
+}
+inline U16 U16::load_table(const std::uint16_t* entries) { return load(entries); }
+inline U16 U16::lookup(U16 table, U16 index) { return {_mm512_permutexvar_epi16(index.v, table.v)}; }
+inline U16 U16::load_groups(const std::uint16_t* from, const std::size_t (&offset)[groups]) {
+  const auto piece = [&](std::size_t group) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + offset[group]));
+  };
+  __m512i all = _mm512_castsi128_si512(piece(0));
+  all = _mm512_inserti64x2(all, piece(1), 1);
+  all = _mm512_inserti64x2(all, piece(2), 2);
+  return {_mm512_inserti64x2(all, piece(3), 3)};
+}
+inline void U16::store_groups(std::uint16_t* to, const std::size_t (&offset)[groups]) const {
+  const auto put = [&](std::size_t group, __m128i piece) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + offset[group]), piece);
+  };
+  put(0, _mm512_castsi512_si128(v));
+  put(1, _mm512_extracti64x2_epi64(v, 1));
+  put(2, _mm512_extracti64x2_epi64(v, 2));
+  put(3, _mm512_extracti64x2_epi64(v, 3));
+}
+
+inline U16 select(Mask16 mask, U16 yes, U16 no) { return {_mm512_mask_blend_epi16(mask.v, no.v, yes.v)}; }
+inline U16 keep(Mask16 mask, U16 a) { return {_mm512_maskz_mov_epi16(mask.v, a.v)}; }
+inline U16 max_where(Mask16 mask, U16 a, U16 b) { return {_mm512_mask_max_epu16(a.v, mask.v, a.v, b.v)}; }
+inline U16 increment_where(Mask16 mask, U16 value) {
+  return {_mm512_mask_add_epi16(value.v, mask.v, value.v, _mm512_set1_epi16(1))};
+}
 inline U16 complement_nonzero(U16 a) {
   return {_mm512_maskz_sub_epi16(_mm512_test_epi16_mask(a.v, a.v), _mm512_set1_epi16(-1), a.v)};
 }
-
-/// The lanes of a and b in turn: of their lower halves, and of their upper halves.
 inline U16 interleave_low(U16 a, U16 b) {
   const __m512i order = _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11);
   return {
@@ -141,80 +114,15 @@ inline U16 interleave_high(U16 a, U16 b) {
       _mm512_permutex2var_epi64(_mm512_unpacklo_epi16(a.v, b.v), order, _mm512_unpackhi_epi16(a.v, b.v))};
 }
 
-inline U16 operator|(U16 a, U16 b) { return {_mm512_or_si512(a.v, b.v)}; }
-inline U16 operator-(U16 a, U16 b) { return {_mm512_sub_epi16(a.v, b.v)}; }
-/// The flags of a that b lacks.
-inline Mask16 without(Mask16 a, Mask16 b) { return {a.bits & ~b.bits}; }
-/// a <= b, unsigned.
-inline Mask16 at_most(U16 a, U16 b) { return {_mm512_cmple_epu16_mask(a.v, b.v)}; }
-/// a where flagged, 0 elsewhere.
-inline U16 keep(Mask16 mask, U16 a) { return {_mm512_maskz_mov_epi16(mask.bits, a.v)}; }
-
-template <int N>
-U16 shifted_left(U16 a) {
-  return {_mm512_slli_epi16(a.v, N)};
-}
-template <int N>
-U16 shifted_right(U16 a) {
-  return {_mm512_srli_epi16(a.v, N)};
-}
-/// The low 14 bits of each lane as a two's-complement number.
-inline U16 sign_extended_14(U16 a) { return {_mm512_srai_epi16(_mm512_slli_epi16(a.v, 2), 2)}; }
-
-struct Mask64 {
-  __mmask8 bits;
-
-  friend Mask64 operator&(Mask64 a, Mask64 b) { return {static_cast<__mmask8>(a.bits & b.bits)}; }
-};
-/// The flags of a that b lacks.
-inline Mask64 without(Mask64 a, Mask64 b) { return {static_cast<__mmask8>(a.bits & ~b.bits)}; }
-
-struct F64 {
-  static constexpr std::size_t lanes = 8;
-
-  __m512d v;
-
-  static F64 splat(double value) { return {_mm512_set1_pd(value)}; }
-  /// start, start + 1, ...
-  static F64 counting_from(double start) {
-    return {_mm512_add_pd(_mm512_set1_pd(start), _mm512_setr_pd(0, 1, 2, 3, 4, 5, 6, 7))};
-  }
-  /// Writes the flagged lanes (0 to below 65536) truncated, and 0 for the others.
-  void store_truncated(Mask64 mask, std::uint16_t* to) const {
-    const __m256i whole = _mm512_maskz_cvttpd_epi32(mask.bits, v);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_cvtepi32_epi16(whole));
-  }
-};
-
-inline F64 operator+(F64 a, F64 b) { return {_mm512_add_pd(a.v, b.v)}; }
-inline F64 operator-(F64 a, F64 b) { return {_mm512_sub_pd(a.v, b.v)}; }
-inline F64 operator*(F64 a, F64 b) { return {_mm512_mul_pd(a.v, b.v)}; }
-inline F64 operator/(F64 a, F64 b) { return {_mm512_div_pd(a.v, b.v)}; }
-/// a x b + c, rounded once.
-inline F64 fused_multiply_add(F64 a, F64 b, F64 c) { return {_mm512_fmadd_pd(a.v, b.v, c.v)}; }
-inline F64 abs(F64 a) { return {_mm512_abs_pd(a.v)}; }
-inline Mask64 operator<(F64 a, F64 b) { return {_mm512_cmp_pd_mask(a.v, b.v, _CMP_LT_OQ)}; }
-inline Mask64 operator>(F64 a, F64 b) { return {_mm512_cmp_pd_mask(a.v, b.v, _CMP_GT_OQ)}; }
-inline Mask64 operator<=(F64 a, F64 b) { return {_mm512_cmp_pd_mask(a.v, b.v, _CMP_LE_OQ)}; }
-inline Mask64 operator>=(F64 a, F64 b) { return {_mm512_cmp_pd_mask(a.v, b.v, _CMP_GE_OQ)}; }
-
-inline U16 operator>>(U16 a, unsigned count) {
-  return {_mm512_srl_epi16(a.v, _mm_cvtsi32_si128(static_cast<int>(count)))};
-}
-inline U16 min(U16 a, U16 b) { return {_mm512_min_epu16(a.v, b.v)}; }
-inline U16 add_saturated(U16 a, U16 b) { return {_mm512_adds_epu16(a.v, b.v)}; }
-inline U16 subtract_saturated(U16 a, U16 b) { return {_mm512_subs_epu16(a.v, b.v)}; }
 inline Mask16 equal(U16 a, U16 b) { return {_mm512_cmpeq_epi16_mask(a.v, b.v)}; }
 inline Mask16 differ(U16 a, U16 b) { return {_mm512_cmpneq_epi16_mask(a.v, b.v)}; }
+inline Mask16 at_most(U16 a, U16 b) { return {_mm512_cmple_epu16_mask(a.v, b.v)}; }
+inline Mask16 counts_below(U16 a, U16 b) { return {_mm512_cmplt_epi16_mask(a.v, b.v)}; }
 
-/// The flags of 64 lanes in order, the first in the lowest bit.
 inline std::uint64_t bits_of(const Mask16 (&masks)[2]) {
-  return masks[0].bits | std::uint64_t{masks[1].bits} << 32;
+  return masks[0].v | std::uint64_t{masks[1].v} << 32;
 }
-/// The same for 32 lanes.
-inline std::uint32_t bits_of(const Mask16 (&masks)[1]) { return masks[0].bits; }
-/// Writes `base` + the positions of the set bits, ascending, and up to 64 values of no meaning.
-/// @return the number of set bits
+inline std::uint32_t bits_of(const Mask16 (&masks)[1]) { return masks[0].v; }
 inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::uint16_t* to) {
   const __m512i index =
       _mm512_set_epi64(0x3f3e3d3c3b3a3938, 0x3736353433323130, 0x2f2e2d2c2b2a2928, 0x2726252423222120,
@@ -227,11 +135,8 @@ inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::
   if (count > 32) _mm512_storeu_si512(to + 32, widened(_mm512_extracti64x4_epi64(found, 1)));
   return count;
 }
-
-/// Writes the first `count` lanes, 1 to all, of a vector of equal values.
 inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) { value.store_first(to, count); }
 
-/// Adds two numbers of `words` words, lowest first.
 inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum,
                      std::size_t words) {
   std::uint32_t carry = 0;
@@ -250,7 +155,6 @@ inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64
                              _mm512_mask_add_epi64(part, raised, part, _mm512_set1_epi64(1)));
   }
 }
-/// A bit for each of up to 64 words: whether it is not 0.
 inline std::uint64_t nonzero_words(const std::uint64_t* words, std::size_t count) {
   std::uint64_t bits = 0;
   for (std::size_t i = 0; i < count; i += 8) {
@@ -261,44 +165,19 @@ inline std::uint64_t nonzero_words(const std::uint64_t* words, std::size_t count
   return bits;
 }
 
-/// Half of a vector's pixels as 32-bit floats. They carry a bias of 2^23, which turns an integer into a
-/// float without a conversion and cancels in differences; it is exact, and so are the minimum and the
-/// difference.
-struct PixelF32 {
-  static constexpr float kBias = 8388608;
-
-  __m512 v;
-};
-struct F32 {
-  __m512 v;
-};
-/// A flag per lane of an F32.
-struct Mask32 {
-  __mmask16 bits;
-};
-
-/// A number that pixels are multiplied by, at most kLargest in magnitude.
-struct Factor {
-  static constexpr float kLargest = 1e30f;
-
-  F32 factor, offset;
-
-  explicit Factor(float value)
-      : factor{_mm512_set1_ps(value)}, offset{_mm512_set1_ps(-PixelF32::kBias * value)} {}
-};
-
-inline F32 operator-(PixelF32 a, PixelF32 b) { return {_mm512_sub_ps(a.v, b.v)}; }
-inline PixelF32 min(PixelF32 a, PixelF32 b) { return {_mm512_min_ps(a.v, b.v)}; }
-/// The product of pixel and factor, rounded once: the fused operation removes the exact product of the
-/// bias.
-inline F32 operator*(PixelF32 a, Factor b) { return {_mm512_fmadd_ps(a.v, b.factor.v, b.offset.v)}; }
-inline F32 operator+(F32 a, F32 b) { return {_mm512_add_ps(a.v, b.v)}; }
-/// sum + a x b in this processor family's roundings: product and sum each.
-inline F32 add_product(F32 sum, PixelF32 a, Factor b) { return sum + a * b; }
+inline Mask64 operator&(Mask64 a, Mask64 b) { return {static_cast<__mmask8>(a.v & b.v)}; }
+inline Mask64 without(Mask64 a, Mask64 b) { return {static_cast<__mmask8>(a.v & ~b.v)}; }
+inline F64 F64::counting_from(double start) {
+  return {_mm512_add_pd(_mm512_set1_pd(start), _mm512_setr_pd(0, 1, 2, 3, 4, 5, 6, 7))};
+}
+inline void F64::store_truncated(Mask64 mask, std::uint16_t* to) const {
+  const __m256i whole = _mm512_maskz_cvttpd_epi32(mask.v, v);
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_cvtepi32_epi16(whole));
+}
+inline F64 abs(F64 a) { return {_mm512_abs_pd(a.v)}; }
 inline F32 abs(F32 a) { return {_mm512_abs_ps(a.v)}; }
-inline Mask32 operator<(F32 a, F32 b) { return {_mm512_cmp_ps_mask(a.v, b.v, _CMP_LT_OQ)}; }
 
-/// A vector's pixels as floats: the even ones and the odd ones.
+/// The even pixels and the odd ones.
 struct PixelHalves {
   U16 pixels;
   PixelF32 first, second;
@@ -316,80 +195,44 @@ inline U16 join(PixelF32 first, PixelF32 second) {
   return {_mm512_mask_shuffle_epi8(_mm512_castps_si512(first.v), 0xccccccccccccccccu,
                                    _mm512_castps_si512(second.v), low_word_up)};
 }
-/// trunc(numerator / (k + offset)) in 32-bit float, to within the last bits of the quotient.
-/// kWholeOffset: the offset is one that takes() accepts, and the sum costs an operation less.
+inline U16 truncated_where(Mask32 in_first, F32 first, Mask32 in_second, F32 second,
+                           const PixelHalves& otherwise) {
+  constexpr int down = _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC;
+  const __m512 bias = _mm512_set1_ps(PixelF32::kBias);
+  return join({_mm512_mask_add_round_ps(otherwise.first.v, in_first.v, first.v, bias, down)},
+              {_mm512_mask_add_round_ps(otherwise.second.v, in_second.v, second.v, bias, down)});
+}
+
+/// To within the last bits of the quotient.
 template <bool kWholeOffset>
-class QuotientOf {
+class QuotientOf : public BiasedQuotient<kWholeOffset> {
  public:
-  static constexpr float kBias = 8388608;
+  using BiasedQuotient<kWholeOffset>::BiasedQuotient;
 
-  static bool takes(float offset) { return (offset - kBias) + kBias == offset; }
-
-  QuotientOf(float numerator, float offset)
-      : numerator_(_mm512_set1_ps(numerator)),
-        offset_(_mm512_set1_ps(kWholeOffset ? offset - kBias : offset)) {}
-
-  /// The quotients of the flagged lanes, which must lie between 0 and 65535; 0 elsewhere.
   U16 operator()(U16 k, Mask16 mask) const {
     const PixelHalves halves(k);
     return keep(mask, join(divide(halves.first), divide(halves.second)));
   }
 
  private:
-  PixelF32 divide(PixelF32 biased) const {
+  PixelF32 divide(PixelF32 k) const {
     // An estimate of the reciprocal and one Newton step are as good as a rounded division and faster. The
     // last operation adds the bias again and truncates.
-    const __m512 bias = _mm512_set1_ps(kBias);
-    __m512 divisor = biased.v;
-    if constexpr (!kWholeOffset) divisor = _mm512_sub_ps(divisor, bias);
-    divisor = _mm512_add_ps(divisor, offset_);
+    const __m512 divisor = this->divisor(k);
     const __m512 estimate = _mm512_rcp14_ps(divisor);
     const __m512 correction = _mm512_fnmadd_ps(divisor, estimate, _mm512_set1_ps(2.0f));
-    return {_mm512_fmadd_round_ps(_mm512_mul_ps(estimate, numerator_), correction, bias,
+    return {_mm512_fmadd_round_ps(_mm512_mul_ps(estimate, this->numerator_), correction,
+                                  _mm512_set1_ps(PixelF32::kBias),
                                   _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC)};
   }
-
-  __m512 numerator_;
-  __m512 offset_;
 };
 
-/// Truncated `a` and `b` (0 up to below 65536) where flagged, the pixels of `otherwise` elsewhere.
-inline U16 truncated_where(Mask32 in_a, F32 a, Mask32 in_b, F32 b, const PixelHalves& otherwise) {
-  constexpr int down = _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC;
-  const __m512 bias = _mm512_set1_ps(PixelF32::kBias);
-  return join({_mm512_mask_add_round_ps(otherwise.first.v, in_a.bits, a.v, bias, down)},
-              {_mm512_mask_add_round_ps(otherwise.second.v, in_b.bits, b.v, bias, down)});
-}
-
-/// Transposes the eight by eight values of every group.
-[[gnu::always_inline]] inline void transpose_groups(U16 (&rows)[8]) {
-  __m512i pairs[8];
-  for (int i = 0; i < 8; i += 2) {
-    pairs[i] = _mm512_unpacklo_epi16(rows[i].v, rows[i + 1].v);
-    pairs[i + 1] = _mm512_unpackhi_epi16(rows[i].v, rows[i + 1].v);
-  }
-  __m512i fours[8];
-  for (int i = 0; i < 8; i += 4) {
-    for (int j = 0; j < 2; ++j) {
-      fours[i + 2 * j] = _mm512_unpacklo_epi32(pairs[i + j], pairs[i + j + 2]);
-      fours[i + 2 * j + 1] = _mm512_unpackhi_epi32(pairs[i + j], pairs[i + j + 2]);
-    }
-  }
-  for (int i = 0; i < 4; ++i) {
-    rows[2 * i].v = _mm512_unpacklo_epi64(fours[i], fours[i + 4]);
-    rows[2 * i + 1].v = _mm512_unpackhi_epi64(fours[i], fours[i + 4]);
-  }
-}
-
-/// Pixels that know where they are valid (1 to 32767).
 class Pixels {
  public:
   explicit Pixels(U16 pixels) : value(pixels), valid_(_mm512_cmpgt_epi16_mask(pixels.v, U16::zero().v)) {}
-  /// Other pixels, valid in the same places.
   Pixels with(U16 pixels) const { return {pixels, valid_}; }
   Mask16 valid() const { return {valid_}; }
 
-  /// Where a and b are valid and closer than `bound`. Equal pixels may be flagged or not.
   friend Mask16 close(const Pixels& a, const Pixels& b, U16 bound) {
     // At a distance of 65535 nothing is close.
     const __m512i distance =
@@ -405,32 +248,20 @@ class Pixels {
   __mmask32 valid_;
 };
 
-/// The mean of a and b (up to 32767), ties to even, where flagged; b elsewhere.
 inline U16 mean_to_even_where(Mask16 mask, U16 a, U16 b) {
   const __m512i up = _mm512_avg_epu16(a.v, b.v);
   // One too high when the sum is odd and the mean, rounded up, is too: up & (a - b) & 1.
   const __m512i odd = _mm512_ternarylogic_epi32(up, (b - a).v, _mm512_set1_epi16(1), 0x80);
-  return {_mm512_mask_sub_epi16(b.v, mask.bits, up, odd)};
+  return {_mm512_mask_sub_epi16(b.v, mask.v, up, odd)};
 }
-/// a + b where flagged, otherwise `otherwise`.
 inline U16 add_where(Mask16 mask, U16 otherwise, U16 a, U16 b) {
-  return {_mm512_mask_add_epi16(otherwise.v, mask.bits, a.v, b.v)};
+  return {_mm512_mask_add_epi16(otherwise.v, mask.v, a.v, b.v)};
 }
-/// Signed a x b / 2^15, rounded; halves up.
-inline U16 multiply_round(U16 a, U16 b) { return {_mm512_mulhrs_epi16(a.v, b.v)}; }
-/// a and b (0 up to 65535), rounded; ties to even.
 inline U16 rounded(F32 a, F32 b) {
   const __m512 bias = _mm512_set1_ps(PixelF32::kBias);
   return join({_mm512_add_ps(a.v, bias)}, {_mm512_add_ps(b.v, bias)});
 }
-/// value + 1 where flagged.
-inline U16 increment_where(Mask16 mask, U16 value) {
-  return {_mm512_mask_add_epi16(value.v, mask.bits, value.v, _mm512_set1_epi16(1))};
-}
-/// a < b as signed numbers.
-inline Mask16 below(U16 a, U16 b) { return {_mm512_cmplt_epi16_mask(a.v, b.v)}; }
 
-/// Picks pixels out of the `reach` from an address on. N is 1, 2 or 4.
 template <int N>
 struct Picker {
   static constexpr std::size_t lanes = 32;
@@ -438,9 +269,7 @@ struct Picker {
 
   __m512i positions;
 
-  /// @param positions  `lanes` of them, below `reach`
   static Picker of(const std::uint16_t* positions) { return {_mm512_loadu_si512(positions)}; }
-  /// Writes `lanes` pixels.
   void pick(const std::uint16_t* from, std::uint16_t* to) const {
     const auto part = [from](std::size_t i) { return _mm512_loadu_si512(from + i * lanes); };
     __m512i picked;

@@ -1,25 +1,15 @@
-/// The vector types of the level that a file is compiled for. They have the same names and members at
-/// every level; intrinsics stand nowhere else.
-///
-/// U16 holds `lanes` unsigned 16-bit values in groups of eight (128 bits); Mask16 holds a flag per lane.
+/// The vector types of the level that a file is compiled for, and what follows from them. vocabulary.h says what every
+/// level has; intrinsics stand in the levels' headers alone.
 #ifndef FILTERPROCESSOR_KERNELS_SIMD_SIMD_H
 #define FILTERPROCESSOR_KERNELS_SIMD_SIMD_H
 
 #include <cstddef>
 #include <cstdint>
 
-#if defined(FILTERPROCESSOR_LEVEL_AVX512)
-#define FILTERPROCESSOR_LEVEL avx512
-#include "kernels/simd/avx512.h"
-#elif defined(FILTERPROCESSOR_LEVEL_AVX2)
-#define FILTERPROCESSOR_LEVEL avx2
-#include "kernels/simd/avx2.h"
-#elif defined(FILTERPROCESSOR_LEVEL_NEON)
-#define FILTERPROCESSOR_LEVEL neon
-#include "kernels/simd/neon.h"
-#else
-#error "compile vector kernels with one of the FILTERPROCESSOR_LEVEL_* definitions"
+#if !defined(FILTERPROCESSOR_LEVEL)
+#error "compile vector kernels for one of the levels of cmake/KernelLevels.cmake"
 #endif
+#include FILTERPROCESSOR_LEVEL_HEADER
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 

@@ -50,6 +50,10 @@ inline constexpr bool kUnsignedPixels = false;
 /// The absolute value, modulo 2^32.
 std::int32_t fast_abs(std::int32_t value);
 
+namespace plain {
+extern const SpatialKernels spatial;
+}
+
 }  // namespace filterprocessor
 
 #endif

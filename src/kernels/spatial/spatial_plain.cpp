@@ -1,9 +1,8 @@
-#include "kernels/spatial/spatial_plain.h"
-
 #include <algorithm>
 #include <type_traits>
 
 #include "common/saturate.h"
+#include "kernels/spatial/spatial.h"
 
 namespace filterprocessor {
 
@@ -79,8 +78,6 @@ class RowPass {
   std::uint16_t counter_ = 0;
 };
 
-}  // namespace
-
 void spatial_horizontal(std::uint16_t* pixels, std::size_t width, std::size_t height,
                         const SpatialParameters& parameters) {
   const std::size_t rows = height / kSpatialGroup * kSpatialGroup;
@@ -112,6 +109,10 @@ void spatial_both(std::uint16_t* pixels, std::size_t width, std::size_t height,
   spatial_horizontal(pixels, width, height, parameters);
   spatial_vertical(pixels, width, height, parameters);
 }
+
+}  // namespace
+
+extern const SpatialKernels spatial = {spatial_horizontal, spatial_vertical, spatial_both};
 
 }  // namespace plain
 }  // namespace filterprocessor

@@ -13,36 +13,40 @@ struct FixedBound {
   U16 operator()(U16 /*pixels*/) const { return bound; }
 };
 
-#if defined(FILTERPROCESSOR_LEVEL_NEON)
+// The blends. Vector is U16, always: only the blends of the processor's own family are made, and a level has the
+// operations of these.
+
+template <typename Vector>
 struct WrappedMean {
-  U16 operator()(Mask16 mask, U16 previous, U16 current) const {
+  U16 operator()(Mask16 mask, Vector previous, Vector current) const {
     return wrapped_mean_where(mask, previous, current);
   }
 };
-#else
+template <typename Vector>
 struct Half {
-  U16 operator()(Mask16 mask, U16 previous, U16 current) const {
+  U16 operator()(Mask16 mask, Vector previous, Vector current) const {
     return mean_to_even_where(mask, previous, current);
   }
 };
+template <typename Vector>
 struct FixedPoint {
-  U16 weight;
-  U16 operator()(Mask16 mask, U16 previous, U16 current) const {
+  Vector weight;
+  U16 operator()(Mask16 mask, Vector previous, Vector current) const {
     return add_where(mask, current, previous, multiply_round(current - previous, weight));
   }
 };
+template <typename Vector>
 struct Floating {
   Factor previous_weight, current_weight;
-  U16 operator()(Mask16 mask, U16 previous, U16 current) const {
+  U16 operator()(Mask16 mask, Vector previous, Vector current) const {
     const PixelHalves p(previous);
     const PixelHalves c(current);
-    return select(mask,
-                  rounded(p.first * previous_weight + c.first * current_weight,
-                          p.second * previous_weight + c.second * current_weight),
-                  current);
+    const auto blend = [this](auto previous_half, auto current_half) {
+      return previous_half * previous_weight + current_half * current_weight;
+    };
+    return select(mask, rounded(blend(p.first, c.first), blend(p.second, c.second)), current);
   }
 };
-#endif
 
 /// One step of a pass, for as many rows or columns as there are lanes.
 template <typename Bound, typename Blend, bool kFill>
@@ -64,7 +68,7 @@ struct Step {
       const Mask16 hole = previous.valid() & ~current.valid();
       const Mask16 reset = previous.valid() & current.valid();
       state.counter = increment_where(hole, select(reset, U16::zero(), state.counter));
-      result = select(hole & below(state.counter, radius), previous.value, result);
+      result = select(hole & counts_below(state.counter, radius), previous.value, result);
       state.previous = Pixels(result);
     } else {
       state.previous = current.with(result);

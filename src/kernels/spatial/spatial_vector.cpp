@@ -1,7 +1,5 @@
-#include "kernels/spatial/spatial_vector.h"
-
+#include "kernels/spatial/spatial.h"
 #include "kernels/spatial/spatial_passes.h"
-#include "kernels/spatial/spatial_plain.h"
 #include "kernels/spatial/spatial_plan.h"
 #include "kernels/spatial/spatial_step.h"
 
@@ -10,25 +8,22 @@ namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 namespace {
 
 /// Calls use with the blend.
-#if defined(FILTERPROCESSOR_LEVEL_NEON)
-template <typename Use>
-void with_blend(float /*alpha*/, unsigned /*largest*/, Use use) {
-  use(WrappedMean{});
-}
-#else
 template <typename Use>
 void with_blend(float alpha, unsigned largest, Use use) {
-  const SpatialBlend blend = spatial_blend(alpha, largest);
-  switch (blend.kind) {
-    case SpatialBlend::Kind::half:
-      return use(Half{});
-    case SpatialBlend::Kind::fixed_point:
-      return use(FixedPoint{U16::splat(blend.multiplier)});
-    case SpatialBlend::Kind::floating:
-      return use(Floating{Factor(1 - alpha), Factor(alpha)});
+  if constexpr (kUnsignedPixels) {
+    use(WrappedMean<U16>{});
+  } else {
+    const SpatialBlend blend = spatial_blend(alpha, largest);
+    switch (blend.kind) {
+      case SpatialBlend::Kind::half:
+        return use(Half<U16>{});
+      case SpatialBlend::Kind::fixed_point:
+        return use(FixedPoint<U16>{U16::splat(blend.multiplier)});
+      case SpatialBlend::Kind::floating:
+        return use(Floating<U16>{Factor(1 - alpha), Factor(alpha)});
+    }
   }
 }
-#endif
 
 /// Calls use with the two bounds in the simplest form that has both.
 template <typename Use>
@@ -83,27 +78,29 @@ bool filter(std::uint16_t* pixels, std::size_t width, std::size_t height,
   return true;
 }
 
-}  // namespace
-
 void spatial_horizontal(std::uint16_t* pixels, std::size_t width, std::size_t height,
                         const SpatialParameters& parameters) {
   if (!filter(pixels, width, height, parameters, true, false)) {
-    plain::spatial_horizontal(pixels, width, height, parameters);
+    plain::spatial.horizontal(pixels, width, height, parameters);
   }
 }
 
 void spatial_vertical(std::uint16_t* pixels, std::size_t width, std::size_t height,
                       const SpatialParameters& parameters) {
   if (!filter(pixels, width, height, parameters, false, true)) {
-    plain::spatial_vertical(pixels, width, height, parameters);
+    plain::spatial.vertical(pixels, width, height, parameters);
   }
 }
 
 void spatial_both(std::uint16_t* pixels, std::size_t width, std::size_t height,
                   const SpatialParameters& parameters) {
   if (!filter(pixels, width, height, parameters, true, true)) {
-    plain::spatial_both(pixels, width, height, parameters);
+    plain::spatial.both(pixels, width, height, parameters);
   }
 }
+
+}  // namespace
+
+extern const SpatialKernels spatial = {spatial_horizontal, spatial_vertical, spatial_both};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -59,6 +59,10 @@ struct SpeckleKernels {
   Upsample* upsample;
 };
 
+namespace plain {
+extern const SpeckleKernels speckle;
+}
+
 }  // namespace filterprocessor
 
 #endif

@@ -1,9 +1,8 @@
-#include "kernels/speckle/speckle_plain.h"
-
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 
+#include "kernels/speckle/speckle.h"
 #include "kernels/speckle/speckle_rules.h"
 
 namespace filterprocessor::plain {
@@ -143,8 +142,6 @@ void pyramid(const SpeckleImage& image, const SpeckleThreshold& threshold, const
   }
 }
 
-}  // namespace
-
 void speckle_full(const SpeckleImage& image, const SpeckleThreshold& threshold,
                   const SpeckleLimit& limit) {
   (threshold.by_table ? full<TableThreshold> : full<FixedThreshold>)(image, threshold, limit);
@@ -192,5 +189,10 @@ void speckle_upsample(std::uint16_t* full, std::size_t stride, const std::uint16
     }
   }
 }
+
+}  // namespace
+
+extern const SpeckleKernels speckle = {speckle_full, speckle_pyramid, speckle_downsample,
+                                       speckle_upsample};
 
 }  // namespace filterprocessor::plain

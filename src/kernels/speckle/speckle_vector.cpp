@@ -1,8 +1,6 @@
-#include "kernels/speckle/speckle_vector.h"
-
 #include <initializer_list>
 
-#include "kernels/speckle/speckle_plain.h"
+#include "kernels/speckle/speckle.h"
 #include "kernels/speckle/speckle_regions.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
@@ -138,17 +136,15 @@ void upsample_blocks(std::uint16_t* upper, std::uint16_t* lower, const std::uint
          interleave_high(zero, s));
 }
 
-}  // namespace
-
 void speckle_full(const SpeckleImage& image, const SpeckleThreshold& threshold,
                   const SpeckleLimit& limit) {
   if (limit.map == nullptr && limit.max_size < 1) return;
-  if (!threshold.by_table && threshold.max_diff < 0) return plain::speckle_full(image, threshold, limit);
+  if (!threshold.by_table && threshold.max_diff < 0) return plain::speckle.full(image, threshold, limit);
   const std::size_t count = image.width * image.height;
   with_threshold(threshold, [&](const auto& thresholds) {
     Regions regions(image.pixels, image.width, image.height, image.invalid, thresholds);
     if (!regions.label(largest(limit), WorkSpace(image.work, 9 * count), [](std::size_t) {})) {
-      return plain::speckle_full(image, threshold, limit);
+      return plain::speckle.full(image, threshold, limit);
     }
     const RegionLimit limit_at(limit, image.width, image.height);
     const auto place = [&](std::size_t pixel) {
@@ -163,7 +159,7 @@ void speckle_full(const SpeckleImage& image, const SpeckleThreshold& threshold,
 void speckle_pyramid(const SpeckleImage& image, const SpeckleThreshold& threshold,
                      const SpeckleLimit& limit) {
   if (!threshold.by_table && threshold.max_diff < 0)
-    return plain::speckle_pyramid(image, threshold, limit);
+    return plain::speckle.pyramid(image, threshold, limit);
   const std::size_t width = image.width / 2;
   const std::size_t height = image.height / 2;
   const std::size_t end = image.width * image.height;
@@ -178,7 +174,7 @@ void speckle_pyramid(const SpeckleImage& image, const SpeckleThreshold& threshol
       lattice.prepare((batch + 1) * kBatch + width + 1);
     });
     // What has been smoothed already is smoothed the same way again.
-    if (!labelled) return plain::speckle_pyramid(image, threshold, limit);
+    if (!labelled) return plain::speckle.pyramid(image, threshold, limit);
     const RegionLimit limit_at(limit, image.width, image.height);
     const auto place = [&](std::size_t pixel) {
       return limit_at(2 * (pixel / width) + 1, 2 * (pixel % width) + 1);
@@ -216,11 +212,11 @@ void speckle_upsample(std::uint16_t* full, std::size_t stride, const std::uint16
                       std::size_t half_width, std::size_t half_height, std::int32_t max_diff) {
   // The edge rows and what is left of the others are few.
   if (max_diff < 0 || half_width <= kLanes || half_height < 3) {
-    return plain::speckle_upsample(full, stride, half, half_width, half_height, max_diff);
+    return plain::speckle.upsample(full, stride, half, half_width, half_height, max_diff);
   }
   const std::size_t last = (half_height - 1) * half_width;
-  plain::speckle_upsample(full, stride, half, half_width, 1, max_diff);
-  plain::speckle_upsample(full + 2 * (half_height - 1) * stride, stride, half + last, half_width, 1,
+  plain::speckle.upsample(full, stride, half, half_width, 1, max_diff);
+  plain::speckle.upsample(full + 2 * (half_height - 1) * stride, stride, half + last, half_width, 1,
                           max_diff);
   const UniformThreshold threshold(max_diff);
   for (std::size_t row = 1; row + 1 < half_height; ++row) {
@@ -233,5 +229,10 @@ void speckle_upsample(std::uint16_t* full, std::size_t stride, const std::uint16
     }
   }
 }
+
+}  // namespace
+
+extern const SpeckleKernels speckle = {speckle_full, speckle_pyramid, speckle_downsample,
+                                       speckle_upsample};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -15,6 +15,10 @@ struct TemporalKernels {
   Smooth* smooth;
 };
 
+namespace plain {
+extern const TemporalKernels temporal;
+}
+
 }  // namespace filterprocessor
 
 #endif

@@ -1,9 +1,8 @@
-#include "kernels/temporal/temporal_plain.h"
-
 #include <algorithm>
 #include <cmath>
 
 #include "common/saturate.h"
+#include "kernels/temporal/temporal.h"
 
 namespace filterprocessor::plain {
 
@@ -26,13 +25,15 @@ std::uint16_t smooth_pixel(std::uint16_t current, std::uint16_t previous, float 
   return static_cast<std::uint16_t>(std::max(saturate<std::int32_t>(blend(p, c, weight)), 0));
 }
 
-}  // namespace
-
 void smooth_temporal(std::uint16_t* depth, std::uint16_t* history, std::size_t count, float diff_scale,
                      float weight) {
   for (std::size_t i = 0; i < count; ++i) {
     depth[i] = history[i] = smooth_pixel(depth[i], history[i], diff_scale, weight);
   }
 }
+
+}  // namespace
+
+extern const TemporalKernels temporal = {smooth_temporal};
 
 }  // namespace filterprocessor::plain

@@ -1,6 +1,5 @@
-#include "kernels/temporal/temporal_vector.h"
-
-#include "kernels/temporal/temporal_plain.h"
+#include "kernels/simd/simd.h"
+#include "kernels/temporal/temporal.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 
@@ -25,14 +24,12 @@ struct Smoother {
   }
 };
 
-}  // namespace
-
 void smooth_temporal(std::uint16_t* depth, std::uint16_t* history, std::size_t count, float diff_scale,
                      float weight) {
   // Blends stay inside the range of a pixel, and factors inside what Factor accepts.
   const bool usual =
       weight >= 0 && weight <= 1 && diff_scale >= -Factor::kLargest && diff_scale <= Factor::kLargest;
-  if (!usual) return plain::smooth_temporal(depth, history, count, diff_scale, weight);
+  if (!usual) return plain::temporal.smooth(depth, history, count, diff_scale, weight);
 
   const Smoother smooth = {Factor(diff_scale), Factor(1 - weight), Factor(weight)};
   const auto ahead = [=](std::size_t at) {
@@ -51,5 +48,9 @@ void smooth_temporal(std::uint16_t* depth, std::uint16_t* history, std::size_t c
     result.store_first(history + i, rest);
   }
 }
+
+}  // namespace
+
+extern const TemporalKernels temporal = {smooth_temporal};
 
 }  // namespace filterprocessor::FILTERPROCESSOR_LEVEL

@@ -1,12 +1,27 @@
-/// Work on 64-bit words for levels without instructions for it.
-#ifndef FILTERPROCESSOR_KERNELS_SIMD_WORDS_H
-#define FILTERPROCESSOR_KERNELS_SIMD_WORDS_H
+/// What levels without masked memory accesses and without instructions for long bit sets do.
+#ifndef FILTERPROCESSOR_KERNELS_SIMD_PARTIAL_H
+#define FILTERPROCESSOR_KERNELS_SIMD_PARTIAL_H
 
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
 
+#include "kernels/simd/vocabulary.h"
+
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
+
+inline U16 load_part(const std::uint16_t* from, std::size_t count) {
+  if (count == U16::lanes) return U16::load(from);
+  if (count == 0) return U16::zero();
+  alignas(sizeof(U16)) std::uint16_t values[U16::lanes] = {};
+  std::memcpy(values, from, count * sizeof *from);
+  return U16::load(values);
+}
+inline void store_part(U16 vector, std::uint16_t* to, std::size_t count) {
+  if (count == U16::lanes) return vector.store(to);
+  if (count == 0) return;
+  alignas(sizeof(U16)) std::uint16_t values[U16::lanes];
+  vector.store(values);
+  std::memcpy(to, values, count * sizeof *to);
+}
 
 /// Writes the first `count` of equal values, at least 1, of which `four` holds four.
 inline void fill_by_fours(std::uint64_t four, std::uint16_t* to, std::size_t count) {
@@ -19,7 +34,6 @@ inline void fill_by_fours(std::uint64_t four, std::uint16_t* to, std::size_t cou
   std::memcpy(to + count - 4, &four, sizeof four);
 }
 
-/// Adds two numbers of `words` words, lowest first.
 inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum,
                      std::size_t words) {
   std::uint64_t carry = 0;
@@ -30,7 +44,6 @@ inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64
   }
 }
 
-/// A bit for each of up to 64 words: whether it is not 0.
 inline std::uint64_t nonzero_words(const std::uint64_t* words, std::size_t count) {
   std::uint64_t bits = 0;
   for (std::size_t i = 0; i < count; ++i) bits |= std::uint64_t{words[i] != 0} << i;
