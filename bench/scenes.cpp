@@ -130,6 +130,21 @@ Image scattered_holes(int width, int height, std::uint32_t seed) {
   return image;
 }
 
+Image textured_scene(int width, int height, std::uint32_t seed) {
+  constexpr double kNoise = 7.2;
+  Random random(seed + 3);
+  Image image(width, height);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const double surface = 1500.0 + 300.0 * std::sin(0.010 * x) + 200.0 * std::cos(0.013 * y) +
+                             100.0 * std::sin(0.05 * (x + y));
+      image.at(y, x) = static_cast<std::uint16_t>(std::lround(surface + kNoise * random.normal()));
+      if (random.below(1000) < 5) image.at(y, x) = 0;
+    }
+  }
+  return image;
+}
+
 SceneFigures figures_of(const Image& image, int threshold) {
   std::size_t holes = 0;
   std::size_t runs = 0;

@@ -70,14 +70,17 @@ inline U16 U16::odd_doubled() const {
   return {_mm256_shuffle_epi8(v, _mm256_broadcastsi128_si256(_mm_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11,
                                                                            10, 11, 14, 15, 14, 15)))};
 }
+/// The low bytes of the entries, then their high bytes.
 inline U16 U16::load_table(const std::uint16_t* entries) {
-  return {_mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(entries)))};
+  const __m128i table = _mm_loadu_si128(reinterpret_cast<const __m128i*>(entries));
+  return {_mm256_broadcastsi128_si256(
+      _mm_shuffle_epi8(table, _mm_setr_epi8(0, 2, 4, 6, 8, 10, 12, 14, 1, 3, 5, 7, 9, 11, 13, 15)))};
 }
 inline U16 U16::lookup(U16 table, U16 index) {
-  // Entry i is at bytes 2 i and 2 i + 1.
-  const __m256i bytes =
-      _mm256_add_epi16(_mm256_mullo_epi16(index.v, _mm256_set1_epi16(0x0202)), _mm256_set1_epi16(0x0100));
-  return {_mm256_shuffle_epi8(table.v, bytes)};
+  const __m256i doubled = _mm256_shuffle_epi8(
+      index.v,
+      _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14)));
+  return {_mm256_shuffle_epi8(table.v, _mm256_or_si256(doubled, _mm256_set1_epi16(0x0800)))};
 }
 inline U16 U16::load_groups(const std::uint16_t* from, const std::size_t (&offset)[groups]) {
   const auto piece = [&](std::size_t group) {
@@ -113,6 +116,42 @@ inline std::uint32_t bits_of(const Mask16 (&masks)[2]) {
 }
 inline std::uint64_t bits_of(const Mask16 (&masks)[4]) {
   return bits_of({masks[0], masks[1]}) | std::uint64_t{bits_of({masks[2], masks[3]})} << 32;
+}
+/// The positions of the set bits of every byte, ascending.
+struct BytePositions {
+  std::uint8_t of[256][8] = {};
+
+  constexpr BytePositions() {
+    for (unsigned byte = 0; byte < 256; ++byte) {
+      unsigned listed = 0;
+      for (unsigned bit = 0; bit < 8; ++bit) {
+        if ((byte >> bit & 1u) != 0) of[byte][listed++] = static_cast<std::uint8_t>(bit);
+      }
+    }
+  }
+};
+inline constexpr BytePositions byte_positions;
+
+inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::uint16_t* to) {
+  const auto count = static_cast<std::size_t>(__builtin_popcountll(bits));
+  if (count <= 4) {
+    std::uint64_t four = base * std::uint64_t{0x0001000100010001};
+    for (unsigned i = 0; i < 64; i += 16) {
+      four += _tzcnt_u64(bits) << i;
+      bits &= bits - 1;
+    }
+    std::memcpy(to, &four, sizeof four);
+    return count;
+  }
+  __m128i start = _mm_set1_epi16(static_cast<short>(base));
+  for (int i = 0; i < 8; ++i, bits >>= 8) {
+    const __m128i found =
+        _mm_loadl_epi64(reinterpret_cast<const __m128i*>(byte_positions.of[bits & 0xff]));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_add_epi16(_mm_cvtepu8_epi16(found), start));
+    to += __builtin_popcountll(bits & 0xff);
+    start = _mm_add_epi16(start, _mm_set1_epi16(8));
+  }
+  return count;
 }
 inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) {
   fill_by_fours(static_cast<std::uint64_t>(_mm256_extract_epi64(value.v, 0)), to, count);

@@ -172,6 +172,18 @@ inline std::uint64_t bits_of(const Mask16 (&masks)[8]) {
   return vgetq_lane_u64(vreinterpretq_u64_u8(vpaddq_u8(sums, sums)), 0);
 }
 
+inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::uint16_t* to) {
+  const auto count = static_cast<std::size_t>(__builtin_popcountll(bits));
+  std::size_t done = 0;
+  do {
+    for (std::size_t i = 0; i < 4; ++i) {
+      to[done + i] = static_cast<std::uint16_t>(base + (bits != 0 ? __builtin_ctzll(bits) : 64));
+      bits &= bits - 1;
+    }
+    done += 4;
+  } while (done < count);
+  return count;
+}
 inline void fill_first(U16 value, std::uint16_t* to, std::size_t count) {
   fill_by_fours(static_cast<std::uint64_t>(vgetq_lane_u64(vreinterpretq_u64_u16(value.v), 0)), to, count);
 }

@@ -34,19 +34,6 @@ inline void fill_by_fours(std::uint64_t four, std::uint16_t* to, std::size_t cou
   std::memcpy(to + count - 4, &four, sizeof four);
 }
 
-inline std::size_t write_positions(std::uint64_t bits, std::uint16_t base, std::uint16_t* to) {
-  const auto count = static_cast<std::size_t>(__builtin_popcountll(bits));
-  std::size_t done = 0;
-  do {
-    for (std::size_t i = 0; i < 4; ++i) {
-      to[done + i] = static_cast<std::uint16_t>(base + (bits != 0 ? __builtin_ctzll(bits) : 64));
-      bits &= bits - 1;
-    }
-    done += 4;
-  } while (done < count);
-  return count;
-}
-
 inline void add_long(const std::uint64_t* a, const std::uint64_t* b, std::uint64_t* sum,
                      std::size_t words) {
   std::uint64_t carry = 0;

@@ -81,24 +81,31 @@ struct Reach {
 template <typename Threshold>
 [[gnu::always_inline]] inline LinkBits link_bits(const Neighbourhood& at, const Threshold& threshold,
                                                  U16 invalid) {
-  constexpr std::size_t parts = kWordBits / U16::lanes;
-  Mask16 valid[parts], left[parts], up[parts], right[parts], down[parts];
-  for (std::size_t i = 0; i < parts; ++i) {
-    const std::size_t x = i * U16::lanes;
-    const U16 center = U16::load(at.center + x);
-    const Reach reach(center, threshold.of(center));
-    valid[i] = differ(center, invalid);
-    left[i] = reach.holds(U16::load(at.left + x));
-    up[i] = reach.holds(U16::load(at.up + x));
-    if constexpr (!Threshold::symmetric) {
-      right[i] = reach.holds(U16::load(at.right + x));
-      down[i] = reach.holds(U16::load(at.down + x));
+  LinkBits bits{};
+  // By halves, whose masks fit in registers.
+  constexpr std::size_t half = kWordBits / 2;
+  for (std::size_t first = 0; first < kWordBits; first += half) {
+    constexpr std::size_t parts = half / U16::lanes;
+    Mask16 hole[parts], left[parts], up[parts], right[parts], down[parts];
+    for (std::size_t i = 0; i < parts; ++i) {
+      const std::size_t x = first + i * U16::lanes;
+      const U16 center = U16::load(at.center + x);
+      const Reach reach(center, threshold.of(center));
+      hole[i] = equal(center, invalid);
+      left[i] = reach.holds(U16::load(at.left + x));
+      up[i] = reach.holds(U16::load(at.up + x));
+      if constexpr (!Threshold::symmetric) {
+        right[i] = reach.holds(U16::load(at.right + x));
+        down[i] = reach.holds(U16::load(at.down + x));
+      }
     }
-  }
-  LinkBits bits{bits_of(valid), bits_of(left), bits_of(up), 0, 0};
-  if constexpr (!Threshold::symmetric) {
-    bits.right = bits_of(right);
-    bits.down = bits_of(down);
+    bits.valid |= std::uint64_t{~bits_of(hole)} << first;
+    bits.left |= std::uint64_t{bits_of(left)} << first;
+    bits.up |= std::uint64_t{bits_of(up)} << first;
+    if constexpr (!Threshold::symmetric) {
+      bits.right |= std::uint64_t{bits_of(right)} << first;
+      bits.down |= std::uint64_t{bits_of(down)} << first;
+    }
   }
   return bits;
 }

@@ -1,22 +1,24 @@
-/// Regions of an image as sets of runs.
+/// Regions of an image as connected components of runs.
 #ifndef FILTERPROCESSOR_KERNELS_SPECKLE_SPECKLE_REGIONS_H
 #define FILTERPROCESSOR_KERNELS_SPECKLE_SPECKLE_REGIONS_H
 
 #include <initializer_list>
 
+#include "kernels/speckle/directed_edges.h"
+#include "kernels/speckle/disjoint_sets.h"
 #include "kernels/speckle/speckle_runs.h"
 
 namespace filterprocessor::FILTERPROCESSOR_LEVEL {
 namespace {
 
-/// Finds the regions of an image of `width` x `height` pixels without gaps between rows, taken as one
+/// Labels the regions of an image of `width` x `height` pixels without gaps between rows, taken as one
 /// sequence.
 ///
 /// A region is what can be reached from its first pixel over pixels of no earlier region. With one
-/// threshold for all, links have no direction and regions are the connected sets of runs of pixels joined
-/// to their left. Thresholds by value make some links lead one way only. Pixels with links both ways
-/// between them always end up in one region, that of the first pixel that reaches any of them; so runs
-/// are made and united by links both ways, and the other links then lead between sets of runs.
+/// threshold for all, links have no direction and regions are connected components: runs of pixels linked
+/// to their left, united where they touch. Thresholds by value make some links lead one way only. Pixels with
+/// links both ways between them always end up in one region, that of the first pixel that reaches any of
+/// them; so components are made of links both ways, and the others become directed edges between components.
 ///
 /// Every pixel is in a run; those of invalid pixels are never united. Runs also end with a row and with a
 /// batch of kBatch pixels.
@@ -25,26 +27,22 @@ class Regions {
  public:
   Regions(const std::uint16_t* pixels, std::size_t width, std::size_t height, std::uint16_t invalid,
           const Threshold& threshold)
-      : runs_(pixels, width, height, invalid, threshold),
-        pixels_(pixels),
-        width_(width),
-        invalid_(invalid) {}
+      : runs_(pixels, width, height, invalid, threshold), width_(width) {}
 
-  /// Finds all regions. `limit` is the largest that anyone asks for; `prepare(batch)` is called before
+  /// Labels all regions. `limit` is the largest that anyone asks for; `prepare(batch)` is called before
   /// the pixels of a batch and the row below it are read.
-  /// @return false if the work space is too small, and then nothing has been found. Of 9 bytes a pixel,
-  ///         bit masks take 0.3 (with a table 0.6), each run 8 and with one-way links 12, each such link
-  ///         8: enough for a run a pixel in all but the smallest images, but not for a one-way link in
-  ///         every third pixel besides.
+  /// @return false if the work space is too small, and then nothing has been labelled. Of 9 bytes a pixel,
+  ///         bit masks take 0.3 (with a table 0.6), lists of starts 2 where they are kept, each run 4 and
+  ///         with directed edges 8, each edge 8: enough for a run a pixel in all but the smallest images,
+  ///         but not for an edge at every third pixel besides.
   template <typename Prepare>
-  bool find(std::int32_t limit, WorkSpace work, Prepare prepare) {
-    limit_ = limit;
-    if (!take_space(work)) return false;
+  bool label(std::int32_t limit, WorkSpace work, Prepare prepare) {
+    if (!take_space(work, limit)) return false;
     for (std::size_t batch = 0; batch < runs_.batches(); ++batch) {
       prepare(batch);
       if (!add_batch(batch)) return false;
     }
-    if (one_way_ != 0) follow_one_way_links();
+    if (edges_ != 0) follow_edges();
     return true;
   }
 
@@ -55,101 +53,98 @@ class Regions {
   void visit_removed(std::int32_t limit, bool by_place, IsRemoved is_removed, Visit visit) {
     for (std::size_t batch = 0; batch < runs_.batches(); ++batch) {
       const std::size_t first_pixel = batch * kBatch;
-      const std::size_t count = list_starts(batch);
-      std::int32_t* const nodes = nodes_ + runs_.first_run(batch);
-      for (std::size_t i = 0; by_place && i < count; ++i) {
-        if (nodes[i] >= 0) continue;
-        nodes[i] = is_removed(first_pixel + starts_list_[i], -nodes[i]) ? -1 : kNeverRemoved;
+      const std::uint32_t first_run = runs_.first_run(batch);
+      const std::uint32_t count = runs_.first_run(batch + 1) - first_run;
+      const std::uint16_t* const starts =
+          kept_starts_ != nullptr ? starts_list(batch) : list_starts(batch);
+      DisjointSets sets = sets_;
+      for (std::uint32_t i = 0; by_place && i < count; ++i) {
+        std::int32_t& node = sets[first_run + i];
+        if (node >= 0 || node == DisjointSets::kNeverRemoved) continue;
+        node = is_removed(first_pixel + starts[i], -node) ? -1 : DisjointSets::kNeverRemoved;
       }
       const std::int32_t smallest = by_place ? -1 : -limit;
       std::size_t listed = 0;
-      for (std::size_t i = 0; i < count; ++i) {
-        // Parents come first, so theirs are sizes already.
-        const auto self = static_cast<std::int32_t>(runs_.first_run(batch) + i);
-        nodes[i] = nodes_[choose(nodes[i] < 0, self, nodes[i])];
+      for (std::uint32_t i = 0; i < count; ++i) {
         joins_list_[listed] = static_cast<std::uint16_t>(i);
-        listed += nodes[i] >= smallest;
+        listed += sets.settle(first_run + i) >= smallest;
       }
       for (std::size_t i = 0; i < listed;) {
-        const std::size_t start = starts_list_[joins_list_[i]];
+        const std::size_t start = starts[joins_list_[i]];
         std::size_t end;
         do {
-          end = starts_list_[joins_list_[i] + 1u];
-        } while (++i < listed && starts_list_[joins_list_[i]] == end);
+          end = starts[joins_list_[i] + 1u];
+        } while (++i < listed && starts[joins_list_[i]] == end);
         visit(first_pixel + start, end - start);
       }
     }
   }
 
  private:
-  /// A link from a set of runs to the set `to`. Those of one set form a ring.
-  struct OneWayLink {
-    std::uint32_t to;
-    std::uint32_t next;
-  };
-
-  static constexpr std::int32_t kNeverRemoved = -2147483647;  // as a node
   static constexpr std::size_t kListSlack = 64;  // what write_positions() may write past its result
 
-  bool take_space(WorkSpace& work) {
+  bool take_space(WorkSpace& work, std::int32_t limit) {
     if (!runs_.take_space(work)) return false;
-    if constexpr (!Threshold::symmetric) batch_has_one_way_ = work.take<bool>(runs_.batches());
-    room_ = work.room<std::int32_t>();
-    nodes_ = work.take<std::int32_t>(room_);
-    if (nodes_ == nullptr || room_ == 0) return false;
-    ++nodes_;  // the one before the first is where join() puts what is not wanted
-    --room_;
-    return true;
-  }
-
-  /// `yes` or `no`, never by a branch: which one is hard to foresee.
-  static std::int32_t choose(bool condition, std::int32_t yes, std::int32_t no) {
-    const std::int32_t mask = -static_cast<std::int32_t>(condition);
-    return (yes & mask) | (no & ~mask);
+    if constexpr (!Threshold::symmetric) batch_has_edges_ = work.take<bool>(runs_.batches());
+    // Lists of starts are made once, not twice, if what they take leaves enough for a run a pixel, with a
+    // table also for an edge at each.
+    constexpr std::size_t needed = Threshold::symmetric ? 4 : 16;
+    WorkSpace rest = work;
+    auto* const starts = rest.take<std::uint16_t>(runs_.pixels() + runs_.batches() + kListSlack);
+    if (rest.room<unsigned char>() > needed * (runs_.pixels() + 1)) {
+      work = rest;
+      kept_starts_ = starts;
+    }
+    return sets_.take_space(work, limit);
   }
 
   bool add_batch(std::size_t batch) {
     BatchMasks masks;
     runs_.scan(batch, masks);
     runs_.count_runs(batch);
-    if (runs_.first_run(batch + 1) > room_) return false;
+    if (runs_.first_run(batch + 1) > sets_.room()) return false;
     if constexpr (!Threshold::symmetric) {
-      if (!note_one_way(batch, masks)) return false;
+      if (!count_edges(batch, masks)) return false;
     }
 
     const std::size_t words = runs_.words_in(batch);
     const std::size_t first_pixel = batch * kBatch;
     const std::uint32_t first_run = runs_.first_run(batch);
-    const std::uint64_t* const starts = runs_.starts(batch);
-    const std::size_t count = list_starts(batch);
-    std::int32_t* const nodes = nodes_ + first_run;
-    for (std::size_t i = 0; i < count; ++i) {
-      const bool invalid = pixels_[first_pixel + starts_list_[i]] == invalid_;
-      nodes[i] = choose(invalid, kNeverRemoved, starts_list_[i] - starts_list_[i + 1]);
+    const std::uint64_t* const start_bits = runs_.starts(batch);
+    const std::uint16_t* const starts = list_starts(batch);
+    const std::uint32_t count = runs_.first_run(batch + 1) - first_run;
+    DisjointSets sets = sets_;  // a copy, whose members can stay in registers
+    std::int32_t* const nodes = &sets[first_run];
+    for (std::size_t i = 0; i < count; ++i) nodes[i] = starts[i] - starts[i + 1];
+    std::uint64_t holes[kBatchWords];
+    for (std::size_t i = 0; i < words; ++i) holes[i] = start_bits[i] & ~runs_.valid(batch)[i];
+    const std::size_t invalid = list_positions(holes, words, joins_list_);
+    for (std::size_t i = 0; i < invalid; ++i) {
+      sets[runs_.at(first_pixel + joins_list_[i])] = DisjointSets::kNeverRemoved;
     }
-    // A run takes the set of the first run above that it touches; only what it touches besides unites
-    // sets.
+    // A run takes the component of the first run above that it touches; only what it touches besides
+    // unites components.
     std::uint64_t takes[kBatchWords], pairs[kBatchWords];
-    keep_first_bits(masks.up, starts, words, takes);
+    keep_first_bits(masks.up, start_bits, words, takes);
     const std::size_t taking = list_positions(takes, words, joins_list_);
     for (std::size_t i = 0; i < taking; ++i) {
       const std::size_t pixel = first_pixel + joins_list_[i];
-      join(runs_.at(pixel), root_of(runs_.at(pixel - width_)));
+      sets.attach(runs_.at(pixel), sets.find(runs_.at(pixel - width_)));
     }
-    if (masks.joined_back) unite(first_run, first_run - 1);
-    for (std::size_t i = 0; i < words; ++i) masks.above[i] |= starts[i];
+    if (masks.joined_back) sets.unite(first_run, first_run - 1);
+    for (std::size_t i = 0; i < words; ++i) masks.above[i] |= start_bits[i];
     keep_first_bits(masks.up, masks.above, words, pairs);
     for (std::size_t i = 0; i < words; ++i) pairs[i] &= ~takes[i];
     const std::size_t uniting = list_positions(pairs, words, joins_list_);
     for (std::size_t i = 0; i < uniting; ++i) {
       const std::size_t pixel = first_pixel + joins_list_[i];
-      unite(runs_.at(pixel), runs_.at(pixel - width_));
+      sets.unite(runs_.at(pixel), runs_.at(pixel - width_));
     }
     return true;
   }
 
-  /// Counts the one-way links of a batch. @return whether there may be room for all
-  bool note_one_way(std::size_t batch, const BatchMasks& masks) {
+  /// Counts the links of a batch that lead one way only. @return whether there may be room for all
+  bool count_edges(std::size_t batch, const BatchMasks& masks) {
     std::size_t links = 0;
     for (std::size_t i = 0; i < runs_.words_in(batch); ++i) {
       for (const std::uint64_t bits :
@@ -157,101 +152,40 @@ class Regions {
         links += static_cast<std::size_t>(__builtin_popcountll(bits));
       }
     }
-    batch_has_one_way_[batch] = links != 0;
-    one_way_ += links;
+    batch_has_edges_[batch] = links != 0;
+    edges_ += links;
     // Better soon than late: whether it fits if it goes on like this, judged after a sixteenth of the
     // image.
-    const std::size_t need =
-        runs_.first_run(batch + 1) * 2 * sizeof(std::int32_t) + (one_way_ + 1) * sizeof(OneWayLink);
+    const std::size_t need = runs_.first_run(batch + 1) * 2 * sizeof(std::int32_t) +
+                             (edges_ + 1) * sizeof(DirectedEdges::Edge);
     const std::size_t part = batch + 1 < runs_.batches() / 16 ? runs_.batches() / 16 : batch + 1;
-    return one_way_ == 0 || need * runs_.batches() <= room_ * sizeof(std::int32_t) * part;
+    return edges_ == 0 || need * runs_.batches() <= sets_.room() * sizeof(std::int32_t) * part;
   }
 
-  /// Lists where the runs of a batch start, and its end. @return the number of runs
-  std::size_t list_starts(std::size_t batch) {
-    const std::size_t listed = list_positions(runs_.starts(batch), runs_.words_in(batch), starts_list_);
-    starts_list_[listed] = static_cast<std::uint16_t>(runs_.pixels_in(batch));
-    return listed;
+  /// Room for where the runs of a batch start, and its end.
+  std::uint16_t* starts_list(std::size_t batch) {
+    return kept_starts_ == nullptr ? starts_list_ : kept_starts_ + runs_.first_run(batch) + batch;
   }
 
-  // Runs form disjoint sets as trees. A run's node is its parent, an earlier run, or, in the root, the
-  // negative number of the set's pixels. Numbers beyond the limit are not added up any further.
-
-  /// Puts the set of the root `child` into that of the root `root`, which is earlier.
-  void join(std::uint32_t child, std::uint32_t root) {
-    const std::int32_t size = nodes_[root];
-    const std::int32_t more = nodes_[child];
-    nodes_[child] = static_cast<std::int32_t>(root);
-    nodes_[choose(size >= -limit_, static_cast<std::int32_t>(root), -1)] = size + more;
+  const std::uint16_t* list_starts(std::size_t batch) {
+    std::uint16_t* const list = starts_list(batch);
+    const std::size_t count = list_positions(runs_.starts(batch), runs_.words_in(batch), list);
+    list[count] = static_cast<std::uint16_t>(runs_.pixels_in(batch));
+    return list;
   }
 
-  void unite(std::uint32_t a, std::uint32_t b) {
-    a = root_of(a);
-    b = root_of(b);
-    if (a == b) return;
-    const std::uint32_t change = (a ^ b) & (0u - static_cast<std::uint32_t>(a > b));
-    join(b ^ change, a ^ change);
-  }
-
-  std::uint32_t root_of(std::uint32_t run) {
-    const std::int32_t node = nodes_[run];
-    const auto self = static_cast<std::int32_t>(run);
-    const std::int32_t parent = choose(node < 0, self, node);
-    if (nodes_[parent] < 0) [[likely]]
-      return static_cast<std::uint32_t>(parent);
-    return find_root(run);
-  }
-
-  std::uint32_t find_root(std::uint32_t run) {
-    for (std::int32_t parent = nodes_[run]; parent >= 0; parent = nodes_[run]) {
-      const std::int32_t grandparent = nodes_[parent];
-      if (grandparent < 0) return static_cast<std::uint32_t>(parent);
-      nodes_[run] = grandparent;
-      run = static_cast<std::uint32_t>(grandparent);
-    }
-    return run;
-  }
-
-  /// Gives every set of runs to the first set from which one-way links lead to it.
-  void follow_one_way_links() {
+  void follow_edges() {
     const std::uint32_t count = runs_.count();
-    WorkSpace rest(reinterpret_cast<unsigned char*>(nodes_ + count),
-                   (room_ - count) * sizeof(std::int32_t));
-    std::uint32_t* const last = rest.take<std::uint32_t>(count);  // of a set's ring; 0: none
-    OneWayLink* const links = rest.take<OneWayLink>(one_way_ + 1);
-    for (std::uint32_t run = 0; run < count; ++run) last[run] = 0;
-    std::uint32_t used = 0;
+    DirectedEdges edges(sets_.behind(count), count, edges_);
     for (std::size_t batch = 0; batch < runs_.batches(); ++batch) {
-      if (!batch_has_one_way_[batch]) continue;
+      if (!batch_has_edges_[batch]) continue;
       for_one_way_links(batch, [&](std::uint32_t from_run, std::uint32_t to_run) {
-        const std::uint32_t from = root_of(from_run);
-        const std::uint32_t to = root_of(to_run);
-        if (from == to) return;
-        const std::uint32_t before = last[from];
-        last[from] = ++used;
-        links[used] = {to, before == 0 ? used : links[before].next};
-        if (before != 0) links[before].next = used;
+        const std::uint32_t from = sets_.find(from_run);
+        const std::uint32_t to = sets_.find(to_run);
+        if (from != to) edges.add(from, to);
       });
     }
-
-    for (std::uint32_t set = 0; set < count; ++set) {
-      if (last[set] == 0 || nodes_[set] >= 0) continue;
-      std::uint32_t end = last[set];
-      for (std::uint32_t link = links[end].next;; link = links[link].next) {
-        const std::uint32_t to = links[link].to;
-        if (to > set && nodes_[to] < 0) {
-          nodes_[set] += nodes_[to];
-          nodes_[to] = static_cast<std::int32_t>(set);
-          if (last[to] != 0) {  // the taken set's links come next
-            const std::uint32_t first = links[last[to]].next;
-            links[last[to]].next = links[link].next;
-            links[link].next = first;
-            if (link == end) end = last[to];
-          }
-        }
-        if (link == end) break;
-      }
-    }
+    edges.follow(sets_);
   }
 
   /// Calls `add(from run, to run)` for the one-way links of a batch, once for those between two runs of
@@ -283,14 +217,11 @@ class Regions {
   }
 
   Runs<Threshold> runs_;
-  const std::uint16_t* pixels_;
   std::size_t width_;
-  std::uint16_t invalid_;
-  std::int32_t limit_ = 0;
-  bool* batch_has_one_way_ = nullptr;
-  std::size_t one_way_ = 0;        // links that lead one way only
-  std::int32_t* nodes_ = nullptr;  // by run, in what is left of the work space
-  std::size_t room_ = 0;
+  bool* batch_has_edges_ = nullptr;
+  std::size_t edges_ = 0;  // links that lead one way only
+  DisjointSets sets_;
+  std::uint16_t* kept_starts_ = nullptr;  // of all batches, each with its end
 
   std::uint16_t starts_list_[kBatch + kListSlack];
   std::uint16_t joins_list_[kBatch + kListSlack];

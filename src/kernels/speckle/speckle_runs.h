@@ -78,6 +78,7 @@ class Runs {
     return true;
   }
 
+  std::size_t pixels() const { return count_; }
   std::size_t batches() const { return (count_ + kBatch - 1) / kBatch; }
   std::size_t words_in(std::size_t batch) const {
     const std::size_t left = (count_ + kWordBits - 1) / kWordBits - batch * kBatchWords;
@@ -92,6 +93,7 @@ class Runs {
   /// The first run of a batch that has been counted, or of the next.
   std::uint32_t first_run(std::size_t batch) const { return first_run_[batch]; }
   std::uint32_t count() const { return first_run_[batches()]; }
+  const std::uint64_t* valid(std::size_t batch) const { return valid_ + batch * kBatchWords; }
   /// The bits of the pixels of a batch that begin a run.
   const std::uint64_t* starts(std::size_t batch) const { return starts_ + batch * kBatchWords; }
 

@@ -58,6 +58,7 @@ class Lattice {
 
  private:
   void prepare_row(std::size_t row) {
+    const Threshold threshold = threshold_;  // copies, which stores to the image can't change
     std::uint16_t* upper = image_.pixels + 2 * row * image_.width;
     std::uint16_t* lower = upper + image_.width;
     std::uint16_t* to = lattice_ + row * width();
@@ -65,40 +66,41 @@ class Lattice {
     if (width() < kLanes) {
       std::uint16_t copy[2][2 * kLanes] = {};
       for (std::size_t i = 0; i < 2 * width(); ++i) copy[0][i] = upper[i], copy[1][i] = lower[i];
-      smooth_blocks(copy[0], copy[1], invalid).store_first(to, width());
+      smooth_blocks(copy[0], copy[1], threshold, invalid).store_first(to, width());
       for (std::size_t i = 0; i < 2 * width(); ++i) upper[i] = copy[0][i], lower[i] = copy[1][i];
       return;
     }
     // The last vector may begin among blocks that are done already; they stay as they are.
-    for (std::size_t col = 0; col < width(); col += kLanes) {
-      const std::size_t at = col < width() - kLanes ? col : width() - kLanes;
-      const std::size_t next_pair = 2 * image_.width;
+    const std::size_t last = width() - kLanes;
+    const std::size_t next_pair = 2 * image_.width;
+    for (std::size_t col = 0; col < last + kLanes; col += kLanes) {
+      const std::size_t at = smaller(col, last);
       for (const std::uint16_t* pair : {upper, lower}) {
         for (std::size_t i = 0; i < 2 * kLanes; i += kCacheLine) prefetch(pair + 2 * at + i, next_pair);
       }
-      smooth_blocks(upper + 2 * at, lower + 2 * at, invalid).store(to + at);
+      smooth_blocks(upper + 2 * at, lower + 2 * at, threshold, invalid).store(to + at);
     }
   }
 
   /// Smooths a vector of blocks. @return their lattice pixels
-  U16 smooth_blocks(std::uint16_t* upper, std::uint16_t* lower, U16 invalid) const {
-    return U16::odd_lanes(smooth(upper, lower, invalid), smooth(upper + kLanes, lower + kLanes, invalid));
+  [[gnu::always_inline]] static U16 smooth_blocks(std::uint16_t* upper, std::uint16_t* lower,
+                                                  const Threshold& threshold, U16 invalid) {
+    const U16 first = U16::load(lower);
+    const U16 second = U16::load(lower + kLanes);
+    smooth(upper, lower, first, threshold, invalid);
+    smooth(upper + kLanes, lower + kLanes, second, threshold, invalid);
+    return U16::odd_lanes(first, second);
   }
 
-  /// @return the lower row, which holds the lattice pixels
-  U16 smooth(std::uint16_t* upper, std::uint16_t* lower, U16 invalid) const {
+  /// Smooths the blocks whose lower row, which holds the lattice pixels, has been read.
+  [[gnu::always_inline]] static void smooth(std::uint16_t* upper, std::uint16_t* lower, U16 lower_values,
+                                            const Threshold& threshold, U16 invalid) {
     const U16 upper_values = U16::load(upper);
-    const U16 lower_values = U16::load(lower);
     const U16 centers = lower_values.odd_doubled();
     // Around an invalid center everything that differs becomes invalid.
-    const Reach reach(centers, select(equal(centers, invalid), U16::zero(), threshold_.of(centers)));
-    const Mask16 change_upper = ~reach.holds(upper_values);
-    const Mask16 change_lower = ~reach.holds(lower_values);
-    if ((change_upper | change_lower).any()) {
-      centers.store_where(change_upper, upper, upper_values);
-      centers.store_where(change_lower, lower, lower_values);
-    }
-    return lower_values;
+    const Reach reach(centers, select(equal(centers, invalid), U16::zero(), threshold.of(centers)));
+    centers.store_where(~reach.holds(upper_values), upper, upper_values);
+    centers.store_where(~reach.holds(lower_values), lower, lower_values);
   }
 
   const SpeckleImage& image_;
@@ -141,7 +143,7 @@ void speckle_full(const SpeckleImage& image, const SpeckleThreshold& threshold,
   const std::size_t count = image.width * image.height;
   with_threshold(threshold, [&](const auto& thresholds) {
     Regions regions(image.pixels, image.width, image.height, image.invalid, thresholds);
-    if (!regions.find(largest(limit), WorkSpace(image.work, 9 * count), [](std::size_t) {})) {
+    if (!regions.label(largest(limit), WorkSpace(image.work, 9 * count), [](std::size_t) {})) {
       return plain::speckle.full(image, threshold, limit);
     }
     const RegionLimit limit_at(limit, image.width, image.height);
@@ -168,11 +170,11 @@ void speckle_pyramid(const SpeckleImage& image, const SpeckleThreshold& threshol
     if (limit.map == nullptr && limit.max_size < 1) return lattice.prepare(width * height);
 
     Regions regions(pixels, width, height, image.invalid, thresholds);
-    const bool found = regions.find(largest(limit), work, [&](std::size_t batch) {
+    const bool labelled = regions.label(largest(limit), work, [&](std::size_t batch) {
       lattice.prepare((batch + 1) * kBatch + width + 1);
     });
     // What has been smoothed already is smoothed the same way again.
-    if (!found) return plain::speckle.pyramid(image, threshold, limit);
+    if (!labelled) return plain::speckle.pyramid(image, threshold, limit);
     const RegionLimit limit_at(limit, image.width, image.height);
     const auto place = [&](std::size_t pixel) {
       return limit_at(2 * (pixel / width) + 1, 2 * (pixel % width) + 1);
