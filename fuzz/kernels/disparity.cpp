@@ -2,8 +2,8 @@
 // and sampling.
 #include <cmath>
 
-#include "images.h"
 #include "filters/depth_converter.h"
+#include "images.h"
 #include "kernels/disparity/depth_sampling.h"
 #include "levels.h"
 

@@ -5,10 +5,10 @@
 #include <cstring>
 #include <iostream>
 
+#include "filters/depth_converter.h"
 #include "framework/config_values.h"
 #include "framework/frame_info.h"
 #include "framework/frame_process.h"
-#include "filters/depth_converter.h"
 
 namespace filterprocessor {
 

@@ -3,9 +3,9 @@
 #include <cmath>
 #include <limits>
 
+#include "filters/depth_converter.h"
 #include "framework/config_values.h"
 #include "framework/frame_process.h"
-#include "filters/depth_converter.h"
 #include "kernels/disparity/depth_sampling.h"
 
 namespace filterprocessor {

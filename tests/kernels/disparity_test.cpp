@@ -1,8 +1,8 @@
 #include <cmath>
 #include <limits>
 
-#include "kernels/correction/correction_plain.h"
 #include "filters/depth_converter.h"
+#include "kernels/correction/correction_plain.h"
 #include "support/levels.h"
 #include "support/random_image.h"
 

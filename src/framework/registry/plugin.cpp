@@ -1,8 +1,8 @@
 // The exported functions: each forwards to the registry or to one operation of a filter.
 #include <memory>
 
-#include "filterprocessor/filter_processor.h"
 #include "commit_hash.h"
+#include "filterprocessor/filter_processor.h"
 #include "framework/registry/filter_factory.h"
 
 using filterprocessor::FilterFactory;
