@@ -30,10 +30,9 @@ void print_statistics(const std::vector<kit::FilterStatistics>& statistics, std:
 void print_accuracy(const kit::ChainResults& results, std::ostream& out) {
   Table table({"after", "coverage", "median error mm", "p95 error mm", "off > 5 %", "flicker mm"});
   for (std::size_t i = 0; i < results.accuracy.size(); ++i) {
-    const kit::Accuracy& a = results.accuracy[i];
-    table.add({i == 0 ? "(input)" : results.filters[i - 1].name, per_cent(a.coverage()),
-               rounded(a.median(), 1), rounded(a.percentile95(), 1), per_cent(a.off()),
-               rounded(a.flicker(), 1)});
+    const kit::AccuracySummary a = results.accuracy[i].summary();
+    table.add({i == 0 ? "(input)" : results.filters[i - 1].name, per_cent(a.coverage),
+               rounded(a.median, 1), rounded(a.percentile95, 1), per_cent(a.off), rounded(a.flicker, 1)});
   }
   table.print(out);
 }

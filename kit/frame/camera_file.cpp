@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <map>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -69,104 +68,113 @@ template <typename Number>
 constexpr NumberType kType = {expected<Number>, read<Number>, write<Number>};
 
 struct Field {
-  std::string object;  // that it stands in; empty: the file's own
   std::string name;
   void* number;
   const NumberType& type;
 };
 
-std::vector<Field> fields_of(Frame& camera) {
+/// The fields of one object of the file; without a name: of the file itself.
+struct Group {
+  std::string name;
+  std::vector<Field> fields;
+};
+
+std::vector<Group> groups_of(Frame& camera) {
   ZVCameraIntrinsic& i = camera.intrinsic;
   ZVDisparityParam& d = camera.disparity;
   return {
-      {"", "format", &camera.format, kType<std::int32_t>},
-      {"", "pixelType", &camera.pixel_type, kType<std::int32_t>},
-      {"", "bits", &camera.bits, kType<std::uint8_t>},
-      {"", "valueScale", &camera.value_scale, kType<float>},
-      {"intrinsics", "fx", &i.fx, kType<float>},
-      {"intrinsics", "fy", &i.fy, kType<float>},
-      {"intrinsics", "cx", &i.cx, kType<float>},
-      {"intrinsics", "cy", &i.cy, kType<float>},
-      {"intrinsics", "width", &i.width, kType<std::int16_t>},
-      {"intrinsics", "height", &i.height, kType<std::int16_t>},
-      {"disparity", "zpd", &d.zpd, kType<double>},
-      {"disparity", "zpps", &d.zpps, kType<double>},
-      {"disparity", "baseline", &d.baseline, kType<float>},
-      {"disparity", "fx", &d.fx, kType<double>},
-      {"disparity", "bitSize", &d.bitSize, kType<std::uint8_t>},
-      {"disparity", "unit", &d.unit, kType<float>},
-      {"disparity", "minDisparity", &d.minDisparity, kType<float>},
-      {"disparity", "packMode", &d.packMode, kType<std::uint8_t>},
-      {"disparity", "dispOffset", &d.dispOffset, kType<float>},
-      {"disparity", "invalidDisp", &d.invalidDisp, kType<std::int32_t>},
-      {"disparity", "dispIntPlace", &d.dispIntPlace, kType<std::int32_t>},
-      {"disparity", "isDualCamera", &d.isDualCamera, kType<std::uint8_t>},
+      {"",
+       {{"format", &camera.format, kType<std::int32_t>},
+        {"pixelType", &camera.pixel_type, kType<std::int32_t>},
+        {"bits", &camera.bits, kType<std::uint8_t>},
+        {"valueScale", &camera.value_scale, kType<float>}}},
+      {"intrinsics",
+       {{"fx", &i.fx, kType<float>},
+        {"fy", &i.fy, kType<float>},
+        {"cx", &i.cx, kType<float>},
+        {"cy", &i.cy, kType<float>},
+        {"width", &i.width, kType<std::int16_t>},
+        {"height", &i.height, kType<std::int16_t>}}},
+      {"disparity",
+       {{"zpd", &d.zpd, kType<double>},
+        {"zpps", &d.zpps, kType<double>},
+        {"baseline", &d.baseline, kType<float>},
+        {"fx", &d.fx, kType<double>},
+        {"bitSize", &d.bitSize, kType<std::uint8_t>},
+        {"unit", &d.unit, kType<float>},
+        {"minDisparity", &d.minDisparity, kType<float>},
+        {"packMode", &d.packMode, kType<std::uint8_t>},
+        {"dispOffset", &d.dispOffset, kType<float>},
+        {"invalidDisp", &d.invalidDisp, kType<std::int32_t>},
+        {"dispIntPlace", &d.dispIntPlace, kType<std::int32_t>},
+        {"isDualCamera", &d.isDualCamera, kType<std::uint8_t>}}},
   };
 }
 
-class CameraReader {
- public:
-  CameraReader(const Json& file, const std::string& label) : file_(file), label_(label) {}
+std::string shown(const Json& value) {
+  return value.is_structured() ? concat("an ", value.type_name()) : value.dump(-1, ' ', true);
+}
 
-  void read_field(const Field& field) const {
-    const Json& object = field.object.empty() ? file_ : object_named(field.object);
-    const Json& value = find(object, field.object, field.name, field.type.expected());
-    read_number(field.object, field.name, value, field.type, field.number);
-  }
+/// An object of the file, with complaints that name its fields.
+struct Object {
+  const Json& json;
+  std::string label;  // of the file and of the object in it
 
-  void read_metadata(std::map<std::int32_t, std::int64_t>& items) const {
-    for (const auto& [name, value] : object_named("metadata").items()) {
-      const auto item = parse_integer(name);
-      if (!item || std::to_string(*item) != name) {
-        refuse_field("metadata", name, "is no metadata item; expected its number");
-      }
-      read_number("metadata", name, value, kType<std::int64_t>, &items[*item]);
-    }
+  [[noreturn]] void fail_field(const std::string& name, const std::string& problem) const {
+    fail(label, name, ": ", problem);
   }
-
-  void expect_no_other(const std::string& object, const std::vector<std::string>& known) const {
-    for (const auto& [name, value] : (object.empty() ? file_ : file_[object]).items()) {
-      if (std::find(known.begin(), known.end(), name) != known.end()) continue;
-      refuse_field(object, name, "is unknown; " + suggest(name, known));
-    }
-  }
-
- private:
-  [[noreturn]] void refuse_field(const std::string& object, const std::string& name,
-                                 const std::string& problem) const {
-    fail(label_, ": ", object, object.empty() ? "" : ".", name, ": ", problem);
-  }
-  const Json& find(const Json& in, const std::string& object, const std::string& name,
-                   const std::string& wanted) const {
-    const auto found = in.find(name);
-    if (found == in.end()) refuse_field(object, name, "is missing; expected " + wanted);
+  const Json& find(const std::string& name, const std::string& expected) const {
+    const auto found = json.find(name);
+    if (found == json.end()) fail_field(name, "is missing; expected " + expected);
     return *found;
   }
-  const Json& object_named(const std::string& name) const {
-    const Json& value = find(file_, "", name, "an object");
-    if (!value.is_object()) refuse_field("", name, concat("is ", shown(value), "; expected an object"));
-    return value;
+  Object object(const std::string& name) const {
+    const Json& value = find(name, "an object");
+    if (!value.is_object()) fail_field(name, concat("is ", shown(value), "; expected an object"));
+    return {value, concat(label, name, '.')};
   }
-  void read_number(const std::string& object, const std::string& name, const Json& value,
-                   const NumberType& type, void* number) const {
+  void read(const std::string& name, const NumberType& type, void* number) const {
+    const Json& value = find(name, type.expected());
     if (type.read(value, number)) return;
-    refuse_field(object, name, concat("is ", shown(value), "; expected ", type.expected()));
+    fail_field(name, concat("is ", shown(value), "; expected ", type.expected()));
   }
-  static std::string shown(const Json& value) {
-    return value.is_structured() ? concat("an ", value.type_name()) : value.dump(-1, ' ', true);
+  void expect_no_other(const std::vector<std::string>& known) const {
+    for (const auto& [name, value] : json.items()) {
+      if (std::find(known.begin(), known.end(), name) != known.end()) continue;
+      fail_field(name, "is unknown; " + suggest(name, known));
+    }
   }
-
-  const Json& file_;
-  const std::string& label_;
 };
+
+void read_camera(const Object& file, Frame& camera) {
+  for (const Group& group : groups_of(camera)) {
+    const Object object = group.name.empty() ? file : file.object(group.name);
+    std::vector<std::string> known;
+    for (const Field& field : group.fields) {
+      object.read(field.name, field.type, field.number);
+      known.push_back(field.name);
+    }
+    if (group.name.empty()) known.insert(known.end(), {"intrinsics", "disparity", "metadata"});
+    object.expect_no_other(known);
+  }
+  const Object metadata = file.object("metadata");
+  for (const auto& [name, value] : metadata.json.items()) {
+    const auto item = parse_integer(name);
+    if (!item || std::to_string(*item) != name) {
+      metadata.fail_field(name, "is no metadata item; expected its number");
+    }
+    metadata.read(name, kType<std::int64_t>, &camera.metadata[*item]);
+  }
+}
 
 }  // namespace
 
 std::string camera_json(const Frame& camera) {
   Frame copy = camera;
   Json file = Json::object();
-  for (const Field& field : fields_of(copy)) {
-    (field.object.empty() ? file : file[field.object])[field.name] = field.type.write(field.number);
+  for (const Group& group : groups_of(copy)) {
+    Json& object = group.name.empty() ? file : file[group.name];
+    for (const Field& field : group.fields) object[field.name] = field.type.write(field.number);
   }
   Json& metadata = file["metadata"] = Json::object();
   for (const auto& [item, value] : camera.metadata) metadata[std::to_string(item)] = value;
@@ -184,15 +192,7 @@ Frame parse_camera_json(std::string_view text, const std::string& label) {
   }
   if (!file.is_object()) fail(label, ": is no JSON object");
   Frame camera;
-  const CameraReader reader(file, label);
-  std::map<std::string, std::vector<std::string>> known;
-  for (const Field& field : fields_of(camera)) {
-    reader.read_field(field);
-    known[field.object].push_back(field.name);
-  }
-  reader.read_metadata(camera.metadata);
-  for (const char* object : {"intrinsics", "disparity", "metadata"}) known[""].emplace_back(object);
-  for (const auto& [object, names] : known) reader.expect_no_other(object, names);
+  read_camera({file, label + ": "}, camera);
   return camera;
 }
 

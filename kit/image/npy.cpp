@@ -1,6 +1,8 @@
 // NumPy array files: a magic text, a version, the length of a header, the header (a Python dictionary)
 // and the array's bytes.
-#include <cctype>
+#include <algorithm>
+
+#include <nlohmann/json.hpp>
 
 #include "kit/common/error.h"
 #include "kit/image/codec.h"
@@ -11,112 +13,28 @@ namespace {
 
 constexpr std::string_view kMagic = "\x93NUMPY";
 
-struct Header {
-  std::string type;
-  bool column_order = false;
-  std::vector<std::uint64_t> shape;
-};
+using Json = nlohmann::json;
 
-class HeaderReader {
- public:
-  explicit HeaderReader(std::string_view text) : rest_(text) {}
+[[noreturn]] void fail_malformed() {
+  fail("has a malformed header; expected {'descr': '<u2', 'fortran_order': False, 'shape': (h, w)}");
+}
 
-  Header read() {
-    Header header;
-    bool type = false, order = false, shape = false;
-    expect('{');
-    while (!accept('}')) {
-      const std::string key = quoted();
-      expect(':');
-      if (key == "descr") {
-        header.type = quoted();
-        type = true;
-      } else if (key == "fortran_order") {
-        header.column_order = truth();
-        order = true;
-      } else if (key == "shape") {
-        header.shape = tuple();
-        shape = true;
-      } else {
-        malformed();
-      }
-      if (!accept(',')) {
-        expect('}');
-        break;
-      }
+/// The dictionary, which is JSON but for its quotes, its words and brackets and its commas at the end.
+Json parse_header(std::string_view text) {
+  std::string json;
+  for (const char c : text) {
+    if (c == ')' || c == ']' || c == '}') {
+      const auto last = json.find_last_not_of(" \t\r\n");
+      if (last != std::string::npos && json[last] == ',') json.resize(last);
     }
-    skip_blanks();
-    if (!type || !order || !shape || !rest_.empty()) malformed();
-    return header;
+    json += c == '\'' ? '"' : c == '(' ? '[' : c == ')' ? ']' : c == 'T' ? 't' : c == 'F' ? 'f' : c;
   }
-
- private:
-  [[noreturn]] static void malformed() {
-    fail("has a malformed header; expected {'descr': '<u2', 'fortran_order': False, 'shape': (h, w)}");
+  Json header = Json::parse(json, nullptr, false);
+  if (!header.is_object() || header.size() != 3) fail_malformed();
+  for (const char* key : {"descr", "fortran_order", "shape"}) {
+    if (!header.contains(key)) fail_malformed();
   }
-  void skip_blanks() {
-    while (!rest_.empty() && std::isspace(static_cast<unsigned char>(rest_[0]))) rest_.remove_prefix(1);
-  }
-  bool accept(char c) {
-    skip_blanks();
-    if (!rest_.starts_with(c)) return false;
-    rest_.remove_prefix(1);
-    return true;
-  }
-  void expect(char c) {
-    if (!accept(c)) malformed();
-  }
-  std::string quoted() {
-    const char quote = accept('\'') ? '\'' : '"';
-    if (quote == '"') {
-      // A list of fields, that is, a structured type, is not quoted.
-      if (rest_.starts_with('[')) fail("has a structured type; expected '<u2' or '>u2'");
-      expect('"');
-    }
-    const auto end = rest_.find(quote);
-    if (end == std::string_view::npos) malformed();
-    std::string text(rest_.substr(0, end));
-    rest_.remove_prefix(end + 1);
-    return text;
-  }
-  bool truth() {
-    skip_blanks();
-    for (const bool value : {false, true}) {
-      const std::string_view word = value ? "True" : "False";
-      if (!rest_.starts_with(word)) continue;
-      rest_.remove_prefix(word.size());
-      return value;
-    }
-    malformed();
-  }
-  std::vector<std::uint64_t> tuple() {
-    std::vector<std::uint64_t> values;
-    expect('(');
-    while (!accept(')')) {
-      values.push_back(integer());
-      if (!accept(',')) {
-        expect(')');
-        break;
-      }
-    }
-    return values;
-  }
-  std::uint64_t integer() {
-    skip_blanks();
-    const auto end = rest_.find_first_not_of("0123456789");
-    const auto value = parse_integer(rest_.substr(0, end));
-    if (!value) malformed();
-    rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end);
-    return static_cast<std::uint64_t>(*value);
-  }
-
-  std::string_view rest_;
-};
-
-std::string shape_text(const std::vector<std::uint64_t>& shape) {
-  std::vector<std::string> sizes;
-  for (const std::uint64_t size : shape) sizes.push_back(std::to_string(size));
-  return concat("(", join(sizes, ", "), ")");
+  return header;
 }
 
 /// Takes the header off the front of the file.
@@ -142,16 +60,20 @@ std::string_view take_header(ByteView& file) {
 }  // namespace
 
 Image decode_npy(ByteView file, const Size&) {
-  const Header header = HeaderReader(take_header(file)).read();
-  if (header.type != "<u2" && header.type != ">u2") {
-    fail("has elements of type '", header.type, "'; expected 16-bit unsigned, '<u2' or '>u2'");
+  const Json header = parse_header(take_header(file));
+  const Json &type = header["descr"], &order = header["fortran_order"], &shape = header["shape"];
+  if (type.is_array()) fail("has a structured type; expected '<u2' or '>u2'");
+  if (!type.is_string() || !order.is_boolean() || !shape.is_array()) fail_malformed();
+  std::vector<std::string> sizes;
+  for (const Json& size : shape) sizes.push_back(size.is_number_unsigned() ? size.dump() : "");
+  if (std::find(sizes.begin(), sizes.end(), "") != sizes.end()) fail_malformed();
+  if (type != "<u2" && type != ">u2") {
+    fail("has elements of type '", type.get<std::string>(),
+         "'; expected 16-bit unsigned, '<u2' or '>u2'");
   }
-  if (header.column_order) fail("is in column order; expected C order (fortran_order False)");
-  if (header.shape.size() != 2) {
-    fail("has the shape ", shape_text(header.shape), "; expected (height, width)");
-  }
-  return read_samples(file, header.type == "<u2" ? ByteOrder::little : ByteOrder::big, header.shape[1],
-                      header.shape[0]);
+  if (order.get<bool>()) fail("is in column order; expected C order (fortran_order False)");
+  if (sizes.size() != 2) fail("has the shape (", join(sizes, ", "), "); expected (height, width)");
+  return read_samples(file, type == "<u2" ? ByteOrder::little : ByteOrder::big, shape[1], shape[0]);
 }
 
 Bytes encode_npy(const ImageView& image) {

@@ -122,20 +122,9 @@ bool write_picture(png_structp png, png_infop info, Sink* sink, const Picture* p
   return true;
 }
 
-const char* color_name(int color) {
-  switch (color) {
-    case PNG_COLOR_TYPE_GRAY:
-      return "grayscale";
-    case PNG_COLOR_TYPE_GRAY_ALPHA:
-      return "grayscale with alpha";
-    case PNG_COLOR_TYPE_PALETTE:
-      return "palette colour";
-    case PNG_COLOR_TYPE_RGB_ALPHA:
-      return "colour with alpha";
-    default:
-      return "colour";
-  }
-}
+// By the number that stands in the file.
+constexpr const char* kColorNames[] = {
+    "grayscale", "", "colour", "palette colour", "grayscale with alpha", "", "colour with alpha"};
 
 Bytes encode(const Picture& picture) {
   // Compression can add a little to a picture that it does not shrink; the bound is generous.
@@ -161,7 +150,7 @@ Image decode_png(ByteView file, const Size&) {
   const int depth = png_get_bit_depth(reader.png, reader.info);
   const int color = png_get_color_type(reader.png, reader.info);
   if (depth != 16 || color != PNG_COLOR_TYPE_GRAY) {
-    fail("is ", depth, "-bit ", color_name(color), "; expected a 16-bit grayscale PNG file");
+    fail("is ", depth, "-bit ", kColorNames[color], "; expected a 16-bit grayscale PNG file");
   }
   const std::uint32_t width = png_get_image_width(reader.png, reader.info);
   const std::uint32_t height = png_get_image_height(reader.png, reader.info);

@@ -77,26 +77,15 @@ void Accuracy::add_changes(const std::vector<double>& depth, const Image& truth)
   }
 }
 
-std::optional<double> Accuracy::coverage() const {
-  if (!comparable_ || pixels_ == 0) return std::nullopt;
-  return ratio(valid_, pixels_);
-}
-
-std::optional<double> Accuracy::median() const {
-  return comparable_ ? errors_.quantile(0.5) : std::nullopt;
-}
-
-std::optional<double> Accuracy::percentile95() const {
-  return comparable_ ? errors_.quantile(0.95) : std::nullopt;
-}
-
-std::optional<double> Accuracy::off() const {
-  if (!comparable_ || errors_.count() == 0) return std::nullopt;
-  return ratio(off_, errors_.count());
-}
-
-std::optional<double> Accuracy::flicker() const {
-  return comparable_ ? changes_.quantile(0.5) : std::nullopt;
+AccuracySummary Accuracy::summary() const {
+  AccuracySummary summary;
+  if (!comparable_ || pixels_ == 0) return summary;
+  summary.coverage = ratio(valid_, pixels_);
+  summary.median = errors_.quantile(0.5);
+  summary.percentile95 = errors_.quantile(0.95);
+  if (errors_.count() > 0) summary.off = ratio(off_, errors_.count());
+  summary.flicker = changes_.quantile(0.5);
+  return summary;
 }
 
 }  // namespace kit

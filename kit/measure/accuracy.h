@@ -24,6 +24,15 @@ class Distribution {
   std::uint64_t count_ = 0;
 };
 
+/// What is not known is nothing. Errors and changes are absolute, in millimetres.
+struct AccuracySummary {
+  std::optional<double> coverage;              ///< share of the pixels that are valid
+  std::optional<double> median, percentile95;  ///< error of the valid pixels with a truth
+  std::optional<double> off;      ///< share of those pixels whose error is above 5 % of the truth
+  std::optional<double> flicker;  ///< median change from one frame to the next, of the pixels that are
+                                  ///< valid in both and whose truth stayed the same
+};
+
 /// How near the frames of one stage of a chain come to the truth, over all frames. Nothing is known of a
 /// stage once one of its frames is no depth or of another size than its truth.
 class Accuracy {
@@ -31,13 +40,7 @@ class Accuracy {
   /// @param truth depth in millimetres, 0 where it is not known
   void add(const Frame& frame, const Image& truth);
 
-  std::optional<double> coverage() const;  ///< share of the pixels that are valid
-  std::optional<double> median() const;  ///< absolute error in millimetres, of valid pixels with a truth
-  std::optional<double> percentile95() const;
-  std::optional<double> off() const;  ///< share of those pixels whose error is above 5 % of the truth
-  /// Median absolute change from one frame to the next in millimetres, of the pixels that are valid in
-  /// both and whose truth stayed the same.
-  std::optional<double> flicker() const;
+  AccuracySummary summary() const;
 
  private:
   void add_errors(const std::vector<double>& depth, const Image& truth);

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <iomanip>
-#include <limits>
 #include <optional>
 #include <stdexcept>
+#include <type_traits>
 
 #include "kit/common/error.h"
 #include "kit/common/suggestions.h"
@@ -14,53 +14,32 @@ namespace kit {
 
 namespace {
 
-template <typename Number, typename Target>
-bool store(std::optional<Number> value, Target& target,
-           Number least = std::numeric_limits<Number>::lowest(),
-           Number most = std::numeric_limits<Number>::max()) {
-  if (!value || *value < least || *value > most) return false;
-  target = static_cast<Target>(*value);
-  return true;
+template <auto parse, auto field>
+bool set(CameraRequest& request, std::string_view text) {
+  const auto value = parse(text);
+  auto& target = request.config.*field;
+  if (value) target = static_cast<std::remove_reference_t<decltype(target)>>(*value);
+  return value.has_value();
 }
 
-bool set_frames(CameraRequest& request, std::string_view value) {
-  return store(parse_integer(value), request.frames, 1, 10000);  // four digits in the names of files
+template <auto parse, int least, int most>
+auto within(std::string_view text) {
+  const auto value = parse(text);
+  return value && *value >= least && *value <= most ? value : std::nullopt;
 }
 
-bool set_size(CameraRequest& request, std::string_view value) {
-  const auto size = parse_size(value);
+bool set_frames(CameraRequest& request, std::string_view text) {
+  const auto frames = within<parse_integer, 1, 10000>(text);  // four digits in the names of files
+  request.frames = static_cast<std::size_t>(frames.value_or(0));
+  return frames.has_value();
+}
+
+bool set_size(CameraRequest& request, std::string_view text) {
+  const auto size = parse_size(text);
   if (!size) return false;
   request.config.width = size->width;
   request.config.height = size->height;
   return true;
-}
-
-bool set_seed(CameraRequest& request, std::string_view value) {
-  return store(parse_unsigned(value), request.config.seed);
-}
-
-bool set_pack_mode(CameraRequest& request, std::string_view value) {
-  return store(parse_integer(value), request.config.pack_mode, 1, 4);
-}
-
-bool set_bits(CameraRequest& request, std::string_view value) {
-  return store(parse_integer(value), request.config.bit_size, 0, 255);
-}
-
-bool set_format(CameraRequest& request, std::string_view value) {
-  return store(parse_integer(value), request.config.format);
-}
-
-bool set_correction(CameraRequest& request, std::string_view value) {
-  return store(parse_integer(value), request.config.disparity_correction.emplace());
-}
-
-bool set_baseline(CameraRequest& request, std::string_view value) {
-  return store(parse_number(value), request.config.baseline, 0.0, 1e6);
-}
-
-bool set_fx(CameraRequest& request, std::string_view value) {
-  return store(parse_number(value), request.config.fx);
 }
 
 bool set_mono(CameraRequest& request, std::string_view) { return request.mono = true; }
@@ -75,7 +54,7 @@ const CameraOption* option_named(std::string_view name) {
 /// Refuses the setting of the field that the camera complains of.
 [[noreturn]] void fail_camera(const std::vector<CameraSetting>& settings, const std::string& problem) {
   for (const CameraSetting& setting : settings) {
-    const auto& fields = option_named(setting.name)->fields;
+    const auto fields = split(option_named(setting.name)->fields, ' ');
     for (const std::string_view field : fields) {
       const std::string start = concat("camera ", field, ' ');
       if (!problem.starts_with(start)) continue;
@@ -90,52 +69,32 @@ const CameraOption* option_named(std::string_view name) {
 }  // namespace
 
 const std::vector<CameraOption>& camera_options() {
+  using Config = devhost::CameraConfig;
+  constexpr auto set_seed = set<parse_unsigned, &Config::seed>;
+  constexpr auto set_pack_mode = set<within<parse_integer, 1, 4>, &Config::pack_mode>;
+  constexpr auto set_bits = set<within<parse_integer, 0, 255>, &Config::bit_size>;
+  constexpr auto set_format = set<parse_integer, &Config::format>;
+  constexpr auto set_correction = set<parse_integer, &Config::disparity_correction>;
+  constexpr auto set_baseline = set<within<parse_number, 0, 1000000>, &Config::baseline>;
+  constexpr auto set_fx = set<parse_number, &Config::fx>;
   static const std::vector<CameraOption> all = {
-      {"frames", "N", "How many, 10 by default", "1 to 10000", set_frames, {}},
-      {"size",
-       "WxH",
-       "640x400 by default",
-       "WIDTHxHEIGHT, for example 640x400",
-       set_size,
-       {"width", "height"}},
-      {"seed",
-       "N",
-       "Of the scene and of the noise, 1 by default",
-       "a whole number of at most 64 bits",
-       set_seed,
-       {}},
-      {"pack-mode",
-       "M",
-       "1, 2 (default) or 3; 4 means one camera",
-       "1 to 4",
-       set_pack_mode,
-       {"pack_mode"}},
-      {"bits",
-       "N",
-       "Bits of a disparity code, chosen by pack mode and pixel format by default",
-       "a whole number from 0 to 255",
-       set_bits,
-       {"bit_size"}},
-      {"pixel-format",
-       "F",
-       "0 (16 bits a pixel, default) or 34 (a 12-bit code above 4 bits of confidence)",
-       "0 or 34",
-       set_format,
-       {"format"}},
-      {"correction",
-       "N",
-       "Disparity correction: metadata item 32, none by default",
-       "a whole number of at most 32 bits",
-       set_correction,
-       {"disparity_correction"}},
-      {"baseline",
-       "MM",
-       "Distance of the two viewpoints, 50 by default",
-       "a number from 5 to 500",
-       set_baseline,
-       {"baseline"}},
-      {"fx", "PIXELS", "Focal length, 0.7 times the width by default", "a number", set_fx, {"fx"}},
-      {"mono", "", "The parameters are those of one camera", "", set_mono, {}},
+      {"frames", "N", "How many, 10 by default", "1 to 10000", set_frames, ""},
+      {"size", "WxH", "640x400 by default", "WIDTHxHEIGHT, for example 640x400", set_size,
+       "width height"},
+      {"seed", "N", "Of the scene and of the noise, 1 by default", "a whole number of at most 64 bits",
+       set_seed, ""},
+      {"pack-mode", "M", "1, 2 (default) or 3; 4 means one camera", "1 to 4", set_pack_mode, "pack_mode"},
+      {"bits", "N", "Bits of a disparity code, chosen by pack mode and pixel format by default",
+       "a whole number from 0 to 255", set_bits, "bit_size"},
+      {"pixel-format", "F",
+       "0 (16 bits a pixel, default) or 34 (a 12-bit code above 4 bits of confidence)", "0 or 34",
+       set_format, "format"},
+      {"correction", "N", "Disparity correction: metadata item 32, none by default",
+       "a whole number of at most 32 bits", set_correction, "disparity_correction"},
+      {"baseline", "MM", "Distance of the two viewpoints, 50 by default", "a number from 5 to 500",
+       set_baseline, "baseline"},
+      {"fx", "PIXELS", "Focal length, 0.7 times the width by default", "a number", set_fx, "fx"},
+      {"mono", "", "The parameters are those of one camera", "", set_mono, ""},
   };
   return all;
 }

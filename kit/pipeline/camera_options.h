@@ -31,7 +31,7 @@ struct CameraOption {
   std::string_view help;
   std::string_view expected;
   bool (*set)(CameraRequest& request, std::string_view value);
-  std::vector<std::string_view> fields;  ///< of the camera's configuration that it sets
+  std::string_view fields;  ///< of the camera's configuration that it sets, and that may not fit others
 };
 const std::vector<CameraOption>& camera_options();
 

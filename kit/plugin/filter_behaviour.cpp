@@ -14,38 +14,29 @@ namespace kit {
 
 namespace {
 
-enum class Outside { refused, depth_limits_ignored };
-
 constexpr double kAny = std::numeric_limits<double>::infinity();
 
-/// The values that a filter takes, where they are not the schema's or others are not refused.
+/// The values that a filter takes, where they are not the schema's.
 struct Accepted {
   std::string_view filter;
   std::string_view key;
   double min;
   double max;
-  Outside outside;
 };
 
 constexpr Accepted kAccepted[] = {
-    {"DisparityTransform", "max_depth", 1, 65535, Outside::depth_limits_ignored},
-    {"DisparityTransform", "min_depth", 1, 65535, Outside::depth_limits_ignored},
-    {"DisparityTransform", "depth_uint", 0.001, 10, Outside::depth_limits_ignored},
-    {"OpenNIDisparityTransform", "max_depth", 1, 65535, Outside::depth_limits_ignored},
-    {"OpenNIDisparityTransform", "min_depth", 1, 65535, Outside::depth_limits_ignored},
-    {"OpenNIDisparityTransform", "depth_uint", 0.001, 10, Outside::depth_limits_ignored},
-    {"OpenNIDisparityTransform", "scale", 0.1, 50, Outside::refused},
-    {"OpenNIDisparityTransform", "x_cut", -kAny, kAny, Outside::refused},
-    {"OpenNIDisparityTransform", "y_cut", -kAny, kAny, Outside::refused},
-    {"OpenNIDisparityTransform", "x_set", -kAny, kAny, Outside::refused},
-    {"OpenNIDisparityTransform", "y_set", -kAny, kAny, Outside::refused},
-    {"NoiseRemovalFilter", "height", 1, 1024, Outside::refused},
-    {"EdgeNoiseRemovalFilter", "height", 1, 1024, Outside::refused},
-    {"DepthResize", "scale", 0.1, 50, Outside::refused},
-    {"DepthResize", "ex_left", -kAny, kAny, Outside::refused},
-    {"DepthResize", "ex_right", -kAny, kAny, Outside::refused},
-    {"DepthResize", "ex_top", -kAny, kAny, Outside::refused},
-    {"DepthResize", "ex_bottom", -kAny, kAny, Outside::refused},
+    {"OpenNIDisparityTransform", "scale", 0.1, 50},
+    {"OpenNIDisparityTransform", "x_cut", -kAny, kAny},
+    {"OpenNIDisparityTransform", "y_cut", -kAny, kAny},
+    {"OpenNIDisparityTransform", "x_set", -kAny, kAny},
+    {"OpenNIDisparityTransform", "y_set", -kAny, kAny},
+    {"NoiseRemovalFilter", "height", 1, 1024},
+    {"EdgeNoiseRemovalFilter", "height", 1, 1024},
+    {"DepthResize", "scale", 0.1, 50},
+    {"DepthResize", "ex_left", -kAny, kAny},
+    {"DepthResize", "ex_right", -kAny, kAny},
+    {"DepthResize", "ex_top", -kAny, kAny},
+    {"DepthResize", "ex_bottom", -kAny, kAny},
 };
 
 /// The depth limits of a new filter. While max_depth and depth_uint stay as they are, min_depth stays
@@ -89,6 +80,15 @@ const Row* find_row(const Row (&rows)[count], Matches matches) {
   return row != std::end(rows) ? row : nullptr;
 }
 
+const Traits* traits_of(std::string_view filter) {
+  return find_row(kTraits, [&](const Traits& row) { return row.filter == filter; });
+}
+
+const InitialDepthLimits* initial_limits_of(std::string_view filter) {
+  return find_row(kInitialDepthLimits,
+                  [&](const InitialDepthLimits& row) { return row.filter == filter; });
+}
+
 /// As the filters compare: float parameters in 32 bits.
 bool inside(const SchemaParameter& parameter, double value, double min, double max) {
   if (parameter.type != "float") return value >= min && value <= max;
@@ -105,7 +105,7 @@ std::optional<std::string> value_warning(std::string_view filter, const SchemaPa
   const double min = number(parameter.min), max = number(parameter.max), value = number(text);
   const Accepted* row = find_row(
       kAccepted, [&](const Accepted& a) { return a.filter == filter && a.key == parameter.name; });
-  const Accepted accepted = row != nullptr ? *row : Accepted{filter, "", min, max, Outside::refused};
+  const Accepted accepted = row != nullptr ? *row : Accepted{filter, "", min, max};
   const bool in_schema = inside(parameter, value, min, max);
   const bool taken = inside(parameter, value, accepted.min, accepted.max);
   if (in_schema && taken) return std::nullopt;
@@ -114,17 +114,18 @@ std::optional<std::string> value_warning(std::string_view filter, const SchemaPa
   std::string line = concat(filter, ": ", parameter.name, "=", text, " is ",
                             in_schema ? "inside" : "outside", " the schema's ", schema_range, "; ");
   if (taken) return line + "the filter takes " + range(accepted.min, accepted.max) + " and will use it";
+  const std::string& key = parameter.name;
+  const bool limit = initial_limits_of(filter) != nullptr &&
+                     (key == "max_depth" || key == "min_depth" || key == "depth_uint");
   line += concat("the filter takes ", range(accepted.min, accepted.max), " and will ");
-  return line + (accepted.outside == Outside::refused
-                     ? "refuse it"
-                     : "ignore max_depth, min_depth and depth_uint together, without an error");
+  return line +
+         (limit ? "ignore max_depth, min_depth and depth_uint together, without an error" : "refuse it");
 }
 
 std::optional<std::string> lone_min_depth_warning(std::string_view filter,
                                                   const std::vector<SchemaParameter>& schema,
                                                   const std::vector<std::string>& values) {
-  const InitialDepthLimits* initial =
-      find_row(kInitialDepthLimits, [&](const InitialDepthLimits& row) { return row.filter == filter; });
+  const InitialDepthLimits* initial = initial_limits_of(filter);
   if (initial == nullptr) return std::nullopt;
   const auto value_of = [&](std::string_view key) {
     for (std::size_t i = 0; i < schema.size(); ++i) {
@@ -143,10 +144,6 @@ std::optional<std::string> lone_min_depth_warning(std::string_view filter,
                 " and depth_uint=", initial->depth_uint,
                 " being the filter's initial values; the filter will ",
                 "drop it without an error and keep min_depth ", initial->min_depth);
-}
-
-const Traits* traits_of(std::string_view filter) {
-  return find_row(kTraits, [&](const Traits& row) { return row.filter == filter; });
 }
 
 }  // namespace

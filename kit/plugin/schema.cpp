@@ -27,17 +27,16 @@ std::string trim(std::string_view text) {
 }
 
 SchemaParameter parse_line(std::string_view line) {
-  SchemaParameter parameter;
-  std::string_view rest = line;
-  for (std::string* field : {&parameter.name, &parameter.type, &parameter.min, &parameter.max,
-                             &parameter.step, &parameter.default_value}) {
-    const auto comma = rest.find(',');
-    if (comma == std::string_view::npos) fail_line(line, "expected seven fields separated by commas");
-    *field = trim(rest.substr(0, comma));
-    rest.remove_prefix(comma + 1);
-  }
-  if (rest.find(',') != std::string_view::npos) fail_line(line, "expected no comma in the description");
-  parameter.description = trim_start(rest);
+  const auto fields = split(line, ',');
+  if (fields.size() < 7) fail_line(line, "expected seven fields separated by commas");
+  if (fields.size() > 7) fail_line(line, "expected no comma in the description");
+  SchemaParameter parameter{trim(fields[0]),
+                            trim(fields[1]),
+                            trim(fields[2]),
+                            trim(fields[3]),
+                            trim(fields[4]),
+                            trim(fields[5]),
+                            std::string(trim_start(fields[6]))};
   if (parameter.name.empty()) fail_line(line, "expected a name");
   if (std::find(kTypes.begin(), kTypes.end(), parameter.type) == kTypes.end()) {
     fail_line(line, "expected one of the types integer, float, bool, uint16_t, uint32_t");
@@ -49,11 +48,8 @@ SchemaParameter parse_line(std::string_view line) {
 
 std::vector<SchemaParameter> parse_schema(std::string_view text) {
   std::vector<SchemaParameter> parameters;
-  while (!text.empty()) {
-    const auto end = std::min(text.find('\n'), text.size());
-    const std::string_view line = text.substr(0, end);
+  for (const std::string_view line : split(text, '\n')) {
     if (!trim(line).empty()) parameters.push_back(parse_line(line));
-    text.remove_prefix(std::min(end + 1, text.size()));
   }
   return parameters;
 }
