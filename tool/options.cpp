@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "kit/common/error.h"
+#include "kit/frame/camera_file.h"
 
 namespace zvfilter {
 
@@ -78,9 +79,17 @@ void describe_run(CLI::App& command, RunOptions& run) {
       ->required()
       ->allow_extra_args(false)
       ->type_name("FILTER");
+  const auto add_inputs = [&run](const std::vector<std::string>& texts) {
+    run.inputs = texts;
+    for (const std::string& text : texts) {
+      if (!text.starts_with(kit::kCameraInput)) continue;
+      if (texts.size() > 1) kit::refuse(text, " has to be the only input");
+      run.camera_input = kit::make_camera_request(kit::parse_camera_input(text));
+    }
+  };
   command
-      .add_option(
-          "INPUT", run.inputs,
+      .add_option_function<std::vector<std::string>>(
+          "INPUT", add_inputs,
           "Images (.png, .pgm, .npy, .raw, .bin) or folders of them, in name order; or camera:, the "
           "virtual camera itself, with any options of zvfilter camera, such as "
           "camera:frames=30,size=640x400,pack-mode=1,mono")
@@ -98,8 +107,9 @@ void describe_run(CLI::App& command, RunOptions& run) {
       "range or, where their pixel types differ, each in its own");
   add_value(command, "--size", run.size, kSize, "Size of raw files")->type_name("WxH");
   command
-      .add_option(
-          "--camera", run.camera,
+      .add_option_function<std::string>(
+          "--camera",
+          [&run](const std::string& file) { run.attributes.camera = kit::read_camera_file(file); },
           "The camera.json that says what the frames carry beside their pixels: pixel type, bits, value "
           "scale, format, disparity parameters, intrinsics, metadata. Options below replace what it says")
       ->type_name("FILE");

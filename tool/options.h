@@ -20,10 +20,10 @@ namespace zvfilter {
 struct RunOptions {
   kit::Chain chain;
   std::vector<std::string> inputs;
+  std::optional<kit::CameraRequest> camera_input;  ///< what the input asks of the virtual camera
   std::optional<std::string> truth;
-  std::optional<std::string> camera;  ///< a camera.json
-  std::optional<kit::Size> size;      ///< of raw files
-  kit::FrameAttributes attributes;    ///< without the camera
+  std::optional<kit::Size> size;  ///< of raw files
+  kit::FrameAttributes attributes;
   kit::Handover handover = kit::Handover::frame;
   OutputSettings output;
 };

@@ -4,7 +4,6 @@
 
 #include "commands.h"
 #include "kit/common/error.h"
-#include "kit/frame/camera_file.h"
 #include "kit/image/image_files.h"
 #include "kit/pipeline/sequence.h"
 #include "kit/plugin/filter_behaviour.h"
@@ -16,12 +15,6 @@ namespace zvfilter {
 namespace {
 
 using Paths = std::vector<std::filesystem::path>;
-
-kit::FrameAttributes frame_attributes(const RunOptions& options) {
-  kit::FrameAttributes attributes = options.attributes;
-  if (options.camera) attributes.camera = kit::read_camera_file(*options.camera);
-  return attributes;
-}
 
 void check_size(const std::optional<kit::Size>& size, const Paths& files, const Paths& truth) {
   const auto is_raw = [](const std::filesystem::path& file) { return kit::codec_of(file)->needs_size; };
@@ -36,28 +29,24 @@ void check_size(const std::optional<kit::Size>& size, const Paths& files, const 
               ": is for raw files, and there is none; the others say their size");
 }
 
-std::unique_ptr<kit::FrameSource> open_source(const RunOptions& options,
-                                              const kit::FrameAttributes& attributes) {
-  for (const std::string& input : options.inputs) {
-    if (!input.starts_with(kit::kCameraInput)) continue;
-    if (options.inputs.size() > 1) kit::refuse(input, " has to be the only input");
+std::unique_ptr<kit::FrameSource> open_source(const RunOptions& options) {
+  if (options.camera_input) {
+    const std::string& input = options.inputs.front();
     if (options.truth) kit::refuse("--truth is for files; ", input, " brings its own");
-    if (options.size) {
-      kit::refuse("--size is for raw files; ", input, " takes its own: camera:size=WxH");
-    }
-    return std::make_unique<kit::CameraSource>(kit::make_camera_request(kit::parse_camera_input(input)),
-                                               attributes);
+    if (options.size) kit::refuse("--size is for raw files; ", input, " takes its own: camera:size=WxH");
+    return std::make_unique<kit::CameraSource>(*options.camera_input, options.attributes);
   }
   const Paths truth = options.truth ? kit::collect_images({*options.truth}) : Paths{};
   const Paths files = kit::collect_images(options.inputs);
   check_size(options.size, files, truth);
-  return std::make_unique<kit::FileSource>(files, truth, options.size.value_or(kit::Size{}), attributes);
+  return std::make_unique<kit::FileSource>(files, truth, options.size.value_or(kit::Size{}),
+                                           options.attributes);
 }
 
-void note_nominal_camera(const kit::Chain& chain, const kit::FrameAttributes& attributes,
-                         std::ostream& notes) {
+void note_nominal_camera(const RunOptions& options, std::ostream& notes) {
+  const kit::FrameAttributes& attributes = options.attributes;
   const std::int32_t pixel_type = attributes.pixel_type.value_or(ZV_PIXEL_TYPE_DEPTH);
-  const bool needed = std::any_of(chain.begin(), chain.end(), [&](const kit::Step& step) {
+  const bool needed = std::any_of(options.chain.begin(), options.chain.end(), [&](const kit::Step& step) {
     return kit::uses_geometry(step.filter, pixel_type);
   });
   if (!needed || attributes.camera || (attributes.baseline && attributes.fx)) return;
@@ -73,27 +62,25 @@ void note_nominal_camera(const kit::Chain& chain, const kit::FrameAttributes& at
 
 void run_command(const kit::Plugin& plugin, const RunOptions& options, std::ostream& out,
                  std::ostream& notes) {
-  const kit::FrameAttributes attributes = frame_attributes(options);
-  const std::unique_ptr<kit::FrameSource> source = open_source(options, attributes);
+  const std::unique_ptr<kit::FrameSource> source = open_source(options);
   const std::vector<OutputFiles> outputs = plan_outputs(*source, options.output);
   kit::Pipeline pipeline(plugin, options.chain, [&](const std::string& line) {
     notes << "zvfilter: warning: " << line << '\n';
   });
-  if (!source->name(0).files.empty()) note_nominal_camera(options.chain, attributes, notes);
+  if (!options.camera_input) note_nominal_camera(options, notes);
 
   kit::ChainResults results(options.chain);
-  {
-    Progress progress(source->count());
-    kit::run_sequence(
-        *source, pipeline, options.handover,
-        {.on_stage = [&](const kit::SourceFrame& input,
-                         const kit::Stage& stage) { results.add(stage, input.truth); },
-         .on_result =
-             [&](std::size_t index, const kit::SourceFrame& input, const kit::Frame& result) {
-               write_results(outputs[index], input.frame, result);
-               progress.show(index + 1);
-             }});
-  }
+  Progress progress(source->count());
+  kit::SequenceVisitor visitor;
+  visitor.on_stage = [&](const kit::SourceFrame& input, const kit::Stage& stage) {
+    results.add(stage, input.truth);
+  };
+  visitor.on_result = [&](std::size_t index, const kit::SourceFrame& input, const kit::Frame& result) {
+    write_results(outputs[index], input.frame, result);
+    progress.show(index + 1);
+  };
+  kit::run_sequence(*source, pipeline, options.handover, visitor);
+  progress.clear();
   print_results(results, out);
 }
 
