@@ -25,16 +25,16 @@ void expect_no_recording(const fs::path& folder) {
   }
 }
 
-void write_frames(const kit::CameraSource& source, const fs::path& folder, const fs::path& truth) {
+void write_frames(const kit::FrameSource& source, const fs::path& folder, const fs::path& truth) {
   expect_no_recording(folder);
   expect_no_recording(truth);
   kit::make_folder(truth);
-  Progress progress(source.count());
+  Progress progress(source.names.size());
   std::string camera;
-  for (std::size_t i = 0; i < source.count(); ++i) {
+  for (std::size_t i = 0; i < source.names.size(); ++i) {
     const kit::SourceFrame made = source.load(i);
     if (i == 0) camera = kit::camera_json(made.frame);
-    const std::string name = kit::camera_frame_stem(i) + ".png";
+    const std::string name = source.names[i].stem + ".png";
     kit::write_whole(folder / name, kit::encode_png(kit::image_of(made.frame)));
     kit::write_whole(truth / name, kit::encode_png(*made.truth));
     progress.show(i + 1);
@@ -48,9 +48,9 @@ void camera_command(const CameraCommandOptions& options, std::ostream& out) {
   if (options.output.empty()) kit::refuse("the folder for the frames has no name");
   const kit::CameraRequest request = kit::make_camera_request(options.settings);
   const fs::path folder = options.output, truth = folder / "truth";
-  const kit::CameraSource source(request, {});
+  const kit::FrameSource source = kit::camera_source(request, {});
   write_frames(source, folder, truth);
-  out << source.count() << (source.count() == 1 ? " frame" : " frames") << " of " << request.config.width
+  out << request.frames << (request.frames == 1 ? " frame" : " frames") << " of " << request.config.width
       << 'x' << request.config.height << " and camera.json in " << folder.string() << ", true depth in "
       << truth.string() << '\n';
 }

@@ -29,8 +29,7 @@ std::optional<FileIdentity> identity(const fs::path& file) {
 std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const OutputSettings& settings) {
   if (settings.folder.empty()) kit::refuse("the folder for the results has no name");
   std::map<FileIdentity, std::string> inputs;
-  for (std::size_t i = 0; i < source.count(); ++i) {
-    const kit::FrameName name = source.name(i);
+  for (const kit::FrameName& name : source.names) {
     for (const fs::path& file : name.files) {
       if (const auto known = identity(file)) inputs[*known] = file.string();
     }
@@ -47,8 +46,7 @@ std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const Outp
     }
   };
   std::vector<OutputFiles> outputs;
-  for (std::size_t i = 0; i < source.count(); ++i) {
-    const kit::FrameName name = source.name(i);
+  for (const kit::FrameName& name : source.names) {
     OutputFiles files;
     const kit::Codec* own = kit::codec_of_extension(name.extension);
     files.format = settings.format.value_or(own);

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <memory>
 #include <ostream>
 
 #include "commands.h"
@@ -29,18 +28,17 @@ void check_size(const std::optional<kit::Size>& size, const Paths& files, const 
               ": is for raw files, and there is none; the others say their size");
 }
 
-std::unique_ptr<kit::FrameSource> open_source(const RunOptions& options) {
+kit::FrameSource open_source(const RunOptions& options) {
   if (options.camera_input) {
     const std::string& input = options.inputs.front();
     if (options.truth) kit::refuse("--truth is for files; ", input, " brings its own");
     if (options.size) kit::refuse("--size is for raw files; ", input, " takes its own: camera:size=WxH");
-    return std::make_unique<kit::CameraSource>(*options.camera_input, options.attributes);
+    return kit::camera_source(*options.camera_input, options.attributes);
   }
   const Paths truth = options.truth ? kit::collect_images({*options.truth}) : Paths{};
   const Paths files = kit::collect_images(options.inputs);
   check_size(options.size, files, truth);
-  return std::make_unique<kit::FileSource>(files, truth, options.size.value_or(kit::Size{}),
-                                           options.attributes);
+  return kit::file_source(files, truth, options.size.value_or(kit::Size{}), options.attributes);
 }
 
 void note_nominal_camera(const RunOptions& options, std::ostream& notes) {
@@ -62,15 +60,15 @@ void note_nominal_camera(const RunOptions& options, std::ostream& notes) {
 
 void run_command(const kit::Plugin& plugin, const RunOptions& options, std::ostream& out,
                  std::ostream& notes) {
-  const std::unique_ptr<kit::FrameSource> source = open_source(options);
-  const std::vector<OutputFiles> outputs = plan_outputs(*source, options.output);
+  const kit::FrameSource source = open_source(options);
+  const std::vector<OutputFiles> outputs = plan_outputs(source, options.output);
   kit::Pipeline pipeline(plugin, options.chain, [&](const std::string& line) {
     notes << "zvfilter: warning: " << line << '\n';
   });
   if (!options.camera_input) note_nominal_camera(options, notes);
 
   kit::ChainResults results(options.chain);
-  Progress progress(source->count());
+  Progress progress(source.names.size());
   kit::SequenceVisitor visitor;
   visitor.on_stage = [&](const kit::SourceFrame& input, const kit::Stage& stage) {
     results.add(stage, input.truth);
@@ -79,7 +77,7 @@ void run_command(const kit::Plugin& plugin, const RunOptions& options, std::ostr
     write_results(outputs[index], input.frame, result);
     progress.show(index + 1);
   };
-  kit::run_sequence(*source, pipeline, options.handover, visitor);
+  kit::run_sequence(source, pipeline, options.handover, visitor);
   progress.clear();
   print_results(results, out);
 }

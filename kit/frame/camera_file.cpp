@@ -7,6 +7,7 @@
 #include <limits>
 #include <type_traits>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -20,13 +21,6 @@ namespace kit {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// How a number of one type is read and written. It may lie anywhere: the disparity record is packed.
-struct NumberType {
-  std::string (*expected)();
-  bool (*read)(const Json& value, void* number);  // whether the value fits
-  Json (*write)(const void* number);
-};
 
 template <typename Number>
 std::string expected() {
@@ -49,28 +43,11 @@ bool fits(const Json& value) {
   }
 }
 
-template <typename Number>
-bool read(const Json& value, void* number) {
-  if (!fits<Number>(value)) return false;
-  const auto fitting = value.get<Number>();
-  std::memcpy(number, &fitting, sizeof fitting);
-  return true;
-}
-
-template <typename Number>
-Json write(const void* number) {
-  Number value;
-  std::memcpy(&value, number, sizeof value);
-  return value;
-}
-
-template <typename Number>
-constexpr NumberType kType = {expected<Number>, read<Number>, write<Number>};
-
+/// A number of the type that `type` holds. It may lie anywhere: the disparity record is packed.
 struct Field {
   std::string name;
-  void* number;
-  const NumberType& type;
+  void* place;
+  std::variant<std::uint8_t, std::int16_t, std::int32_t, std::int64_t, float, double> type;
 };
 
 /// The fields of one object of the file; without a name: of the file itself.
@@ -84,30 +61,30 @@ std::vector<Group> groups_of(Frame& camera) {
   ZVDisparityParam& d = camera.disparity;
   return {
       {"",
-       {{"format", &camera.format, kType<std::int32_t>},
-        {"pixelType", &camera.pixel_type, kType<std::int32_t>},
-        {"bits", &camera.bits, kType<std::uint8_t>},
-        {"valueScale", &camera.value_scale, kType<float>}}},
+       {{"format", &camera.format, std::int32_t()},
+        {"pixelType", &camera.pixel_type, std::int32_t()},
+        {"bits", &camera.bits, std::uint8_t()},
+        {"valueScale", &camera.value_scale, float()}}},
       {"intrinsics",
-       {{"fx", &i.fx, kType<float>},
-        {"fy", &i.fy, kType<float>},
-        {"cx", &i.cx, kType<float>},
-        {"cy", &i.cy, kType<float>},
-        {"width", &i.width, kType<std::int16_t>},
-        {"height", &i.height, kType<std::int16_t>}}},
+       {{"fx", &i.fx, float()},
+        {"fy", &i.fy, float()},
+        {"cx", &i.cx, float()},
+        {"cy", &i.cy, float()},
+        {"width", &i.width, std::int16_t()},
+        {"height", &i.height, std::int16_t()}}},
       {"disparity",
-       {{"zpd", &d.zpd, kType<double>},
-        {"zpps", &d.zpps, kType<double>},
-        {"baseline", &d.baseline, kType<float>},
-        {"fx", &d.fx, kType<double>},
-        {"bitSize", &d.bitSize, kType<std::uint8_t>},
-        {"unit", &d.unit, kType<float>},
-        {"minDisparity", &d.minDisparity, kType<float>},
-        {"packMode", &d.packMode, kType<std::uint8_t>},
-        {"dispOffset", &d.dispOffset, kType<float>},
-        {"invalidDisp", &d.invalidDisp, kType<std::int32_t>},
-        {"dispIntPlace", &d.dispIntPlace, kType<std::int32_t>},
-        {"isDualCamera", &d.isDualCamera, kType<std::uint8_t>}}},
+       {{"zpd", &d.zpd, double()},
+        {"zpps", &d.zpps, double()},
+        {"baseline", &d.baseline, float()},
+        {"fx", &d.fx, double()},
+        {"bitSize", &d.bitSize, std::uint8_t()},
+        {"unit", &d.unit, float()},
+        {"minDisparity", &d.minDisparity, float()},
+        {"packMode", &d.packMode, std::uint8_t()},
+        {"dispOffset", &d.dispOffset, float()},
+        {"invalidDisp", &d.invalidDisp, std::int32_t()},
+        {"dispIntPlace", &d.dispIntPlace, std::int32_t()},
+        {"isDualCamera", &d.isDualCamera, std::uint8_t()}}},
   };
 }
 
@@ -133,10 +110,16 @@ struct Object {
     if (!value.is_object()) fail_field(name, concat("is ", shown(value), "; expected an object"));
     return {value, concat(label, name, '.')};
   }
-  void read(const std::string& name, const NumberType& type, void* number) const {
-    const Json& value = find(name, type.expected());
-    if (type.read(value, number)) return;
-    fail_field(name, concat("is ", shown(value), "; expected ", type.expected()));
+  void read(const Field& field) const {
+    const auto read_number = [&]<typename Number>(Number number) {
+      const Json& value = find(field.name, expected<Number>());
+      if (!fits<Number>(value)) {
+        fail_field(field.name, concat("is ", shown(value), "; expected ", expected<Number>()));
+      }
+      number = value.get<Number>();
+      std::memcpy(field.place, &number, sizeof number);
+    };
+    std::visit(read_number, field.type);
   }
   void expect_no_other(const std::vector<std::string>& known) const {
     for (const auto& [name, value] : json.items()) {
@@ -151,7 +134,7 @@ void read_camera(const Object& file, Frame& camera) {
     const Object object = group.name.empty() ? file : file.object(group.name);
     std::vector<std::string> known;
     for (const Field& field : group.fields) {
-      object.read(field.name, field.type, field.number);
+      object.read(field);
       known.push_back(field.name);
     }
     if (group.name.empty()) known.insert(known.end(), {"intrinsics", "disparity", "metadata"});
@@ -163,7 +146,7 @@ void read_camera(const Object& file, Frame& camera) {
     if (!item || std::to_string(*item) != name) {
       metadata.fail_field(name, "is no metadata item; expected its number");
     }
-    metadata.read(name, kType<std::int64_t>, &camera.metadata[*item]);
+    metadata.read({name, &camera.metadata[*item], std::int64_t()});
   }
 }
 
@@ -174,7 +157,13 @@ std::string camera_json(const Frame& camera) {
   Json file = Json::object();
   for (const Group& group : groups_of(copy)) {
     Json& object = group.name.empty() ? file : file[group.name];
-    for (const Field& field : group.fields) object[field.name] = field.type.write(field.number);
+    for (const Field& field : group.fields) {
+      const auto write_number = [&](auto number) {
+        std::memcpy(&number, field.place, sizeof number);
+        object[field.name] = number;
+      };
+      std::visit(write_number, field.type);
+    }
   }
   Json& metadata = file["metadata"] = Json::object();
   for (const auto& [item, value] : camera.metadata) metadata[std::to_string(item)] = value;

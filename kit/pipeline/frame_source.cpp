@@ -27,47 +27,45 @@ const fs::path& truth_of(const fs::path& file, const std::vector<fs::path>& trut
   return *found;
 }
 
-}  // namespace
-
-FileSource::FileSource(std::vector<fs::path> files, const std::vector<fs::path>& truth,
-                       const Size& raw_size, FrameAttributes attributes)
-    : files_(std::move(files)), raw_size_(raw_size), attributes_(std::move(attributes)) {
-  if (truth.empty()) return;
-  for (const fs::path& file : files_) truth_.push_back(truth_of(file, truth));
-}
-
-FrameName FileSource::name(std::size_t index) const {
-  const fs::path& file = files_[index];
-  FrameName name{file.string(), file.stem().string(), file.extension().string(), {file}};
-  if (!truth_.empty()) name.files.push_back(truth_[index]);
-  return name;
-}
-
-SourceFrame FileSource::load(std::size_t index) const {
-  SourceFrame loaded{describe_frame(read_image(files_[index], raw_size_), attributes_), std::nullopt};
-  if (truth_.empty()) return loaded;
-  loaded.truth = read_image(truth_[index], raw_size_);
-  if (loaded.truth->width != loaded.frame.width || loaded.truth->height != loaded.frame.height) {
-    fail(truth_[index].string(), ": is ", loaded.truth->width, "x", loaded.truth->height, "; expected ",
-         loaded.frame.width, "x", loaded.frame.height, ", the size of ", files_[index].string());
+SourceFrame load_files(const std::vector<fs::path>& files, const Size& raw_size,
+                       const FrameAttributes& attributes) {
+  SourceFrame loaded{describe_frame(read_image(files[0], raw_size), attributes), std::nullopt};
+  if (files.size() == 1) return loaded;
+  const Frame& frame = loaded.frame;
+  const Image& truth = loaded.truth.emplace(read_image(files[1], raw_size));
+  if (truth.width != frame.width || truth.height != frame.height) {
+    fail(files[1].string(), ": is ", truth.width, "x", truth.height, "; expected ", frame.width, "x",
+         frame.height, ", the size of ", files[0].string());
   }
   return loaded;
 }
 
-CameraSource::CameraSource(const CameraRequest& request, FrameAttributes attributes)
-    : camera_(request.config), count_(request.frames), attributes_(std::move(attributes)) {}
+}  // namespace
 
-FrameName CameraSource::name(std::size_t index) const {
-  return {concat(kCameraInput, " frame ", index), camera_frame_stem(index), ".png", {}};
+FrameSource file_source(const std::vector<fs::path>& files, const std::vector<fs::path>& truth,
+                        const Size& raw_size, const FrameAttributes& attributes) {
+  std::vector<FrameName> names;
+  for (const fs::path& file : files) {
+    names.push_back({file.string(), file.stem().string(), file.extension().string(), {file}});
+    if (!truth.empty()) names.back().files.push_back(truth_of(file, truth));
+  }
+  return {names, [=](std::size_t index) { return load_files(names[index].files, raw_size, attributes); }};
 }
 
-SourceFrame CameraSource::load(std::size_t index) const {
-  devhost::CameraFrame made = camera_.frame(static_cast<unsigned>(index));
-  Image pixels{made.disparity.width, made.disparity.height, std::exchange(made.disparity.pixels, {})};
-  Image truth{pixels.width, pixels.height, std::move(made.truth)};
-  FrameAttributes attributes = attributes_;
-  if (!attributes.camera) attributes.camera = std::move(made.disparity);
-  return {describe_frame(std::move(pixels), attributes), std::move(truth)};
+FrameSource camera_source(const CameraRequest& request, const FrameAttributes& attributes) {
+  FrameSource source;
+  for (std::size_t i = 0; i < request.frames; ++i) {
+    source.names.push_back({concat(kCameraInput, " frame ", i), camera_frame_stem(i), ".png", {}});
+  }
+  source.load = [camera = devhost::VirtualCamera(request.config), attributes](std::size_t index) {
+    devhost::CameraFrame made = camera.frame(static_cast<unsigned>(index));
+    Image pixels{made.disparity.width, made.disparity.height, std::exchange(made.disparity.pixels, {})};
+    Image truth{pixels.width, pixels.height, std::move(made.truth)};
+    FrameAttributes own = attributes;
+    if (!own.camera) own.camera = std::move(made.disparity);
+    return SourceFrame{describe_frame(std::move(pixels), own), std::move(truth)};
+  };
+  return source;
 }
 
 }  // namespace kit

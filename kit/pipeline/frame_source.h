@@ -1,15 +1,14 @@
 #ifndef KIT_PIPELINE_FRAME_SOURCE_H
 #define KIT_PIPELINE_FRAME_SOURCE_H
 
-#include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "kit/frame/frame_attributes.h"
 #include "kit/pipeline/camera_options.h"
-#include "virtual_camera.h"
 
 namespace kit {
 
@@ -25,51 +24,23 @@ struct SourceFrame {
   std::optional<Image> truth;  ///< depth in millimetres, 0 where it is not known; of the frame's size
 };
 
-/// A sequence of frames of known length and names.
-class FrameSource {
- public:
-  virtual ~FrameSource() = default;
-  virtual std::size_t count() const = 0;
-  virtual FrameName name(std::size_t index) const = 0;
-  /// @throws Error
-  virtual SourceFrame load(std::size_t index) const = 0;
+/// A sequence of frames, which may be loaded in any order and by any thread.
+struct FrameSource {
+  std::vector<FrameName> names;
+  std::function<SourceFrame(std::size_t index)> load;  ///< @throws Error
 };
 
 /// One frame from each of the files, and its truth from a file of the same stem.
-class FileSource : public FrameSource {
- public:
-  /// @param truth files with the true depth; none: there is no truth
-  /// @param raw_size of the files that do not say their size
-  /// @throws Error when a file has not one truth
-  FileSource(std::vector<std::filesystem::path> files, const std::vector<std::filesystem::path>& truth,
-             const Size& raw_size, FrameAttributes attributes);
-
-  std::size_t count() const override { return files_.size(); }
-  FrameName name(std::size_t index) const override;
-  SourceFrame load(std::size_t index) const override;
-
- private:
-  std::vector<std::filesystem::path> files_;
-  std::vector<std::filesystem::path> truth_;  // as many as there are files, or none
-  Size raw_size_;
-  FrameAttributes attributes_;
-};
+/// @param truth files with the true depth; none: there is no truth
+/// @param raw_size of the files that do not say their size
+/// @throws Error when a file has not one truth
+FrameSource file_source(const std::vector<std::filesystem::path>& files,
+                        const std::vector<std::filesystem::path>& truth, const Size& raw_size,
+                        const FrameAttributes& attributes);
 
 /// The frames of the virtual camera, with their truth.
-class CameraSource : public FrameSource {
- public:
-  /// @param attributes take the place of the camera's own where they say anything
-  CameraSource(const CameraRequest& request, FrameAttributes attributes);
-
-  std::size_t count() const override { return count_; }
-  FrameName name(std::size_t index) const override;
-  SourceFrame load(std::size_t index) const override;
-
- private:
-  devhost::VirtualCamera camera_;
-  std::size_t count_;
-  FrameAttributes attributes_;
-};
+/// @param attributes take the place of the camera's own where they say anything
+FrameSource camera_source(const CameraRequest& request, const FrameAttributes& attributes);
 
 }  // namespace kit
 

@@ -6,7 +6,7 @@ namespace kit {
 
 void run_sequence(const FrameSource& source, Pipeline& pipeline, Handover handover,
                   const SequenceVisitor& visitor) {
-  for (std::size_t i = 0; i < source.count(); ++i) {
+  for (std::size_t i = 0; i < source.names.size(); ++i) {
     const SourceFrame input = source.load(i);
     const auto on_stage = [&](const Stage& stage) {
       if (visitor.on_stage) visitor.on_stage(input, stage);
@@ -15,7 +15,7 @@ void run_sequence(const FrameSource& source, Pipeline& pipeline, Handover handov
       try {
         return pipeline.run(input.frame, on_stage, handover);
       } catch (const Error& problem) {
-        throw Error(problem.kind(), concat(source.name(i).label, ": ", problem.what()));
+        throw Error(problem.kind(), concat(source.names[i].label, ": ", problem.what()));
       }
     }();
     if (visitor.on_result) visitor.on_result(i, input, result);

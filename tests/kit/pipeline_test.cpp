@@ -77,7 +77,8 @@ TEST(Pipeline, ForgetsFramesWhenItIsReset) {
 
 TEST(Sequence, NamesTheFrameThatFails) {
   Pipeline pipeline(probe(), {{"FailingFilter", {}}});
-  const CameraSource source(make_camera_request(parse_camera_input("camera:size=64x48")), {});
+  const FrameSource source =
+      camera_source(make_camera_request(parse_camera_input("camera:size=64x48")), {});
   const std::string line =
       refusal(Error::Kind::failed_run, [&] { run_sequence(source, pipeline, Handover::frame, {}); });
   EXPECT_TRUE(line.starts_with("camera: frame 0: FailingFilter failed: \"out of order\"")) << line;

@@ -22,8 +22,6 @@ TEST(Schema, KeepsTrailingBlanksOfADescriptionOnly) {
   EXPECT_EQ(parameters[0], (SchemaParameter{"a", "float", "0.1", "1", "0.01", "0.5", "two words "}));
 }
 
-TEST(Schema, AnEmptyTextHasNoParameters) { EXPECT_TRUE(parse_schema("").empty()); }
-
 TEST(Schema, RefusesLinesThatAreNotSevenFieldsOfAKnownType) {
   EXPECT_THROW(parse_schema("a, integer, 0, 1, 1, 0"), Error);
   EXPECT_THROW(parse_schema("a, integer, 0, 1, 1, 0, one, two"), Error);

@@ -24,16 +24,5 @@ TEST(Preview, PaintsBothFramesInOneRange) {
   EXPECT_EQ(at(12, 0), kit::rainbow(1));
 }
 
-TEST(Preview, GivesEachPixelTypeItsOwnRange) {
-  const kit::Frame depth = kit::describe_frame({2, 1, {500, 4000}}, {});
-  kit::Frame disparity = kit::describe_frame({2, 1, {9000, 100}}, {});
-  disparity.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
-  const kit::ColorImage picture = preview(disparity, depth);
-  for (const std::size_t start : {0u, 10u}) {
-    EXPECT_EQ(picture.pixels[start], kit::rainbow(0));
-    EXPECT_EQ(picture.pixels[start + 1], kit::rainbow(1));
-  }
-}
-
 }  // namespace
 }  // namespace zvfilter
