@@ -1,14 +1,31 @@
 #include "report.h"
 
+#include <algorithm>
 #include <iomanip>
 #include <ostream>
 
 #include "kit/common/text.h"
-#include "table.h"
 
 namespace zvfilter {
 
 namespace {
+
+using Rows = std::vector<std::vector<std::string>>;
+
+/// Aligned columns under a heading: the first to the left, the others to the right.
+void print_table(const Rows& rows, std::ostream& out) {
+  std::vector<std::size_t> widths(rows.front().size());
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+  }
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+      const std::string padding(widths[i] - row[i].size(), ' ');
+      out << (i == 0 ? row[i] + padding : "  " + padding + row[i]);
+    }
+    out << '\n';
+  }
+}
 
 std::string rounded(std::optional<double> value, int places, const char* unit = "") {
   return value ? kit::concat(std::fixed, std::setprecision(places), *value, unit) : "-";
@@ -19,22 +36,24 @@ std::string per_cent(std::optional<double> share) {
 }
 
 void print_statistics(const std::vector<kit::FilterStatistics>& statistics, std::ostream& out) {
-  Table table({"filter", "frames", "valid before", "valid after", "changed", "median ms"});
+  Rows rows = {{"filter", "frames", "valid before", "valid after", "changed", "median ms"}};
   for (const kit::FilterStatistics& s : statistics) {
-    table.add({s.name, kit::concat(s.frames), kit::concat(s.valid_before), kit::concat(s.valid_after),
-               s.changed ? kit::concat(*s.changed) : "-", rounded(s.median_milliseconds(), 3)});
+    rows.push_back({s.name, kit::concat(s.frames), kit::concat(s.valid_before),
+                    kit::concat(s.valid_after), s.changed ? kit::concat(*s.changed) : "-",
+                    rounded(s.median_milliseconds(), 3)});
   }
-  table.print(out);
+  print_table(rows, out);
 }
 
 void print_accuracy(const kit::ChainResults& results, std::ostream& out) {
-  Table table({"after", "coverage", "median error mm", "p95 error mm", "off > 5 %", "flicker mm"});
+  Rows rows = {{"after", "coverage", "median error mm", "p95 error mm", "off > 5 %", "flicker mm"}};
   for (std::size_t i = 0; i < results.accuracy.size(); ++i) {
     const kit::AccuracySummary a = results.accuracy[i].summary();
-    table.add({i == 0 ? "(input)" : results.filters[i - 1].name, per_cent(a.coverage),
-               rounded(a.median, 1), rounded(a.percentile95, 1), per_cent(a.off), rounded(a.flicker, 1)});
+    rows.push_back({i == 0 ? "(input)" : results.filters[i - 1].name, per_cent(a.coverage),
+                    rounded(a.median, 1), rounded(a.percentile95, 1), per_cent(a.off),
+                    rounded(a.flicker, 1)});
   }
-  table.print(out);
+  print_table(rows, out);
 }
 
 }  // namespace

@@ -26,9 +26,7 @@ const Codec* codec_named(std::string_view name) {
 const Codec* codec_of_extension(std::string_view extension) {
   const std::string wanted = lower_case(extension);
   for (const Codec& codec : codecs()) {
-    if (std::find(codec.extensions.begin(), codec.extensions.end(), wanted) != codec.extensions.end()) {
-      return &codec;
-    }
+    if (std::count(codec.extensions.begin(), codec.extensions.end(), wanted) > 0) return &codec;
   }
   return nullptr;
 }
@@ -55,6 +53,17 @@ void append_samples(const ImageView& image, ByteOrder order, Bytes& bytes) {
     bytes.push_back(order == ByteOrder::little ? low : high);
     bytes.push_back(order == ByteOrder::little ? high : low);
   }
+}
+
+// Raw files: little-endian samples and nothing else.
+Image decode_raw(ByteView file, const Size& size) {
+  return read_samples(file, ByteOrder::little, size.width, size.height);
+}
+
+Bytes encode_raw(const ImageView& image) {
+  Bytes file;
+  append_samples(image, ByteOrder::little, file);
+  return file;
 }
 
 }  // namespace kit
