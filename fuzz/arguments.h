@@ -4,14 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "framework/schema.h"
 #include "fuzz_input.h"
+#include "kit/plugin/schema.h"
 
 namespace filterprocessor::fuzz {
 
 /// Texts for a filter's parameters: mostly all of them in range, otherwise some that are not, and now and
 /// then some too many or too few.
-std::vector<std::string> any_arguments(FuzzInput& input, const std::vector<SchemaParameter>& parameters);
+std::vector<std::string> any_arguments(FuzzInput& input,
+                                       const std::vector<kit::SchemaParameter>& parameters);
 
 }  // namespace filterprocessor::fuzz
 

@@ -87,7 +87,7 @@ class Host {
     const char* schema = zv_priv_filter_get_config_schema(handle(filter), slot());
     require((schema != nullptr) == (filter != nullptr), "a filter has a schema");
     if (schema == nullptr) return;
-    const auto texts = any_arguments(input_, parse_schema(schema));
+    const auto texts = any_arguments(input_, kit::parse_schema(schema));
     std::vector<const char*> argv;
     for (const std::string& text : texts) argv.push_back(input_.one_in(64) ? nullptr : text.c_str());
     filter->update_config(filter->filter, argv.size(), input_.one_in(64) ? nullptr : argv.data(), slot());

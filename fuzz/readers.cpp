@@ -1,12 +1,12 @@
-// The tool's file readers. The first byte chooses one: c for camera.json, p, g, n and r for PNG, PGM,
+// The file readers. The first byte chooses one: c for camera.json, p, g, n and r for PNG, PGM,
 // NumPy and raw images, all others for PNG with its checksums put right. What can be read says the same
 // when written and read again.
 #include <png.h>
 #include <zlib.h>
 
-#include "camera_file.h"
-#include "failure.h"
-#include "images/codec.h"
+#include "kit/common/error.h"
+#include "kit/frame/camera_file.h"
+#include "kit/image/codec.h"
 #include "target.h"
 
 namespace filterprocessor::fuzz {
@@ -14,33 +14,33 @@ namespace filterprocessor::fuzz {
 namespace {
 
 void read_camera(std::string_view text) {
-  devhost::FrameTraits camera;
+  kit::Frame camera;
   try {
-    camera = zvfilter::parse_camera_json(text, "camera.json");
-  } catch (const zvfilter::Failure&) {
+    camera = kit::parse_camera_json(text, "camera.json");
+  } catch (const kit::Error&) {
     return;
   }
-  const std::string written = zvfilter::camera_json(camera);
-  const devhost::FrameTraits again = zvfilter::parse_camera_json(written, "again");
-  require(zvfilter::camera_json(again) == written, "a camera says the same when read again");
+  const std::string written = kit::camera_json(camera);
+  const kit::Frame again = kit::parse_camera_json(written, "again");
+  require(kit::camera_json(again) == written, "a camera says the same when read again");
 }
 
-void read_image(std::string_view format, zvfilter::ByteView file, const zvfilter::Size& size) {
-  const zvfilter::Codec& codec = *zvfilter::codec_named(format);
-  zvfilter::Image image;
+void read_image(std::string_view format, kit::ByteView file, const kit::Size& size) {
+  const kit::Codec& codec = *kit::codec_named(format);
+  kit::Image image;
   try {
     image = codec.decode(file, size);
-  } catch (const zvfilter::BadImage&) {
+  } catch (const kit::Error&) {
     return;
   }
-  const zvfilter::Bytes written = codec.encode(image);
+  const kit::Bytes written = codec.encode(image);
   require(codec.decode(written, {image.width, image.height}) == image,
           "an image is the same when read again");
 }
 
 /// Gives every chunk the checksum that it needs, so that what stands in it is looked at.
-zvfilter::Bytes with_checksums(zvfilter::ByteView file) {
-  zvfilter::Bytes bytes(file.begin(), file.end());
+kit::Bytes with_checksums(kit::ByteView file) {
+  kit::Bytes bytes(file.begin(), file.end());
   for (std::size_t at = 8; at + 12 <= bytes.size();) {
     const std::size_t length = png_get_uint_32(&bytes[at]);
     if (length > bytes.size() - at - 12) break;
@@ -55,7 +55,7 @@ zvfilter::Bytes with_checksums(zvfilter::ByteView file) {
 
 void run_input(FuzzInput& input) {
   const auto reader = input.number<char>();
-  zvfilter::Size size;
+  kit::Size size;
   if (reader == 'r') size = {input.number<std::uint8_t>(), input.number<std::uint32_t>()};
   const auto file = input.take_rest();
   switch (reader) {

@@ -1,17 +1,16 @@
 // Reading of configuration schemas: what can be read says the same when it is written and read again.
-#include "framework/schema.h"
+#include "kit/plugin/schema.h"
 
-#include <stdexcept>
-
+#include "kit/common/error.h"
 #include "target.h"
 
 namespace filterprocessor::fuzz {
 
 namespace {
 
-std::string written(const std::vector<SchemaParameter>& parameters) {
+std::string written(const std::vector<kit::SchemaParameter>& parameters) {
   std::string text;
-  for (const SchemaParameter& p : parameters) {
+  for (const kit::SchemaParameter& p : parameters) {
     for (const std::string* field : {&p.name, &p.type, &p.min, &p.max, &p.step, &p.default_value}) {
       text += *field + ", ";
     }
@@ -24,13 +23,13 @@ std::string written(const std::vector<SchemaParameter>& parameters) {
 
 void run_input(FuzzInput& input) {
   const auto bytes = input.take_rest();
-  std::vector<SchemaParameter> parameters;
+  std::vector<kit::SchemaParameter> parameters;
   try {
-    parameters = parse_schema({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-  } catch (const std::invalid_argument&) {
+    parameters = kit::parse_schema({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  } catch (const kit::Error&) {
     return;
   }
-  require(parse_schema(written(parameters)) == parameters, "a schema says the same when read again");
+  require(kit::parse_schema(written(parameters)) == parameters, "a schema says the same when read again");
 }
 
 }  // namespace filterprocessor::fuzz

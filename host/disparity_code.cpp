@@ -7,8 +7,6 @@ namespace devhost {
 
 namespace {
 
-constexpr std::int32_t kLargestCode = 65531;  // the four above it are marks, not disparities
-constexpr std::uint16_t kInvalidSigned = 8192;
 constexpr std::uint16_t kInvalidUnsigned = 65532;
 
 }  // namespace

@@ -6,8 +6,9 @@
 
 #include <sys/stat.h>
 
-#include "failure.h"
-#include "files.h"
+#include "kit/common/error.h"
+#include "kit/image/image_files.h"
+#include "preview.h"
 
 namespace zvfilter {
 
@@ -25,10 +26,10 @@ std::optional<FileIdentity> identity(const fs::path& file) {
 
 }  // namespace
 
-std::vector<OutputFiles> plan_outputs(const FrameSource& source, const OutputSettings& settings) {
+std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const OutputSettings& settings) {
+  if (settings.folder.empty()) kit::refuse("the folder for the results has no name");
   std::map<FileIdentity, std::string> inputs;
-  for (std::size_t i = 0; i < source.count(); ++i) {
-    const FrameName name = source.name(i);
+  for (const kit::FrameName& name : source.names) {
     for (const fs::path& file : name.files) {
       if (const auto known = identity(file)) inputs[*known] = file.string();
     }
@@ -37,31 +38,42 @@ std::vector<OutputFiles> plan_outputs(const FrameSource& source, const OutputSet
   std::map<fs::path, std::string> planned;
   const auto plan = [&](const fs::path& file, const std::string& label) {
     const auto [other, fresh] = planned.emplace(file, label);
-    if (!fresh)
-      fail_usage(concat(other->second, " and ", label, " would both be written to ", file.string()));
+    if (!fresh) kit::refuse(other->second, " and ", label, " would both be written to ", file.string());
     const auto existing = identity(file);
     if (existing && inputs.contains(*existing)) {
-      fail_usage(concat(file.string(), " would replace the input ", inputs[*existing],
-                        "; choose another folder or format"));
+      kit::refuse(file.string(), " would replace the input ", inputs[*existing],
+                  "; choose another folder or format");
     }
   };
   std::vector<OutputFiles> outputs;
-  for (std::size_t i = 0; i < source.count(); ++i) {
-    const FrameName name = source.name(i);
+  for (const kit::FrameName& name : source.names) {
     OutputFiles files;
-    files.format = settings.format != nullptr ? settings.format : codec_of_extension(name.extension);
-    const std::string extension = files.format == codec_of_extension(name.extension)
-                                      ? name.extension
-                                      : std::string(files.format->extensions.front());
+    const kit::Codec* own = kit::codec_of_extension(name.extension);
+    files.format = settings.format.value_or(own);
+    const std::string extension =
+        files.format == own ? name.extension : std::string(files.format->extensions.front());
     files.image = settings.folder / (name.stem + extension);
     plan(files.image, name.label);
     if (settings.preview) {
-      files.preview = settings.folder / (name.stem + kPreviewSuffix);
+      files.preview = settings.folder / (name.stem + kit::kPreviewSuffix);
       plan(files.preview, "the preview of " + name.label);
     }
     outputs.push_back(std::move(files));
   }
   return outputs;
+}
+
+void write_results(const OutputFiles& files, const kit::Frame& before, const kit::Frame& after) {
+  kit::Bytes image, picture;
+  try {
+    image = files.format->encode(kit::image_of(after));
+    if (!files.preview.empty()) picture = kit::encode_png(preview(before, after));
+  } catch (const kit::Error& problem) {
+    kit::fail(files.image.string(), ": ", problem.what());
+  }
+  kit::make_folder(files.image.parent_path());
+  kit::write_whole(files.image, image);
+  if (!files.preview.empty()) kit::write_whole(files.preview, picture);
 }
 
 }  // namespace zvfilter

@@ -9,8 +9,9 @@ namespace zvfilter {
 Progress::Progress(std::size_t total)
     : total_(total), visible_(total > 1 && ::isatty(STDERR_FILENO) == 1) {}
 
-Progress::~Progress() {
+void Progress::clear() {
   if (visible_) std::fputs("\r\x1b[K", stderr);
+  visible_ = false;
 }
 
 void Progress::show(std::size_t done) {

@@ -11,8 +11,9 @@ class Progress {
   explicit Progress(std::size_t total);
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
-  ~Progress();
+  ~Progress() { clear(); }
   void show(std::size_t done);
+  void clear();
 
  private:
   std::size_t total_;

@@ -4,51 +4,61 @@
 #include <iomanip>
 #include <ostream>
 
-#include "table.h"
-#include "text.h"
+#include "kit/common/text.h"
 
 namespace zvfilter {
 
 namespace {
 
-double median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  const std::size_t middle = values.size() / 2;
-  return values.size() % 2 != 0 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
-}
+using Rows = std::vector<std::vector<std::string>>;
 
-void print_statistics(const std::vector<FilterStatistics>& statistics, std::ostream& out) {
-  Table table({"filter", "frames", "valid before", "valid after", "changed", "median ms"});
-  for (const FilterStatistics& s : statistics) {
-    table.add({s.name, concat(s.frames), concat(s.valid_before), concat(s.valid_after),
-               s.changed ? concat(*s.changed) : "-",
-               concat(std::fixed, std::setprecision(3), median(s.milliseconds))});
+/// Aligned columns under a heading: the first to the left, the others to the right.
+void print_table(const Rows& rows, std::ostream& out) {
+  std::vector<std::size_t> widths(rows.front().size());
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
   }
-  table.print(out);
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+      const std::string padding(widths[i] - row[i].size(), ' ');
+      out << (i == 0 ? row[i] + padding : "  " + padding + row[i]);
+    }
+    out << '\n';
+  }
 }
 
-std::string millimetres(std::optional<double> value) {
-  return value ? concat(std::fixed, std::setprecision(1), *value) : "-";
+std::string rounded(std::optional<double> value, int places, const char* unit = "") {
+  return value ? kit::concat(std::fixed, std::setprecision(places), *value, unit) : "-";
 }
 
 std::string per_cent(std::optional<double> share) {
-  return share ? concat(std::fixed, std::setprecision(2), 100 * *share, " %") : "-";
+  return rounded(share ? std::optional(100 * *share) : share, 2, " %");
 }
 
-void print_accuracy(const RunResults& results, std::ostream& out) {
-  Table table({"after", "coverage", "median error mm", "p95 error mm", "off > 5 %", "flicker mm"});
-  for (std::size_t i = 0; i < results.accuracy.size(); ++i) {
-    const Accuracy& a = results.accuracy[i];
-    table.add({i == 0 ? "(input)" : results.filters[i - 1].name, per_cent(a.coverage()),
-               millimetres(a.median()), millimetres(a.percentile95()), per_cent(a.off()),
-               millimetres(a.flicker())});
+void print_statistics(const std::vector<kit::FilterStatistics>& statistics, std::ostream& out) {
+  Rows rows = {{"filter", "frames", "valid before", "valid after", "changed", "median ms"}};
+  for (const kit::FilterStatistics& s : statistics) {
+    rows.push_back({s.name, kit::concat(s.frames), kit::concat(s.valid_before),
+                    kit::concat(s.valid_after), s.changed ? kit::concat(*s.changed) : "-",
+                    rounded(s.median_milliseconds(), 3)});
   }
-  table.print(out);
+  print_table(rows, out);
+}
+
+void print_accuracy(const kit::ChainResults& results, std::ostream& out) {
+  Rows rows = {{"after", "coverage", "median error mm", "p95 error mm", "off > 5 %", "flicker mm"}};
+  for (std::size_t i = 0; i < results.accuracy.size(); ++i) {
+    const kit::AccuracySummary a = results.accuracy[i].summary();
+    rows.push_back({i == 0 ? "(input)" : results.filters[i - 1].name, per_cent(a.coverage),
+                    rounded(a.median, 1), rounded(a.percentile95, 1), per_cent(a.off),
+                    rounded(a.flicker, 1)});
+  }
+  print_table(rows, out);
 }
 
 }  // namespace
 
-void print_results(const RunResults& results, std::ostream& out) {
+void print_results(const kit::ChainResults& results, std::ostream& out) {
   print_statistics(results.filters, out);
   if (results.accuracy.empty()) return;
   out << '\n';

@@ -3,12 +3,12 @@
 
 #include <iosfwd>
 
-#include "run.h"
+#include "kit/pipeline/sequence.h"
 
 namespace zvfilter {
 
 /// A table of what the filters did and, where the truth is known, one of how near it each stage came.
-void print_results(const RunResults& results, std::ostream& out);
+void print_results(const kit::ChainResults& results, std::ostream& out);
 
 }  // namespace zvfilter
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <optional>
 
+#include "filters/depth_converter.h"
 #include "framework/config_values.h"
 #include "framework/frame_info.h"
 #include "framework/frame_process.h"

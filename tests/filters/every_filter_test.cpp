@@ -1,7 +1,7 @@
 // One scenario for all filters, through the boundary.
 #include "support/every_filter.h"
 
-#include "framework/schema.h"
+#include "kit/plugin/schema.h"
 #include "support/filter_driver.h"
 
 namespace filterprocessor {
@@ -21,7 +21,7 @@ TEST_P(EveryFilter, ServesAHostFromCreationToDestruction) {
   {
     FilterDriver filter(use().name);
     std::vector<std::string> defaults;
-    for (const SchemaParameter& parameter : parse_schema(filter.schema())) {
+    for (const kit::SchemaParameter& parameter : kit::parse_schema(filter.schema())) {
       defaults.push_back(parameter.default_value);
     }
     ASSERT_EQ(filter.update(defaults), kNoError);

@@ -1,7 +1,7 @@
 // Schema texts are read by hosts and scripts, so they stay to the letter.
 #include <map>
 
-#include "framework/schema.h"
+#include "kit/plugin/schema.h"
 #include "support/filter_driver.h"
 
 namespace filterprocessor {
@@ -69,7 +69,7 @@ TEST(SchemaTexts, StayToTheLetterAndTheirDefaultsAreAccepted) {
     FilterDriver filter(name);
     EXPECT_EQ(filter.schema(), text);
     std::vector<std::string> defaults;
-    for (const SchemaParameter& parameter : parse_schema(text))
+    for (const kit::SchemaParameter& parameter : kit::parse_schema(text))
       defaults.push_back(parameter.default_value);
     EXPECT_EQ(filter.update(defaults), kNoError) << name;
   }

@@ -9,10 +9,10 @@
 #include <nlohmann/json.hpp>
 #include <sys/wait.h>
 
-#include "files.h"
-#include "images/codec.h"
+#include "kit/common/text.h"
+#include "kit/image/codec.h"
 
-namespace zvfilter {
+namespace kit {
 namespace {
 
 namespace fs = std::filesystem;
@@ -102,6 +102,7 @@ TEST_F(Program, ListsTheFiltersOfItsOwnPlugin) {
 TEST_F(Program, ListsAFilterThatIsNotAvailable) {
   EXPECT_MENTIONS(run_probe("list").out,
                   "0  MissingFilter  (not available)\n1  FailingFilter\n     count  ");
+  EXPECT_TRUE(run_probe("list").out.ends_with("\nThe kernels run at level probing.\n"));
   const auto list = nlohmann::json::parse(run_probe("list --json").out);
   EXPECT_EQ(list[0]["available"], false);
   EXPECT_EQ(list[3]["parameters"][1]["default"], 0.5);
@@ -345,7 +346,7 @@ TEST_F(Program, RefusesBadInputsAndLeavesNothingBehind) {
   Bytes truncated = encode_png(kHoles);
   truncated.resize(truncated.size() - 15);
   put("cut.png", truncated);
-  put("colour.png", encode_png(ColorImage{1, 1, {1, 2, 3}}));
+  put("colour.png", encode_png(ColorImage{1, 1, {{1, 2, 3}}}));
   put("other.raw", Image{2, 2, {1, 2, 3, 4}});
   fs::create_directory(folder_ / "empty");
   const std::map<std::string, std::string> cases = {
@@ -377,4 +378,4 @@ TEST_F(Program, KeepsWholeResultsAndNoOthersWhenAnInputOrTheFolderFails) {
 }
 
 }  // namespace
-}  // namespace zvfilter
+}  // namespace kit

@@ -1,0 +1,34 @@
+#ifndef KIT_COMMON_TEXT_H
+#define KIT_COMMON_TEXT_H
+
+#include <cstdint>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kit {
+
+/// The parts as an output stream prints them, one after the other.
+template <typename... Parts>
+std::string concat(const Parts&... parts) {
+  std::ostringstream stream;
+  (stream << ... << parts);
+  return stream.str();
+}
+
+std::string join(const std::vector<std::string>& texts, std::string_view separator);
+std::string lower_case(std::string_view text);
+std::vector<std::string_view> split(std::string_view text, char separator);
+
+/// A whole decimal integer of 32 bits, or nothing. A sign is allowed, blanks and anything else are not.
+std::optional<std::int32_t> parse_integer(std::string_view text);
+/// As parse_integer(), from 0 up and of 64 bits.
+std::optional<std::uint64_t> parse_unsigned(std::string_view text);
+/// A finite decimal number, or nothing.
+std::optional<double> parse_number(std::string_view text);
+
+}  // namespace kit
+
+#endif

@@ -1,0 +1,89 @@
+// A plug-in whose filters show what is done with them and how their faults are taken.
+#include <cstdio>
+
+#include "filterprocessor/filter_processor.h"
+
+struct zv_priv_filter_t {
+  int index;
+  int frames;
+};
+
+namespace {
+
+const char* const kNames[] = {"MissingFilter", "FailingFilter",  "SilentFilter",
+                              "EchoFilter",    "CroppingFilter", "ConvertingFilter"};
+
+void destroy(PrivFilterContext* context) {
+  delete context->filter;
+  delete context;
+}
+
+void reset(zv_priv_filter_t* filter, zv_error**) { filter->frames = 0; }
+
+const char* schema(zv_priv_filter_t*, zv_error**) {
+  return "count, integer, 0, 10, 1, 3, how many\nratio, float, 0, 1, 0.1, 0.5, how much\n"
+         "on, bool, 0, 1, 1, 1, whether";
+}
+
+void update(zv_priv_filter_t*, size_t argc, const char** argv, zv_error**) {
+  std::printf("configured:");
+  for (size_t i = 0; i < argc; ++i) std::printf(" %s", argv[i]);
+  std::printf("\n");
+}
+
+void describe(const zv_priv_filter_t* filter, const zv_frame_t* frame, zv_error** error) {
+  const bool set = zv_frame_get_type(frame, error) == ZV_FRAME_TYPE_SET;
+  const zv_frame_t* depth = set ? zv_frameset_get_depth_frame(frame, error) : frame;
+  zv_stream_profile_t* profile = zv_frame_get_stream_profile(depth, error);
+  const ZVDisparityParam disparity =
+      zv_disparity_based_stream_profile_get_disparity_param(profile, error);
+  zv_delete_stream_profile(profile, error);
+  const auto* pixels = static_cast<const uint16_t*>(zv_frame_get_data(depth, error));
+  std::printf("frame %d: set %d, first pixel %d, bits %d, type %d, scale %g, baseline %g, fx %g\n",
+              filter->frames, set, pixels[0], zv_video_frame_get_pixel_available_bit_size(depth, error),
+              zv_video_frame_get_pixel_type(depth, error),
+              static_cast<double>(zv_depth_frame_get_value_scale(depth, error)),
+              static_cast<double>(disparity.baseline), disparity.fx);
+}
+
+/// The first row alone.
+zv_frame_t* crop(const zv_frame_t* frame, zv_error** error) {
+  const uint32_t width = zv_video_frame_get_width(frame, error);
+  zv_frame_t* output = zv_create_frame(ZV_FRAME_TYPE_DEPTH, 0, 2 * width, error);
+  zv_frame_copy_info(frame, output, error);
+  zv_stream_profile_t* profile = zv_frame_get_stream_profile(frame, error);
+  zv_stream_profile_t* cropped = zv_create_stream_profile_from_other_stream_profile(profile, error);
+  zv_video_stream_profile_set_height(cropped, 1, error);
+  zv_frame_set_stream_profile(output, cropped, error);
+  zv_delete_stream_profile(cropped, error);
+  zv_delete_stream_profile(profile, error);
+  zv_frame_update_data(output, zv_frame_get_data(frame, error), 2 * width, error);
+  return output;
+}
+
+zv_frame_t* process(zv_priv_filter_t* filter, const zv_frame_t* frame, zv_error** error) {
+  ++filter->frames;
+  if (filter->index == 1) *error = zv_create_error(1, "out of order", "filter_process", "a frame", 7);
+  if (filter->index <= 2) return nullptr;
+  if (filter->index == 4) return crop(frame, error);
+  describe(filter, frame, error);
+  zv_frame_t* output = zv_create_frame_from_other_frame(frame, true, error);
+  if (filter->index == 5) zv_video_frame_set_pixel_type(output, ZV_PIXEL_TYPE_DEPTH, error);
+  return output;
+}
+
+}  // namespace
+
+extern "C" {
+
+int32_t zv_get_filter_count() { return 6; }
+const char* zv_get_filter_name(int32_t index) { return kNames[index]; }
+
+PrivFilterContext* zv_create_filter(int32_t index) {
+  if (index == 0) return nullptr;
+  return new PrivFilterContext{destroy, new zv_priv_filter_t{index, 0}, reset, schema, update, process};
+}
+
+FILTERPROCESSOR_API const char* depth_api_level() { return "probing"; }
+
+}  // extern "C"
