@@ -2,7 +2,6 @@
 #include <limits>
 
 #include "filters/depth_converter.h"
-#include "kernels/correction/correction_plain.h"
 #include "support/levels.h"
 #include "support/random_image.h"
 
