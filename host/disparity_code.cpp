@@ -5,17 +5,13 @@
 
 namespace devhost {
 
-namespace {
-
-constexpr std::uint16_t kInvalidUnsigned = 65532;
-
-}  // namespace
+namespace {}  // namespace
 
 DisparityCode::DisparityCode(const ZVDisparityParam& record, double correction)
     : signed_(has_signed_codes(record)),
       lowest_(signed_ ? -8191 : 1),
-      highest_(signed_ ? 8191 : std::min(kLargestCode, (1 << record.bitSize) - 1)),
-      invalid_(signed_ ? kInvalidSigned : 0) {
+      highest_(signed_ ? 8191 : std::min<std::int32_t>(ZV_DISPARITY_CODE_MAX, (1 << record.bitSize) - 1)),
+      invalid_(signed_ ? ZV_DISPARITY_UNMATCHED_SIGNED : 0) {
   const bool dual = record.isDualCamera != 0;
   // What the code stands for is P - origin.
   const double reference = record.fx * static_cast<double>(record.baseline) / record.zpd;
@@ -32,7 +28,7 @@ DisparityCode::DisparityCode(const ZVDisparityParam& record, double correction)
   } else {
     steps_per_pixel_ = whole;
     at_zero_ = origin;
-    if (record.packMode == 4 && record.bitSize == 16) invalid_ = kInvalidUnsigned;
+    if (record.packMode == 4 && record.bitSize == 16) invalid_ = ZV_DISPARITY_UNMATCHED;
   }
 }
 

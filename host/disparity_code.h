@@ -4,12 +4,10 @@
 
 #include <cstdint>
 
+#include "filterprocessor/disparity_codes.h"
 #include "filterprocessor/host.h"
 
 namespace devhost {
-
-inline constexpr std::int32_t kLargestCode = 65531;  ///< the four above it are marks, not disparities
-inline constexpr std::uint16_t kInvalidSigned = 8192;
 
 /// Whether codes are 14-bit two's complement: those of one camera in pack mode 2, if long enough.
 inline bool has_signed_codes(const ZVDisparityParam& record) {

@@ -14,11 +14,11 @@ PixelReader::PixelReader(const Frame& frame)
 std::optional<std::int32_t> PixelReader::distance_rank(std::uint16_t pixel) const {
   const std::int32_t code = pixel >> confidence_bits_;
   if (code_ == Code::two_complement) {
-    if (code == devhost::kInvalidSigned) return std::nullopt;
+    if (code == ZV_DISPARITY_UNMATCHED_SIGNED) return std::nullopt;
     const std::int32_t low = code & 0x3FFF;
-    return low < devhost::kInvalidSigned ? -low : 0x4000 - low;
+    return low < ZV_DISPARITY_UNMATCHED_SIGNED ? -low : 0x4000 - low;
   }
-  if (code == 0 || (code_ != Code::depth && code > devhost::kLargestCode)) return std::nullopt;
+  if (code == 0 || (code_ != Code::depth && code > ZV_DISPARITY_CODE_MAX)) return std::nullopt;
   return code_ == Code::falling ? -code : code;
 }
 

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "common/saturate.h"
+#include "filterprocessor/disparity_codes.h"
 #include "filterprocessor/speckle.h"
 #include "filters/size_ratio.h"
 #include "framework/config_values.h"
@@ -17,7 +18,7 @@ namespace {
 /// The code that a camera gives to pixels it could not match.
 std::uint16_t invalid_code(std::uint8_t pack_mode, bool dual_camera) {
   if (dual_camera || pack_mode == 1) return 0;
-  return pack_mode == 4 ? 65532 : 8192;
+  return pack_mode == 4 ? ZV_DISPARITY_UNMATCHED : ZV_DISPARITY_UNMATCHED_SIGNED;
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "filterprocessor/disparity_codes.h"
+
 namespace filterprocessor {
 
 /// How a code stands for a disparity in pixels.
@@ -55,8 +57,8 @@ struct DepthTableKernels {
   void (*mono)(const MonoRule& rule, std::uint16_t* table, std::size_t size);
 };
 
-/// In a stereo table these and larger codes are 0 whatever the rule says.
-inline constexpr std::size_t kStereoCodeEnd = 65532;
+/// These and larger codes are marks, not disparities.
+inline constexpr std::size_t kDisparityCodeEnd = ZV_DISPARITY_CODE_MAX + 1;
 
 namespace plain {
 

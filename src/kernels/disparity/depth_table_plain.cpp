@@ -16,7 +16,7 @@ std::uint16_t mono_depth(const MonoRule& rule, double disparity) {
 }  // namespace
 
 std::uint16_t stereo_entry(const StereoRule& rule, std::size_t code) {
-  if (code >= kStereoCodeEnd) return 0;
+  if (code >= kDisparityCodeEnd) return 0;
   const auto i = static_cast<double>(code);
   const double d = rule.layout == CodeLayout::inverted
                        ? ((200.375 - (2 * i) / rule.scale) + 128.0) - rule.min_disparity
@@ -35,13 +35,13 @@ std::uint16_t mono_entry(const MonoRule& rule, std::size_t code) {
       return code == 0 || code > 65534 ? std::uint16_t{0}
                                        : mono_depth(rule, 200.375 - (2 * i) / rule.scale);
     case CodeLayout::signed_14_bit: {
-      if (code == 8192 || code > 65534) return 0;
+      if (code == ZV_DISPARITY_UNMATCHED_SIGNED || code > 65534) return 0;
       const int low = static_cast<int>(code & 16383);
       return mono_depth(rule, (low < 8192 ? low : low - 16384) / rule.scale);
     }
     case CodeLayout::linear:
     default:
-      return code > 65531 ? std::uint16_t{0} : mono_depth(rule, i / rule.scale);
+      return code >= kDisparityCodeEnd ? std::uint16_t{0} : mono_depth(rule, i / rule.scale);
   }
 }
 

@@ -44,7 +44,7 @@ void fill_stereo(const StereoRule& rule, std::uint16_t* table, std::size_t size)
     const Mask64 valid = (d < F64::splat(rule.disparity_end)) & (d > F64::splat(0.0)) & limits.hold(z);
     z.store_truncated(without(valid, invalid), entries);
   };
-  fill(rule, plain::stereo_entry, depths, table, 0, size < kStereoCodeEnd ? size : kStereoCodeEnd);
+  fill(rule, plain::stereo_entry, depths, table, 0, smaller(size, kDisparityCodeEnd));
 }
 
 template <CodeLayout kLayout>
@@ -76,7 +76,7 @@ void build_mono_table(const MonoRule& rule, std::uint16_t* table, std::size_t si
       fill_mono<CodeLayout::inverted>(rule, table, 1, smaller(size, 65535), 0);
       break;
     case CodeLayout::linear:
-      fill_mono<CodeLayout::linear>(rule, table, 0, smaller(size, 65532), 0);
+      fill_mono<CodeLayout::linear>(rule, table, 0, smaller(size, kDisparityCodeEnd), 0);
       break;
     case CodeLayout::signed_14_bit:
       // The code's upper two bits do not count, so the numbers 0 to 8191 and -8192 to -1 repeat four
@@ -86,7 +86,7 @@ void build_mono_table(const MonoRule& rule, std::uint16_t* table, std::size_t si
         fill_mono<CodeLayout::linear>(rule, table, begin, smaller(size, smaller(begin + 8192, 65535)),
                                       origin);
       }
-      if (size > 8192) table[8192] = 0;
+      if (size > ZV_DISPARITY_UNMATCHED_SIGNED) table[ZV_DISPARITY_UNMATCHED_SIGNED] = 0;
       break;
   }
 }

@@ -1,5 +1,3 @@
-#include <cstring>
-
 #include "kernels/margin/margin.h"
 #include "kernels/simd/simd.h"
 
@@ -64,20 +62,6 @@ std::size_t right_gap(const std::uint16_t* row, std::size_t width, std::size_t b
   return width;
 }
 
-/// Stays inside the run: a store that reached into the next row would hold up the search there.
-[[gnu::always_inline]] inline void clear_run(std::uint16_t* pixels, std::size_t count) {
-  constexpr std::uint64_t four = 0;  // pixels
-  if (count >= kLanes) {
-    for (std::size_t i = 0; i + kLanes < count; i += kLanes) U16::zero().store(pixels + i);
-    U16::zero().store(pixels + count - kLanes);
-  } else if (count >= 4) {
-    for (std::size_t i = 0; i + 4 < count; i += 4) std::memcpy(pixels + i, &four, sizeof four);
-    std::memcpy(pixels + count - 4, &four, sizeof four);
-  } else if (count != 0) {
-    pixels[0] = pixels[count / 2] = pixels[count - 1] = 0;
-  }
-}
-
 struct Gaps {
   std::uint32_t left, right;
 };
@@ -113,7 +97,7 @@ struct Rows {
   void clear_left(std::uint16_t* row, std::size_t count, const Gaps* gaps, MarginOf margin_of) const {
     for (std::size_t i = 0; i < count; ++i, row += width) {
       const std::size_t gap = gaps[i].left;
-      clear_run(row + gap, left.run(gap, margin_of(i)));
+      set_run(row + gap, left.run(gap, margin_of(i)), U16::zero());
     }
   }
   template <typename MarginOf>
@@ -121,7 +105,7 @@ struct Rows {
     for (std::size_t i = 0; i < count; ++i, row += width) {
       const std::size_t gap = gaps[i].right;
       const std::size_t run = right.run(gap, margin_of(i));
-      clear_run(row + (width - gap - run), run);
+      set_run(row + (width - gap - run), run, U16::zero());
     }
   }
 };

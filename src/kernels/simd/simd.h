@@ -33,6 +33,17 @@ class SmallTable {
   unsigned shift_;
 };
 
+/// Sets `count` pixels to the lanes' one value. Stores overlap rather than reach further: reading what stands
+/// behind would wait for them.
+[[gnu::always_inline]] inline void set_run(std::uint16_t* pixels, std::size_t count, U16 value) {
+  if (count >= U16::lanes) {
+    for (std::size_t i = 0; i + U16::lanes < count; i += U16::lanes) value.store(pixels + i);
+    value.store(pixels + count - U16::lanes);
+  } else if (count != 0) {
+    fill_first(value, pixels, count);
+  }
+}
+
 /// Pixels in a cache line.
 inline constexpr std::size_t kCacheLine = 32;
 

@@ -42,15 +42,13 @@ class ShortTableThreshold {
  public:
   static constexpr bool symmetric = false;
   explicit ShortTableThreshold(const TableThreshold& table)
-      : table_(U16::load_table(table.entries)), shift_(table.shift) {}
-  U16 of(U16 values) const {
-    const U16 index = min(values >> shift_ & U16::splat(0xff), U16::splat(U16::table_entries - 1));
-    return U16::lookup(table_, index);
-  }
+      : table_(table.entries, table.shift),
+        low_byte_(U16::splat(static_cast<std::uint16_t>(0xffu << table.shift))) {}
+  U16 of(U16 values) const { return table_(values & low_byte_); }
 
  private:
-  U16 table_;
-  unsigned shift_;
+  SmallTable table_;
+  U16 low_byte_;  // of a shifted value, where it stands in the value
 };
 
 /// Thresholds from any table.

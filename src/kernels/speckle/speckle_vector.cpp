@@ -18,12 +18,6 @@ void with_threshold(const SpeckleThreshold& threshold, Run run) {
   run(LongTableThreshold(table));
 }
 
-/// Sets `count` pixels, at least one.
-void fill(std::uint16_t* pixels, std::size_t count, U16 value) {
-  for (; count > kLanes; count -= kLanes, pixels += kLanes) value.store(pixels);
-  fill_first(value, pixels, count);
-}
-
 /// The largest limit that a region is compared with.
 std::int32_t largest(const SpeckleLimit& limit) {
   constexpr std::int32_t most = 32767 * 32767;
@@ -151,8 +145,9 @@ void speckle_full(const SpeckleImage& image, const SpeckleThreshold& threshold,
       return limit_at(pixel / image.width, pixel % image.width);
     };
     const U16 invalid = U16::splat(image.invalid);
-    remove(regions, limit, place,
-           [&](std::size_t pixel, std::size_t length) { fill(image.pixels + pixel, length, invalid); });
+    remove(regions, limit, place, [&](std::size_t pixel, std::size_t length) {
+      set_run(image.pixels + pixel, length, invalid);
+    });
   });
 }
 
@@ -186,8 +181,8 @@ void speckle_pyramid(const SpeckleImage& image, const SpeckleThreshold& threshol
       for (std::size_t col = pixel - row * width;; ++row, col = 0) {
         const std::size_t here = length < width - col ? length : width - col;
         std::uint16_t* const upper = image.pixels + 2 * row * image.width + 2 * col;
-        fill(upper, 2 * here, invalid);
-        fill(upper + image.width, 2 * here, invalid);
+        set_run(upper, 2 * here, invalid);
+        set_run(upper + image.width, 2 * here, invalid);
         if (here == length) break;
         length -= here;
       }
