@@ -20,7 +20,8 @@ set(classes_dir ${CMAKE_INSTALL_INCLUDEDIR}/filterprocessor/classes)
 target_include_directories(FilterProcessorClasses INTERFACE $<INSTALL_INTERFACE:${classes_dir}>)
 target_compile_features(FilterProcessorClasses INTERFACE cxx_std_20)
 install(TARGETS FilterProcessorClasses EXPORT FilterProcessor)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/filters ${PROJECT_SOURCE_DIR}/src/common DESTINATION ${classes_dir} FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/filters ${PROJECT_SOURCE_DIR}/src/common DESTINATION ${classes_dir}
+  FILES_MATCHING PATTERN "*.h" PATTERN "depth_converter.h" EXCLUDE)
 install(FILES ${PROJECT_SOURCE_DIR}/src/framework/priv_filter.h ${PROJECT_SOURCE_DIR}/src/framework/host_handles.h
   ${PROJECT_SOURCE_DIR}/src/framework/profile_cache.h
         DESTINATION ${classes_dir}/framework)

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <new>
 #include <optional>
 
 #include "filters/depth_converter.h"
@@ -30,13 +33,47 @@ std::uint32_t bits_for(float largest_depth) {
 
 }  // namespace
 
-bool DisparityFilter::TableKey::same_bits(const TableKey& other) const {
-  const auto bits = [](const auto& a, const auto& b) { return std::memcmp(&a, &b, sizeof a) == 0; };
-  return bits(params, other.params) && max_depth == other.max_depth && min_depth == other.min_depth &&
-         bits(inverse_depth_unit, other.inverse_depth_unit) &&
-         bits(metadata_offset, other.metadata_offset) && bits(scale, other.scale) &&
-         bits(disparity_end, other.disparity_end) && bits(depth_end, other.depth_end);
+/// Compared bit by bit.
+struct DisparityFilter::TableKey {
+  ZVDisparityParam params = {};
+  std::uint32_t max_depth = 0;
+  std::uint32_t min_depth = 0;
+  float inverse_depth_unit = 0;
+  float metadata_offset = 0;
+  double scale = 0;
+  double disparity_end = 0;
+  double depth_end = 0;
+
+  bool same_bits(const TableKey& other) const {
+    const auto bits = [](const auto& a, const auto& b) { return std::memcmp(&a, &b, sizeof a) == 0; };
+    return bits(params, other.params) && max_depth == other.max_depth && min_depth == other.min_depth &&
+           bits(inverse_depth_unit, other.inverse_depth_unit) &&
+           bits(metadata_offset, other.metadata_offset) && bits(scale, other.scale) &&
+           bits(disparity_end, other.disparity_end) && bits(depth_end, other.depth_end);
+  }
+};
+
+/// A frame whose bit size differs from its profile's rebuilds twice, so the last few tables are kept.
+struct DisparityFilter::Tables {
+  struct Kept {
+    TableKey key;
+    DepthConverter table;
+  };
+
+  Kept kept[3];
+  std::size_t next = 0;
+  DepthConverter changed;  // all zero after a failed rule, or a kept one with its first entry cleared
+};
+
+void DisparityFilter::FreeTables::operator()(Tables* tables) const {
+  std::destroy_at(tables);
+  std::free(tables);
 }
+
+DisparityFilter::DisparityFilter(std::uint32_t initial_max_depth, std::uint32_t initial_min_depth)
+    : max_depth(initial_max_depth), min_depth(initial_min_depth) {}
+
+DisparityFilter::~DisparityFilter() = default;
 
 void DisparityFilter::update_depth_limits(const ConfigValues& values) {
   const std::int32_t max = values.integer(0);
@@ -66,10 +103,15 @@ void DisparityFilter::calculate_d2d_lookup_table(zv_error** error) {
   // Codes are 16 bits, so a longer table would never be read past that.
   lutSize = 1u << std::min<unsigned>(lastParams.bitSize, 16);
   d2dLut = nullptr;
+  if (!tables_) {
+    void* const memory = std::malloc(sizeof(Tables));
+    if (memory == nullptr) return;
+    tables_.reset(new (memory) Tables);
+  }
   init_lookup_table(error);
   if (d2dLut == nullptr) {
-    changed_ = DepthConverter(lutSize);
-    d2dLut = &changed_;
+    tables_->changed = DepthConverter(lutSize);
+    d2dLut = &tables_->changed;
   }
   if (!d2dLut->has_table()) d2dLut = nullptr;
 }
@@ -82,16 +124,16 @@ void DisparityFilter::rebuild(FrameProcess& host) {
 
 template <typename Rule>
 void DisparityFilter::use_table(const Rule& rule, const TableKey& key) {
-  for (KeptTable& kept : kept_) {
+  for (Tables::Kept& kept : tables_->kept) {
     if (kept.table.has_table() && kept.key.same_bits(key)) {
       d2dLut = &kept.table;
       return;
     }
   }
-  KeptTable& next = kept_[next_kept_];
+  Tables::Kept& next = tables_->kept[tables_->next];
   next = {key, DepthConverter(rule, lutSize)};
   d2dLut = &next.table;
-  next_kept_ = (next_kept_ + 1) % kept_.size();
+  tables_->next = (tables_->next + 1) % std::size(tables_->kept);
 }
 
 void DisparityFilter::use_stereo_rule(CodeLayout layout, double scale, double disparity_end,
@@ -206,8 +248,8 @@ bool DisparityFilter::clear_first_entry() {
   if (d2dLut->entries()[0] == 0) return true;
   DepthConverter cleared = d2dLut->with_first_entry_cleared();
   if (!cleared.has_table()) return false;
-  changed_ = std::move(cleared);
-  d2dLut = &changed_;
+  tables_->changed = std::move(cleared);
+  d2dLut = &tables_->changed;
   return true;
 }
 
@@ -220,8 +262,7 @@ void DisparityFilter::set_depth_attributes(FrameProcess& host, zv_frame_t* outpu
 void DisparityFilter::reset_filter(zv_error**) {
   const std::lock_guard lock(lock_);
   d2dLut = nullptr;
-  kept_ = {};
-  changed_ = {};
+  tables_.reset();
 }
 
 void DisparityFilter::print_key_params() {

@@ -1,17 +1,18 @@
 #ifndef FILTERPROCESSOR_FILTERS_DISPARITY_FILTER_H
 #define FILTERPROCESSOR_FILTERS_DISPARITY_FILTER_H
 
-#include <array>
 #include <atomic>
+#include <memory>
 #include <mutex>
 
-#include "filters/depth_converter.h"
 #include "framework/priv_filter.h"
 #include "framework/profile_cache.h"
 
 namespace filterprocessor {
 
 class ConfigValues;
+class DepthConverter;
+enum class CodeLayout;
 class FrameProcess;
 
 /// What the two filters that turn disparity into depth share: the conversion state, the decision when the
@@ -25,9 +26,8 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
   void print_key_params() final;
 
  protected:
-  DisparityFilter(std::uint32_t initial_max_depth, std::uint32_t initial_min_depth)
-      : max_depth(initial_max_depth), min_depth(initial_min_depth) {}
-  ~DisparityFilter() = default;
+  DisparityFilter(std::uint32_t initial_max_depth, std::uint32_t initial_min_depth);
+  ~DisparityFilter();
 
   /// True when a rebuild is due; `params` is then stored and what follows from the limits recomputed.
   bool check_d2d_params_changed(ZVDisparityParam params);
@@ -69,22 +69,11 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
   const zv_stream_profile_t* cached_profile() const { return cachedProfile.get(); }
 
  private:
-  /// Everything that enters a table, compared bit by bit.
-  struct TableKey {
-    ZVDisparityParam params = {};
-    std::uint32_t max_depth = 0;
-    std::uint32_t min_depth = 0;
-    float inverse_depth_unit = 0;
-    float metadata_offset = 0;
-    double scale = 0;
-    double disparity_end = 0;
-    double depth_end = 0;
-
-    bool same_bits(const TableKey& other) const;
-  };
-  struct KeptTable {
-    TableKey key;
-    DepthConverter table;
+  /// What enters a table, and the tables that are kept.
+  struct TableKey;
+  struct Tables;
+  struct FreeTables {
+    void operator()(Tables* tables) const;
   };
 
   void update_profile_cache(FrameProcess& host);
@@ -92,7 +81,7 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
   template <typename Rule>
   void use_table(const Rule& rule, const TableKey& key);
 
-  std::recursive_mutex lock_;  // guards what follows down to next_kept_
+  std::recursive_mutex lock_;  // guards what follows down to tables_
   std::uint32_t max_depth;
   std::uint32_t min_depth;
   float depth_uint = 1.0f;
@@ -100,13 +89,10 @@ class FILTERPROCESSOR_API DisparityFilter : public IPrivFilter {
   bool paramsDirty = false;
   std::uint32_t outputBitSize = 0;
   std::uint32_t lutSize = 0;
-  DepthConverter* d2dLut = nullptr;  // one of the tables below
+  DepthConverter* d2dLut = nullptr;  // one of the kept tables
   ZVDisparityParam lastParams = {};
 
-  // A frame whose bit size differs from its profile's rebuilds twice, so the last few tables are kept.
-  std::array<KeptTable, 3> kept_;
-  DepthConverter changed_;  // all zero after a failed rule, or a kept one with its first entry cleared
-  std::size_t next_kept_ = 0;
+  std::unique_ptr<Tables, FreeTables> tables_;
 
   std::atomic<float> metadataDispOffset = 0.0f;  // written before the lock is taken
   ProfileCache cachedProfile;                    // used by the processing thread alone
