@@ -7,6 +7,9 @@
  * through the record, `get_config_schema`, `update_config`, `process` once a frame, `reset` at will, and
  * `destroy` once.
  *
+ * Load the library with RTLD_NOW: a host that lacks a function is then refused at once, and not when the
+ * function is first used.
+ *
  * Rules that hold for every function here:
  * - Threads: any thread. Different filters are independent. One filter is driven by one thread at a
  *   time, but for `update_config`, which may run beside `process` where the filter has a lock of its own
@@ -14,6 +17,7 @@
  * - Errors: failures are reported by storing a new host error in `*error`. A null `error` is accepted:
  *   the operation does the same work and the report is lost. `*error` should be null on entry; an error
  *   that is already there is taken for a failure of the first host call.
+ * - Stack: 64 KiB are enough for every operation.
  * - Memory: without it, creating gives null and processing gives an error; nothing is thrown, and the next
  *   call tries again.
  */
