@@ -103,12 +103,7 @@ int main(int argc, char** argv) {
 #ifdef FILTERPROCESSOR_PEER_OPENCV
   cv::setNumThreads(1);  // all figures are of one core
 #endif
-  filterprocessor::bench::add_disparity_rows();
-  filterprocessor::bench::add_hole_filling_rows();
-  filterprocessor::bench::add_margin_rows();
-  filterprocessor::bench::add_resize_rows();
-  filterprocessor::bench::add_smoothing_rows();
-  filterprocessor::bench::add_speckle_rows();
+  filterprocessor::bench::add_all_rows();
 
   const auto scene =
       filterprocessor::bench::figures_of(filterprocessor::bench::stereo_scene(848, 480), 80);

@@ -60,6 +60,14 @@ void add_margin_rows();
 void add_resize_rows();
 void add_smoothing_rows();
 void add_speckle_rows();
+inline void add_all_rows() {
+  add_disparity_rows();
+  add_hole_filling_rows();
+  add_margin_rows();
+  add_resize_rows();
+  add_smoothing_rows();
+  add_speckle_rows();
+}
 
 /// Measures a chain of filters at the active level and prints a table for each of two sizes.
 void print_chain_tables();

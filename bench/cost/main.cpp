@@ -60,10 +60,5 @@ Row& Row::add_levels_reading(
 }  // namespace filterprocessor::bench
 
 int main() {
-  filterprocessor::bench::add_disparity_rows();
-  filterprocessor::bench::add_hole_filling_rows();
-  filterprocessor::bench::add_margin_rows();
-  filterprocessor::bench::add_resize_rows();
-  filterprocessor::bench::add_smoothing_rows();
-  filterprocessor::bench::add_speckle_rows();
+  filterprocessor::bench::add_all_rows();
 }
