@@ -55,6 +55,9 @@ int run_program(int argc, char** argv) {
   app.set_version_flag("--version", "zvfilter " ZVFILTER_VERSION);
   app.add_option("--plugin", arguments.plugin, "The plug-in to load instead of the program's own")
       ->type_name("PATH");
+  app.set_config("--config", "", "Options from an INI or TOML file; [run] heads those of run")
+      ->type_name("FILE");
+  app.allow_config_extras(CLI::config_extras_mode::error);
   app.require_subcommand(1);
   app.fallthrough();
   CLI::App* list = app.add_subcommand("list", "List the filters and their parameters");
