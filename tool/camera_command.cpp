@@ -25,7 +25,8 @@ void expect_no_recording(const fs::path& folder) {
   }
 }
 
-void write_frames(const kit::FrameSource& source, const fs::path& folder, const fs::path& truth) {
+void write_frames(const kit::FrameSource& source, const fs::path& folder, const fs::path& truth,
+                  kit::Durability durability) {
   expect_no_recording(folder);
   expect_no_recording(truth);
   kit::make_folder(truth);
@@ -35,11 +36,12 @@ void write_frames(const kit::FrameSource& source, const fs::path& folder, const 
     const kit::SourceFrame made = source.load(i);
     if (i == 0) camera = kit::camera_json(made.frame);
     const std::string name = source.names[i].stem + ".png";
-    kit::write_whole(folder / name, kit::encode_png(kit::image_of(made.frame)));
-    kit::write_whole(truth / name, kit::encode_png(*made.truth));
+    kit::write_whole(folder / name, kit::encode_png(kit::image_of(made.frame)), durability);
+    kit::write_whole(truth / name, kit::encode_png(*made.truth), durability);
     progress.show(i + 1);
   }
-  kit::write_whole(folder / kit::kCameraFile, kit::Bytes(camera.begin(), camera.end()));
+  kit::write_whole(folder / kit::kCameraFile, kit::Bytes(camera.begin(), camera.end()),
+                   kit::Durability::synced);
 }
 
 }  // namespace
@@ -49,10 +51,10 @@ void camera_command(const CameraCommandOptions& options, std::ostream& out) {
   const kit::CameraRequest request = kit::make_camera_request(options.settings);
   const fs::path folder = options.output, truth = folder / "truth";
   const kit::FrameSource source = kit::camera_source(request, {});
-  write_frames(source, folder, truth);
+  write_frames(source, folder, truth, options.sync ? kit::Durability::synced : kit::Durability::buffered);
   out << request.frames << (request.frames == 1 ? " frame" : " frames") << " of " << request.config.width
-      << 'x' << request.config.height << " and camera.json in " << folder.string() << ", true depth in "
-      << truth.string() << '\n';
+      << 'x' << request.config.height << " and camera.json in " << kit::printable(folder.string())
+      << ", true depth in " << kit::printable(truth.string()) << '\n';
 }
 
 }  // namespace zvfilter

@@ -110,7 +110,7 @@ int main(int argc, char** argv) {
   } catch (const std::bad_alloc&) {
     std::cerr << "zvfilter: out of memory\n";
   } catch (const std::exception& problem) {
-    std::cerr << "zvfilter: " << problem.what() << '\n';
+    std::cerr << "zvfilter: " << kit::printable(problem.what()) << '\n';
   }
   return kRun;
 }

@@ -17,6 +17,10 @@ constexpr const char* kRunFooter =
     "  flicker       median change from one frame to the next where the true depth stays the same\n"
     "A dash: the frames are disparity, have changed their size, or there is nothing to measure.";
 
+constexpr const char* kSyncHelp =
+    "Wait for the storage after each file; without it after the last, and a power cut may leave others "
+    "empty";
+
 /// How an option's text is read: nothing where it is not what is expected.
 template <typename Value>
 struct Reading {
@@ -105,6 +109,7 @@ void describe_run(CLI::App& command, RunOptions& run) {
       "--preview", run.output.preview,
       "Also write a colour picture of before and after, from near in blue to far in red: both in one "
       "range or, where their pixel types differ, each in its own");
+  command.add_flag("--sync", run.output.sync, kSyncHelp);
   add_value(command, "--size", run.size, kSize, "Size of raw files")->type_name("WxH");
   command
       .add_option_function<std::string>(
@@ -141,6 +146,7 @@ void describe_camera(CLI::App& command, CameraCommandOptions& camera) {
   command.add_option("-o,--output", camera.output, "Folder for the frames, camera.json and truth/")
       ->required()
       ->type_name("DIR");
+  command.add_flag("--sync", camera.sync, kSyncHelp);
   for (const kit::CameraOption& option : kit::camera_options()) {
     const std::string name(option.name), flag = "--" + name, help(option.help);
     if (option.value_name.empty()) {

@@ -31,6 +31,7 @@ struct RunOptions {
 struct CameraCommandOptions {
   std::vector<kit::CameraSetting> settings;
   std::filesystem::path output;
+  bool sync = false;  ///< each file, not only camera.json
 };
 
 /// The options of the commands `run` and `camera`, which fill the structures as they are parsed.

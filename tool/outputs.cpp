@@ -63,7 +63,8 @@ std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const Outp
   return outputs;
 }
 
-void write_results(const OutputFiles& files, const kit::Frame& before, const kit::Frame& after) {
+void write_results(const OutputFiles& files, const kit::Frame& before, const kit::Frame& after,
+                   kit::Durability durability) {
   kit::Bytes image, picture;
   try {
     image = files.format->encode(kit::image_of(after));
@@ -72,8 +73,8 @@ void write_results(const OutputFiles& files, const kit::Frame& before, const kit
     kit::fail(files.image.string(), ": ", problem.what());
   }
   kit::make_folder(files.image.parent_path());
-  kit::write_whole(files.image, image);
-  if (!files.preview.empty()) kit::write_whole(files.preview, picture);
+  kit::write_whole(files.image, image, durability);
+  if (!files.preview.empty()) kit::write_whole(files.preview, picture, durability);
 }
 
 }  // namespace zvfilter

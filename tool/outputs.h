@@ -14,6 +14,7 @@ struct OutputSettings {
   std::filesystem::path folder;
   std::optional<const kit::Codec*> format;  ///< nothing: each frame's own
   bool preview = false;
+  bool sync = false;  ///< each result, not only the last of a run
 };
 
 /// Where one frame's results go.
@@ -29,7 +30,8 @@ std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const Outp
 
 /// Writes each of the files whole or not at all.
 /// @throws kit::Error
-void write_results(const OutputFiles& files, const kit::Frame& before, const kit::Frame& after);
+void write_results(const OutputFiles& files, const kit::Frame& before, const kit::Frame& after,
+                   kit::Durability durability);
 
 }  // namespace zvfilter
 

@@ -63,7 +63,7 @@ void run_command(const kit::Plugin& plugin, const RunOptions& options, std::ostr
   const kit::FrameSource source = open_source(options);
   const std::vector<OutputFiles> outputs = plan_outputs(source, options.output);
   kit::Pipeline pipeline(plugin, options.chain, [&](const std::string& line) {
-    notes << "zvfilter: warning: " << line << '\n';
+    notes << "zvfilter: warning: " << kit::printable(line) << '\n';
   });
   if (!options.camera_input) note_nominal_camera(options, notes);
 
@@ -74,7 +74,9 @@ void run_command(const kit::Plugin& plugin, const RunOptions& options, std::ostr
     results.add(stage, input.truth);
   };
   visitor.on_result = [&](std::size_t index, const kit::SourceFrame& input, const kit::Frame& result) {
-    write_results(outputs[index], input.frame, result);
+    const bool sync = options.output.sync || index + 1 == outputs.size();
+    write_results(outputs[index], input.frame, result,
+                  sync ? kit::Durability::synced : kit::Durability::buffered);
     progress.show(index + 1);
   };
   kit::run_sequence(source, pipeline, options.handover, visitor);

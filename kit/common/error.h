@@ -8,7 +8,8 @@
 
 namespace kit {
 
-/// What the kit throws: one line that says what is wrong and what would be right.
+/// What the kit throws: one line that says what is wrong and what would be right. It may quote names and files, so it is
+/// made printable here, once for all.
 class Error : public std::runtime_error {
  public:
   enum class Kind {
@@ -16,7 +17,7 @@ class Error : public std::runtime_error {
     failed_run,   ///< something went wrong while doing what was asked
   };
 
-  Error(Kind kind, const std::string& line) : std::runtime_error(line), kind_(kind) {}
+  Error(Kind kind, const std::string& line) : std::runtime_error(printable(line)), kind_(kind) {}
   Kind kind() const { return kind_; }
 
  private:

@@ -2,10 +2,15 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
+
+#include <sys/file.h>
+#include <sys/stat.h>
 
 #include "kit/common/error.h"
 
@@ -27,29 +32,93 @@ class Descriptor {
   ~Descriptor() { close(); }
   explicit operator bool() const { return number_ >= 0; }
   int get() const { return number_; }
+  int release() { return std::exchange(number_, -1); }
   bool close() { return number_ < 0 || ::close(std::exchange(number_, -1)) == 0; }
 
  private:
   int number_;
 };
 
-/// A file that is removed unless it has been given its final name.
+bool is_same_file(const fs::path& path, const Descriptor& descriptor) {
+  struct stat named {
+  }, open{};
+  return ::lstat(path.c_str(), &named) == 0 && ::fstat(descriptor.get(), &open) == 0 &&
+         named.st_dev == open.st_dev && named.st_ino == open.st_ino;
+}
+
+/// Whoever writes or removes a temporary file holds its lock, where the file system has locks. A lock ends with its
+/// process.
+bool lock(const Descriptor& file) { return ::flock(file.get(), LOCK_EX | LOCK_NB) == 0; }
+
+/// Removes what stands under a temporary name, unless somebody is writing it.
+/// @return whether the name may be free now
+bool remove_leftover(const fs::path& path) {
+  const Descriptor leftover(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (!leftover) return errno == ENOENT || (errno == ELOOP && ::unlink(path.c_str()) == 0);
+  return lock(leftover) && (!is_same_file(path, leftover) || ::unlink(path.c_str()) == 0);
+}
+
+/// A new file that is removed unless it is given its final name.
 class PendingFile {
  public:
-  explicit PendingFile(fs::path path) : path_(std::move(path)) {}
+  explicit PendingFile(const fs::path& file) : file_(file), descriptor_(create()) {}
   PendingFile(const PendingFile&) = delete;
   PendingFile& operator=(const PendingFile&) = delete;
   ~PendingFile() {
     if (!path_.empty()) ::unlink(path_.c_str());
   }
-  void rename_to(const fs::path& file) {
-    if (std::rename(path_.c_str(), file.c_str()) != 0) fail_system(file, "cannot be written");
+
+  void write(ByteView bytes) {
+    while (!bytes.empty()) {
+      const ssize_t count = ::write(descriptor_.get(), bytes.data(), bytes.size());
+      if (count < 0 && errno != EINTR) fail_to_write();
+      bytes = bytes.subspan(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
+  }
+  void sync() {
+    if (::fsync(descriptor_.get()) != 0) fail_to_write();
+  }
+  void publish() {
+    // Renamed before it is closed: the lock has to hold until then.
+    if (std::rename(path_.c_str(), file_.c_str()) != 0) fail_to_write();
     path_.clear();
+    if (!descriptor_.close()) fail_to_write();
   }
 
  private:
+  [[noreturn]] void fail_to_write() const { fail_system(file_, "cannot be written"); }
+
+  int create() {
+    constexpr int most_writers = 100;
+    for (int number = 0; number < most_writers;) {
+      const fs::path path =
+          file_.parent_path() / concat(".", file_.filename().string(), ".", number, ".tmp");
+      Descriptor made(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+      if (!made && errno != EEXIST) fail_to_write();
+      // Between being made and being locked it may have been taken for a leftover.
+      if (made && (lock(made) || errno != EWOULDBLOCK) && is_same_file(path, made)) {
+        path_ = path;
+        return made.release();
+      }
+      if (made || !remove_leftover(path)) ++number;
+    }
+    errno = EEXIST;
+    fail_to_write();
+  }
+
+  fs::path file_;
   fs::path path_;
+  Descriptor descriptor_;
 };
+
+void sync_folder(const fs::path& folder) {
+  const Descriptor descriptor(
+      ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  // Some file systems keep their folders in step by themselves and refuse.
+  if (!descriptor || (::fsync(descriptor.get()) != 0 && errno != EINVAL)) {
+    fail_system(folder, "cannot be synced");
+  }
+}
 
 }  // namespace
 
@@ -59,34 +128,39 @@ void make_folder(const fs::path& folder) {
   if (error) fail(folder.string(), ": cannot be made: ", error.message());
 }
 
-Bytes read_whole(const fs::path& file) {
-  Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!descriptor) fail_system(file, "cannot be read");
+Bytes read_whole(const fs::path& file, std::size_t most) {
+  // Not waiting, so that a pipe nobody writes to is refused as well.
+  const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  struct stat status {};
+  if (!descriptor || ::fstat(descriptor.get(), &status) != 0) fail_system(file, "cannot be read");
+  if (!S_ISREG(status.st_mode)) {
+    fail(file.string(), ": is no regular file; expected one of at most ", most, " bytes");
+  }
+  const auto expect_at_most = [&](std::uintmax_t size) {
+    if (size > most) fail(file.string(), ": has ", size, " bytes; at most ", most, " are read");
+  };
+  expect_at_most(static_cast<std::uintmax_t>(status.st_size));
   Bytes bytes;
+  bytes.reserve(static_cast<std::size_t>(status.st_size) + 1);
   for (;;) {
     constexpr std::size_t step = std::size_t{1} << 20;
     const std::size_t size = bytes.size();
-    bytes.resize(size + step);
-    const ssize_t count = ::read(descriptor.get(), bytes.data() + size, step);
+    // As much as is expected and one byte more, which finds the end.
+    bytes.resize(size + std::clamp<std::size_t>(bytes.capacity() - size, 1, step));
+    const ssize_t count = ::read(descriptor.get(), bytes.data() + size, bytes.size() - size);
     if (count < 0 && errno != EINTR) fail_system(file, "cannot be read");
     bytes.resize(size + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     if (count == 0) return bytes;
+    expect_at_most(bytes.size());
   }
 }
 
-void write_whole(const fs::path& file, ByteView bytes) {
-  const fs::path pending_path =
-      file.parent_path() / concat(".", file.filename().string(), ".", ::getpid(), ".tmp");
-  Descriptor descriptor(::open(pending_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-  if (!descriptor) fail_system(file, "cannot be written");
-  PendingFile pending(pending_path);
-  for (std::size_t done = 0; done < bytes.size();) {
-    const ssize_t count = ::write(descriptor.get(), bytes.data() + done, bytes.size() - done);
-    if (count < 0 && errno != EINTR) fail_system(file, "cannot be written");
-    done += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
-  }
-  if (!descriptor.close()) fail_system(file, "cannot be written");
-  pending.rename_to(file);
+void write_whole(const fs::path& file, ByteView bytes, Durability durability) {
+  PendingFile pending(file);
+  pending.write(bytes);
+  if (durability == Durability::synced) pending.sync();
+  pending.publish();
+  if (durability == Durability::synced) sync_folder(file.parent_path());
 }
 
 }  // namespace kit

@@ -21,7 +21,54 @@ std::optional<Number> parse_whole(std::string_view text) {
   return value;
 }
 
+/// The bytes of the well-formed UTF-8 character that the text starts with.
+struct Character {
+  std::size_t length;  // 0: there is none
+  char32_t code;
+};
+
+Character first_character(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned lead = byte(0);
+  if (lead < 0x80) return {1, lead};
+  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return {0, 0};
+  char32_t code = lead & (0xFFu >> (length + 1));
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) return {0, 0};
+    code = code << 6 | (byte(i) & 0x3Fu);
+  }
+  const bool overlong = code < (length == 4 ? 0x10000u : length == 3 ? 0x800u : 0x80u);
+  const bool surrogate = code >= 0xD800 && code < 0xE000;
+  return overlong || surrogate || code > 0x10FFFF ? Character{0, 0} : Character{length, code};
+}
+
+bool is_control(char32_t code) {
+  const auto in = [code](char32_t first, char32_t last) { return code >= first && code <= last; };
+  return code < 0x20 || in(0x7F, 0x9F) || code == 0x61C || in(0x200E, 0x200F) || in(0x2028, 0x202E) ||
+         in(0x2066, 0x2069);
+}
+
 }  // namespace
+
+std::string printable(std::string_view text) {
+  constexpr const char* digits = "0123456789abcdef";
+  std::string shown;
+  while (!text.empty()) {
+    const Character character = first_character(text);
+    const std::size_t length = std::max<std::size_t>(character.length, 1);
+    if (character.length > 0 && !is_control(character.code)) {
+      shown += text.substr(0, length);
+    } else {
+      for (const char c : text.substr(0, length)) {
+        const auto byte = static_cast<unsigned char>(c);
+        shown.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+      }
+    }
+    text.remove_prefix(length);
+  }
+  return shown;
+}
 
 std::string join(const std::vector<std::string>& texts, std::string_view separator) {
   std::string joined;

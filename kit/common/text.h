@@ -18,6 +18,10 @@ std::string concat(const Parts&... parts) {
   return stream.str();
 }
 
+/// The text as a terminal may get it: whatever is no visible character (controls, marks that turn the direction of
+/// writing, bytes that are no UTF-8) as \xNN for each of its bytes.
+std::string printable(std::string_view text);
+
 std::string join(const std::vector<std::string>& texts, std::string_view separator);
 std::string lower_case(std::string_view text);
 std::vector<std::string_view> split(std::string_view text, char separator);

@@ -22,6 +22,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr std::size_t kMostBytes = 65536;
+constexpr int kMostDepth = 8;
+
 template <typename Number>
 std::string expected() {
   using Limits = std::numeric_limits<Number>;
@@ -171,9 +174,16 @@ std::string camera_json(const Frame& camera) {
 }
 
 Frame parse_camera_json(std::string_view text, const std::string& label) {
+  if (text.size() > kMostBytes) {
+    fail(label, ": has ", text.size(), " bytes; at most ", kMostBytes, " are read");
+  }
+  const auto limit_depth = [&](int depth, Json::parse_event_t, const Json&) {
+    if (depth > kMostDepth) fail(label, ": is nested more than ", kMostDepth, " deep");
+    return true;
+  };
   Json file;
   try {
-    file = Json::parse(text);
+    file = Json::parse(text, limit_depth);
   } catch (const Json::exception& problem) {
     const std::string_view what = problem.what();  // "[json.exception.KIND] WHAT"
     const auto end = what.find("] ");
@@ -186,7 +196,7 @@ Frame parse_camera_json(std::string_view text, const std::string& label) {
 }
 
 Frame read_camera_file(const std::filesystem::path& file) {
-  const Bytes bytes = read_whole(file);
+  const Bytes bytes = read_whole(file, kMostBytes);
   return parse_camera_json({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file.string());
 }
 

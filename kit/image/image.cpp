@@ -14,10 +14,9 @@ std::optional<Size> parse_size(std::string_view text) {
 }
 
 std::size_t count_pixels(std::uint64_t width, std::uint64_t height) {
-  constexpr std::uint64_t most = std::uint64_t{1} << 28;
   if (width == 0 || height == 0) fail("has no pixels (", width, "x", height, ")");
-  if (width > most || height > most || width * height > most) {
-    fail("claims ", width, "x", height, " pixels; at most ", most, " are read");
+  if (width > kMostPixels || height > kMostPixels || width * height > kMostPixels) {
+    fail("claims ", width, "x", height, " pixels; at most ", kMostPixels, " are read");
   }
   return static_cast<std::size_t>(width * height);
 }

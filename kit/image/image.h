@@ -43,7 +43,8 @@ struct ColorImage {
   std::vector<Rgb> pixels;
 };
 
-/// @throws Error for none and for more than 2^28
+inline constexpr std::size_t kMostPixels = std::size_t{1} << 28;
+/// @throws Error for none and for more than kMostPixels
 std::size_t count_pixels(std::uint64_t width, std::uint64_t height);
 /// A zero-filled image.
 /// @throws Error as count_pixels()

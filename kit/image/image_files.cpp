@@ -12,6 +12,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// No format needs more than three bytes a pixel (a PNG of one column that does not compress). The rest is for what
+// stands beside the pixels.
+constexpr std::size_t kMostImageBytes = 4 * kMostPixels;
+
 std::string format_names() {
   std::vector<std::string> names;
   for (const Codec& codec : codecs()) {
@@ -65,7 +69,7 @@ std::vector<fs::path> collect_images(const std::vector<std::string>& inputs) {
 Image read_image(const fs::path& file, const Size& size) {
   const Codec& codec = *codec_of(file);
   if (codec.needs_size && size == Size{}) refuse(file.string(), ": a raw file does not say its size");
-  const Bytes bytes = read_whole(file);
+  const Bytes bytes = read_whole(file, kMostImageBytes);
   try {
     return codec.decode(bytes, size);
   } catch (const Error& problem) {

@@ -52,6 +52,8 @@ std::string_view take_header(ByteView& file) {
     length = length << 8 | file[version_end + i];
   }
   const std::size_t start = version_end + length_bytes;
+  constexpr std::size_t most = 65535;
+  if (length > most) fail("has a header of ", length, " bytes; at most ", most, " are read");
   if (length > file.size() - start) fail("ends inside its header");
   file = file.subspan(start + length);
   return text.substr(start, length);

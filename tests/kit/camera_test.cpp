@@ -111,6 +111,8 @@ TEST(CameraFile, IsRefusedByField) {
   EXPECT_EQ(without("", "bits"), "c.json: bits: is missing; expected a whole number from 0 to 255");
 
   EXPECT_EQ(refused("[]"), "c.json: is no JSON object");
+  EXPECT_EQ(refused(std::string(60000, '[')), "c.json: is nested more than 8 deep");
+  EXPECT_EQ(refused(std::string(65537, ' ')), "c.json: has 65537 bytes; at most 65536 are read");
   for (const char* text : {"", "{\"bits\": 1e999}", "{", "\xff"}) {
     const std::string line = refused(text);
     EXPECT_TRUE(line.starts_with("c.json: is no JSON: ")) << line;

@@ -142,6 +142,8 @@ TEST(Npy, RefusesOtherArrays) {
   EXPECT_MENTIONS(with("'<u2'", "Maybe", "(1, 2)"), "malformed");
   EXPECT_MENTIONS(with("'<u2'", "False", "(-1, 2)"), "malformed");
   EXPECT_MENTIONS(refusal("npy", npy_file(1, "{'shape': (1, 2)}", "abcd")), "malformed");
+  EXPECT_MENTIONS(refusal("npy", bytes_of({"\x93NUMPY\2\0\0\0\1\0{", 13})),
+                  "has a header of 65536 bytes");
   EXPECT_MENTIONS(refusal("npy", npy_file(4, "{}", "")), "version 4");
   EXPECT_MENTIONS(refusal("npy", bytes_of("PK")), "no NumPy array");
 }

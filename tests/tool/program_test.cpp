@@ -19,6 +19,8 @@ namespace fs = std::filesystem;
 
 #define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
 
+constexpr std::size_t kMostBytes = 1 << 20;
+
 struct Outcome {
   int status;
   std::string out;
@@ -35,7 +37,7 @@ class Program : public testing::Test {
   ~Program() override { fs::remove_all(folder_); }
 
   std::string text_of(const fs::path& file) const {
-    const Bytes bytes = read_whole(file);
+    const Bytes bytes = read_whole(file, kMostBytes);
     return {bytes.begin(), bytes.end()};
   }
   /// Runs the program inside the folder.
@@ -57,13 +59,15 @@ class Program : public testing::Test {
     EXPECT_MENTIONS(outcome.err, part);
     EXPECT_FALSE(fs::exists(folder_ / "results"));
   }
-  void put(const std::string& name, const Bytes& bytes) const { write_whole(folder_ / name, bytes); }
+  void put(const std::string& name, const Bytes& bytes) const {
+    write_whole(folder_ / name, bytes, Durability::buffered);
+  }
   void put(const std::string& name, const Image& image) const {
     put(name, codec_of_extension(fs::path(name).extension().string())->encode(image));
   }
   Image get(const std::string& name, Size size = {}) const {
     const fs::path file = folder_ / name;
-    return codec_of_extension(file.extension().string())->decode(read_whole(file), size);
+    return codec_of_extension(file.extension().string())->decode(read_whole(file, kMostBytes), size);
   }
   std::vector<std::string> listing(const std::string& name) const {
     std::vector<std::string> names;
@@ -360,6 +364,43 @@ TEST_F(Program, RefusesBadInputsAndLeavesNothingBehind) {
     SCOPED_TRACE(input);
     expect_refused(run("run -f HoleFillingFilter -o results " + input), 1, part);
   }
+}
+
+TEST_F(Program, RefusesWhatNoImageAndNoCameraCanBe) {
+  put("large.png", Bytes{1});
+  fs::resize_file(folder_ / "large.png", std::uintmax_t{20} << 30);
+  put("large.json", Bytes(20 << 20, '['));
+  fs::create_symlink("/dev/zero", folder_ / "endless.png");
+  const std::map<std::string, std::string> cases = {
+      {"large.png", "large.png: has 21474836480 bytes; at most 1073741824 are read"},
+      {"endless.png", "endless.png: is no regular file; expected one of at most 1073741824 bytes"},
+      {"large.png --camera large.json", "large.json: has 20971520 bytes; at most 65536 are read"},
+      {"large.png --camera /dev/zero", "/dev/zero: is no regular file"},
+  };
+  for (const auto& [input, part] : cases) {
+    SCOPED_TRACE(input);
+    expect_refused(run("run -f HoleFillingFilter -o results " + input), 1, part);
+  }
+}
+
+TEST_F(Program, ShowsTheControlCharactersOfFilesAndNames) {
+  const std::string type = "{'descr': '\\u001b[2J', 'fortran_order': False, 'shape': (1, 1)}";
+  std::string npy = concat("\x93NUMPY\x01", '\0', static_cast<char>(type.size()), '\0', type);
+  const std::string camera = R"({"\u001b[2J\u0000": 1})";
+  put("in/\x1b[31m.npy", Bytes(npy.begin(), npy.end()));
+  put("c.json", Bytes(camera.begin(), camera.end()));
+  const std::string start = "run -f HoleFillingFilter -o results in ";
+  for (const std::string& arguments : {start, start + "--camera c.json", start + "'\x1b.png'",
+                                       std::string("camera -o results --frames '\x1b'"),
+                                       std::string("schema '\x1b'"), std::string("'\x1b'")}) {
+    const Outcome outcome = run(arguments);
+    EXPECT_NE(outcome.status, 0);
+    EXPECT_EQ(outcome.err.find('\x1b'), std::string::npos) << arguments;
+    EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << arguments;
+  }
+  EXPECT_MENTIONS(run(start).err, "in/\\x1b[31m.npy: has elements of type '\\x1b[2J'");
+  const Outcome made = run("camera --size 64x48 --frames 1 -o 'a\x1b'");
+  EXPECT_TRUE(made.out.ends_with("camera.json in a\\x1b, true depth in a\\x1b/truth\n")) << made.out;
 }
 
 TEST_F(Program, KeepsWholeResultsAndNoOthersWhenAnInputOrTheFolderFails) {
