@@ -1,6 +1,6 @@
-#include <string_view>
-
 #include "support/levels.h"
+
+#include <string_view>
 
 namespace filterprocessor {
 
