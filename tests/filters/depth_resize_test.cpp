@@ -110,14 +110,5 @@ TEST(DepthResize, RefusesATargetOfMoreThan32BitsOfBytesBeforeItMakesAFrame) {
   EXPECT_EQ(filter.last_error(), kFailed);
 }
 
-TEST(DepthResize, PrintsItsParameters) {
-  DepthResize filter;
-  const char* values[] = {"640", "480", "0.5", "1", "2", "3", "-4"};
-  filter.update_filter_config(7, values, nullptr);
-  EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }),
-            "dst_width:     640\ndst_height:    480\nprocess_param: \nscale:         0.5\n"
-            "ex_top:        3\nex_bottom:     -4\nex_left:       1\nex_right:      2\n");
-}
-
 }  // namespace
 }  // namespace filterprocessor

@@ -11,6 +11,7 @@ namespace {
 
 constexpr const char* kTransform = "DisparityTransform";
 constexpr const char* kOpenNI = "OpenNIDisparityTransform";
+using Values = std::vector<std::string>;
 
 ZVDisparityParam camera(std::uint8_t pack_mode, bool dual, std::uint8_t bit_size = 16) {
   ZVDisparityParam p = {};
@@ -215,6 +216,16 @@ TEST(DisparityTransform, IgnoresABadConfigurationInSilence) {
   EXPECT_EQ(filter.update({"2000", "1", "0.001"}), kNoError);
   EXPECT_EQ(filter.update({"2000", "1", "10.0"}), kNoError);
   EXPECT_EQ(converted(filter, traits), (Pixels{0, 148, 74}));
+  for (const char* name : {kTransform, kOpenNI}) {  // each end of each range, seen by the unit
+    for (Values ends : {Values{"1", "65535", "0.001"}, {"65535", "1", "10.0"}}) {
+      const float unit = std::stof(ends[2]);
+      if (name == kOpenNI) ends.insert(ends.end(), {"0", "0", "1", "0", "0", "0", "0"});
+      FilterDriver at_the_ends(name);
+      EXPECT_EQ(at_the_ends.update(ends), kNoError);
+      const devhost::Frame output = at_the_ends.process(devhost::make_frame(traits));
+      EXPECT_FLOAT_EQ(devhost::inspect(output.get()).value_scale, unit) << name;
+    }
+  }
 }
 
 TEST(DisparityTransform, DropsAChangeOfTheLowerLimitAlone) {
@@ -227,6 +238,8 @@ TEST(DisparityTransform, DropsAChangeOfTheLowerLimitAlone) {
   EXPECT_EQ(converted(filter, traits), kDepths) << "not even remembered";
   EXPECT_EQ(filter.update({"5000", "1000", "1"}), kNoError);
   EXPECT_EQ(converted(filter, traits), (Pixels{2973, 1486, 0}));
+  EXPECT_EQ(filter.update({"2000", "1000", "1"}), kNoError);
+  EXPECT_EQ(converted(filter, traits), (Pixels{0, 1486, 0})) << "a new upper limit alone counts";
 }
 
 TEST(DisparityTransform, ANewCorrectionAloneRebuildsNothing) {
@@ -266,6 +279,24 @@ TEST(DisparityTransform, TheProfileIsReadAgainOnlyForANewSizeFormatOrBitSize) {
   EXPECT_EQ(converted(filter, traits), (Pixels{1486, 743, 371}));
 }
 
+TEST(DisparityFilters, AFrameOfAnotherSizeBringsItsOwnProfile) {
+  for (const char* name : {kTransform, kOpenNI}) {
+    FilterDriver filter(name);
+    devhost::FrameTraits traits = row(camera(1, true), {30000});
+    for (const auto& [width, height] : {std::pair{4u, 1u}, {8u, 1u}, {8u, 2u}}) {
+      traits.width = width;
+      traits.height = height;
+      traits.pixels.resize(std::size_t{width} * height, 30000);
+      traits.disparity.baseline *= 1.5f;
+      traits.disparity.fx *= 2;
+      const int depth = expected_depth(traits.disparity, {}, name == kOpenNI, 30000);
+      EXPECT_EQ(converted(filter, traits),
+                Pixels(traits.pixels.size(), static_cast<std::uint16_t>(depth)))
+          << name;
+    }
+  }
+}
+
 TEST(DisparityTransform, AResetTableIsRebuilt) {
   FilterDriver filter(kTransform);
   const devhost::FrameTraits traits = row(camera(2, true), kCodes);
@@ -300,18 +331,6 @@ TEST(DisparityTransform, CodesPastTheTableGiveZero) {
   EXPECT_EQ(converted(filter, traits), Pixels(4));
 }
 
-TEST(DisparityTransform, PrintsTheRecordWithItsBytesRaw) {
-  DisparityTransform filter;
-  const devhost::Frame frame = devhost::make_frame(row(camera(2, true), kCodes));
-  const devhost::Frame output(filter.filter_process(frame.get(), nullptr));
-  EXPECT_EQ(
-      FilterDriver::output_of([&] { filter.print_key_params(); }),
-      "d2dParameters: \nbaseline:      50.1\nbitSize:       \x10\ndispIntPlace:  8\ndispOffset:    0\n"
-      "fx:            593.6\ninvalidDisp:   0\nisDualCamera:  \x02\nminDisparity:  0\n"
-      "packMode:      \x02\nunit:          1\nzpd:           1000\nzpps:          0.5\n");
-}
-
-using Values = std::vector<std::string>;
 Values open_ni(int width, int height, const char* scale, int x_cut = 0, int y_cut = 0, int x_set = 0,
                int y_set = 0) {
   return {"65535",
@@ -363,7 +382,8 @@ TEST(OpenNIDisparityTransform, SamplesScalesCropsAndBlanks) {
     FilterDriver filter(kOpenNI);
     ASSERT_EQ(filter.update(open_ni(c.width, c.height, c.scale, c.x_cut, c.y_cut, c.x_set, c.y_set)),
               kNoError);
-    const devhost::FrameTraits source = positions(16, 12);
+    devhost::FrameTraits source = positions(16, 12);
+    source.format = 7;
     const devhost::Frame output = filter.process(devhost::make_frame(source));
     ASSERT_TRUE(output) << filter.last_error();
     const devhost::FrameTraits depth = devhost::inspect(output.get());
@@ -383,6 +403,8 @@ TEST(OpenNIDisparityTransform, SamplesScalesCropsAndBlanks) {
             << x << ", " << y << " of " << c.width << " x " << c.height;
       }
     }
+    EXPECT_EQ(depth.type, ZV_FRAME_TYPE_DEPTH);
+    EXPECT_EQ(depth.format, 7);
     EXPECT_EQ(depth.pixel_type, ZV_PIXEL_TYPE_DEPTH);
     EXPECT_EQ(depth.width, static_cast<std::uint32_t>(c.width));
     EXPECT_EQ(devhost::inspect_profile(output.get()).height, static_cast<std::uint32_t>(c.height));
@@ -403,8 +425,9 @@ TEST(OpenNIDisparityTransform, RewritesTheIntrinsicsOfTheSampledProfile) {
         filter.process(devhost::make_frame_set(devhost::make_frame(positions(16, 12))));
     ASSERT_TRUE(set);
     EXPECT_EQ(devhost::inspect(set.get()).type, ZV_FRAME_TYPE_SET);
-    const ZVCameraIntrinsic i =
-        devhost::inspect_profile(devhost::depth_frame_of(set.get()).get()).intrinsic;
+    const devhost::Frame depth = devhost::depth_frame_of(set.get());
+    EXPECT_EQ(devhost::inspect(depth.get()).type, ZV_FRAME_TYPE_SET) << "the type handed in";
+    const ZVCameraIntrinsic i = devhost::inspect_profile(depth.get()).intrinsic;
     EXPECT_EQ(i.cx, c.cx);
     EXPECT_EQ(i.cy, 200);
     EXPECT_EQ(i.fx, 500);

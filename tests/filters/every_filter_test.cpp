@@ -60,5 +60,20 @@ TEST_P(EveryFilter, ServesAHostFromCreationToDestruction) {
   EXPECT_EQ(devhost::live_objects(), before);
 }
 
+TEST(AllFilters, RefusesAFrameWithoutData) {
+  for (const FilterUse& use : every_filter(40, 24)) {
+    const devhost::Frame input = devhost::make_frame(lively_frame(40, 24, use.pixel_type, 1));
+    FilterDriver filter(use.name);
+    EXPECT_EQ(filter.update(use.configuration), kNoError);
+    const devhost::LiveObjects before = devhost::live_objects();
+    devhost::hide_data(true);
+    EXPECT_FALSE(filter.process(input)) << use.name;
+    EXPECT_EQ(filter.last_error(), kBadFrame) << use.name;
+    devhost::hide_data(false);
+    EXPECT_EQ(devhost::live_objects().frames, before.frames) << use.name;
+    EXPECT_TRUE(filter.process(input)) << use.name << " afterwards: " << filter.last_error();
+  }
+}
+
 }  // namespace
 }  // namespace filterprocessor

@@ -42,17 +42,6 @@ TEST(HoleFillingFilter, NearestAndFarthestChangePlacesForDisparity) {
   EXPECT_EQ(filled(filter, disparity), 700) << "top again";
 }
 
-TEST(HoleFillingFilter, PrintsItsMode) {
-  HoleFillingFilter filter;
-  const char* texts[] = {"hole filling mode: top\n", "hole filling mode: nearest\n",
-                         "hole filling mode: farest\n"};
-  const char* values[] = {"0", "1", "2"};
-  for (int mode = 0; mode < 3; ++mode) {
-    filter.update_filter_config(1, values + mode, nullptr);
-    EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }), texts[mode]);
-  }
-}
-
 /// The public operations never store a mode outside 0 to 2.
 struct StrangeMode : HoleFillingFilter {
   StrangeMode() { hole_filling_mode = 3; }

@@ -139,19 +139,5 @@ TEST(SpatialAdvancedFilter, ChecksItsParametersInOrderAndStoresAllOrNone) {
   EXPECT_EQ(filtered(filter, traits), smoothed(traits, kTable, 9));
 }
 
-TEST(SpatialAdvancedFilter, PrintsItsStateInNumbers) {
-  SpatialAdvancedFilter filter;
-  devhost::FrameTraits traits = room();
-  traits.bits = 12;
-  const devhost::Frame frame = devhost::make_frame(traits);
-  const devhost::Frame output(filter.filter_process(frame.get(), nullptr));
-  EXPECT_EQ(
-      FilterDriver::output_of([&] { filter.print_key_params(); }),
-      "anchor_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
-      "current_filter_params: \nalpha:     0.5\ndisp_diff: 10\nmagnitude: 1\nradius:    1\n"
-      "current_frame_info: \nwidth:      200\nheight:     130\nbxf:        40000\ndepth_flag: 0\n"
-      "depth_unit: 1\nfraction_bit_size: 4\ndepth_diff_lut: 3 15 35 62 97 140 191\ndepth_shift: 9\n");
-}
-
 }  // namespace
 }  // namespace filterprocessor

@@ -35,13 +35,14 @@ TEST(TemporalFilter, BlendsWithItsLastOutputWhereBothAreCloseAndValid) {
 TEST(TemporalFilter, DropsItsHistoryOnANewSizeAndOnResetButNotOnConfiguration) {
   FilterDriver filter("TemporalFilter");
   filtered(filter, {1000, 1000});
-  EXPECT_EQ(filter.update({"0.1", "0.5"}), kNoError);
+  EXPECT_EQ(filter.update({"0.9", "0.5"}), kNoError);
   EXPECT_EQ(filtered(filter, {1050, 1050}), (Pixels{1025, 1025}));
   EXPECT_EQ(filtered(filter, {1000, 1000, 1000}), (Pixels{1000, 1000, 1000}));
   EXPECT_EQ(filtered(filter, {1050, 1050}), (Pixels{1050, 1050}));
   filter.reset();
   EXPECT_EQ(filtered(filter, {1000, 1000}), (Pixels{1000, 1000}));
-  EXPECT_EQ(filtered(filter, {1050, 1050}), (Pixels{1020, 1020})) << "and the weight is 0.4 again";
+  EXPECT_EQ(filtered(filter, {1050, 1400}), (Pixels{1020, 1400}))
+      << "with the weight and scale of a new one";
   devhost::FrameTraits transposed = row({1000, 1000});
   std::swap(transposed.width, transposed.height);
   EXPECT_EQ(devhost::inspect(filter.process(devhost::make_frame(transposed)).get()).pixels,
@@ -58,12 +59,6 @@ TEST(TemporalFilter, StoresTheScaleBeforeItChecksTheWeight) {
   EXPECT_EQ(filter.update({"0.1", "nan"}), out_of_range("weight"));
   EXPECT_EQ(filter.update({"0.1"}), kBadCount);
   EXPECT_EQ(filter.update({"1", "0.1"}), kNoError) << "both ends are accepted";
-}
-
-TEST(TemporalFilter, PrintsItsParameters) {
-  TemporalFilter filter;
-  EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }),
-            "diff_scale: 0.1\nweight:     0.4\n");
 }
 
 }  // namespace

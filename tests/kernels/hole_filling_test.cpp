@@ -108,9 +108,13 @@ TEST(HoleFillingInterface, SmallImagesSucceedUnchangedAndUnknownModesFail) {
     EXPECT_EQ(depth_api_hole_filling_filter(nullptr, 0, 16, mode), 0);
     EXPECT_EQ(depth_api_hole_filling_filter(nullptr, -8, 16, mode), 0);
   }
-  EXPECT_EQ(depth_api_hole_filling_filter(image.data(), 16, 2, 3), -1);
-  EXPECT_EQ(depth_api_hole_filling_filter(image.data(), 16, 2, -1), -1);
   EXPECT_EQ(image, before);
+  Pixels three_rows(48, 7);
+  three_rows[20] = 0;  // any mode would fill it
+  for (const int mode : {-1, 3}) {
+    EXPECT_EQ(depth_api_hole_filling_filter(three_rows.data(), 16, 3, mode), -1);
+    EXPECT_EQ(three_rows[20], 0);
+  }
   EXPECT_EQ(depth_api_hole_filling_filter(image.data(), 16, 2, DEPTH_API_HOLE_FILL_TOP), 0);
   EXPECT_EQ(image[16], 5);
 }

@@ -108,7 +108,9 @@ TEST(Speckle, TableIsIndexedByTheLowByteOfTheShiftedValue) {
   EXPECT_FALSE(joins(1024, 1, 2));
   EXPECT_TRUE(joins(4, 5, 2));
   EXPECT_FALSE(joins(60000, 1, 16));
+  EXPECT_FALSE(joins(60000, 1, 32));
   EXPECT_FALSE(joins(60000, 1, 255));
+  EXPECT_TRUE(joins(60000, 5, 15)) << "60000 is 1 there";
 }
 
 TEST(Speckle, EmptyOrNullTableJoinsEqualValuesOnly) {
@@ -160,6 +162,38 @@ TEST(Speckle, PyramidSmoothsKeptBlocksAndRemovesOthers) {
                        110, 0,  90, 5,  //
                        1,   2,  3,  4};
   EXPECT_EQ(pyramid(4, hole, 2, 0), (Pixels{0, 0, 5, 5, 0, 0, 5, 5, 1, 2, 3, 4}));
+}
+
+TEST(Speckle, EveryPyramidFunctionPassesItsArgumentsOn) {
+  Pixels table = {2, 9, 1, 7};
+  Pixels map = {2, 0, 9, 1, 30, 3};
+  const Image image = bench::noise(61, 40, 1, 24, 5);
+  const auto by_table = SpeckleThreshold::from_table(table.data(), 3, 4);
+  const SpeckleLimit by_map = {0, map.data(), 3, 2};
+  const auto check = [&](const Case& with, const auto& call) {
+    Image actual = image;
+    Work work(image.pixels.size());
+    call(work, actual.pixels.data());
+    EXPECT_TRUE(actual.pixels == run(plain::speckle.pyramid, image, with).pixels);
+    EXPECT_FALSE(actual.pixels == image.pixels);
+  };
+  check({by_table, SpeckleLimit::fixed(3), 5}, [&](unsigned char* work, std::uint16_t* depth) {
+    softfilterPyramid_lut(work, depth, 61, 40, table.data(), 3, 4, 3, 5);
+  });
+  check({SpeckleThreshold::fixed(2), by_map, 5}, [&](unsigned char* work, std::uint16_t* depth) {
+    filterSpecklePyramid(work, depth, map.data(), 61, 40, 2, 3, 2, 5);
+  });
+  check({by_table, by_map, 5}, [&](unsigned char* work, std::uint16_t* depth) {
+    filterSpecklePyramid_lut(work, depth, map.data(), 61, 40, table.data(), 3, 4, 3, 2, 5);
+  });
+  Image half(30, 20);
+  downSample(image.pixels.data(), half.pixels.data(), 61, 40);
+  Image full = image;
+  for (int row = 0; row < 20; ++row) {
+    for (int col = 0; col < 30; ++col) {
+      ASSERT_EQ(half.at(row, col), full.at(2 * row + 1, 2 * col + 1)) << row << ", " << col;
+    }
+  }
 }
 
 TEST(Speckle, SizesOutOfRangeTouchNothing) {
