@@ -59,6 +59,4 @@ Row& Row::add_levels_reading(
 
 }  // namespace filterprocessor::bench
 
-int main() {
-  filterprocessor::bench::add_all_rows();
-}
+int main() { filterprocessor::bench::add_all_rows(); }
