@@ -1,10 +1,8 @@
-// Depth tables of one and two cameras, conversion of plain and packed codes by loading and by computing,
-// and sampling.
+// Depth tables of one and two cameras, and conversion of plain and packed codes by loading and by computing.
 #include <cmath>
 
 #include "filters/depth_converter.h"
 #include "images.h"
-#include "kernels/disparity/depth_sampling.h"
 #include "levels.h"
 
 namespace filterprocessor::fuzz {
@@ -114,50 +112,8 @@ void convert(FuzzInput& input) {
   });
 }
 
-/// There is one form of it only, so what is compared is one run with another between other guard pages.
-void sample(FuzzInput& input) {
-  const Sides sides = any_sides(input);
-  const auto side = [&] { return input.integer(0, input.pick({130, 130, 3000})); };
-  const auto cut = [&] { return input.pick({0, input.integer(0, 100), input.number<std::int32_t>()}); };
-  const DepthSampling sampling{
-      .target_width = side(),
-      .target_height = side() % 300,
-      .scale = input.pick({1.0f, 0.5f, static_cast<float>(input.integer(1, 5000)) * 0.01f,
-                           static_cast<float>(std::fabs(input.number<float>()))}),
-      .x_cut = cut(),
-      .y_cut = cut(),
-      .x_set = cut(),
-      .y_set = cut()};
-  const Pixels table =
-      any_table(input, static_cast<std::size_t>(input.pick({256, input.integer(0, 1024)})));
-  const Pixels codes = any_pixels(input, sides);
-  const Pixels unwritten(
-      static_cast<std::size_t>(sampling.target_width) * static_cast<std::size_t>(sampling.target_height),
-      0xa5a5);
-  const auto run = [&](Buffers& buffers) {
-    const std::span<const std::uint16_t> entries(buffers.copy(table), table.size());
-    const std::uint16_t* source = buffers.copy(codes);
-    sample_depth(sampling, source, static_cast<std::uint32_t>(sides.width),
-                 static_cast<std::uint32_t>(sides.height), entries, buffers.copy(unwritten));
-  };
-  Buffers first(input.number<std::uint32_t>());
-  run(first);
-  Buffers second(0);
-  run(second);
-  second.require_equal(first, "a second run");
-}
-
 }  // namespace
 
-void run_input(FuzzInput& input) {
-  switch (input.integer(0, 2)) {
-    case 0:
-      return build(input);
-    case 1:
-      return convert(input);
-    default:
-      return sample(input);
-  }
-}
+void run_input(FuzzInput& input) { input.one_in(3) ? build(input) : convert(input); }
 
 }  // namespace filterprocessor::fuzz
