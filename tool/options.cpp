@@ -1,5 +1,9 @@
 #include "options.h"
 
+#include <cmath>
+#include <functional>
+#include <map>
+
 #include <CLI/CLI.hpp>
 
 #include "kit/common/error.h"
@@ -21,53 +25,22 @@ constexpr const char* kSyncHelp =
     "Wait for the storage after each file; without it after the last, and a power cut may leave others "
     "empty";
 
-/// How an option's text is read: nothing where it is not what is expected.
-template <typename Value>
-struct Reading {
-  std::optional<Value> (*parse)(const std::string& text);
-  const char* expected;
-};
-
-template <typename Value, typename Target>
-CLI::Option* add_value(CLI::App& command, const std::string& name, Target& target,
-                       const Reading<Value>& reading, const std::string& help) {
-  const auto read = [name, &target, reading](const std::string& text) {
-    const auto value = reading.parse(text);
-    if (!value) kit::refuse(name, " ", text, ": expected ", reading.expected);
-    target = static_cast<typename Target::value_type>(*value);
-  };
-  return command.add_option_function<std::string>(name, read, help);
+/// Refuses texts and says what is expected instead. The text in --help stays that of type_name().
+CLI::Validator expect(const std::string& what, std::function<bool(const std::string& text)> holds) {
+  return CLI::Validator(
+      [what, holds = std::move(holds)](const std::string& text) {
+        return holds(text) ? std::string() : text + ": expected " + what;
+      },
+      "");
 }
 
-std::optional<double> parse_positive(const std::string& text) {
-  const auto value = kit::parse_number(text);
-  return value && *value > 0 ? value : std::nullopt;
+const CLI::Validator& positive() {
+  static const CLI::Validator check = expect("a number above 0", [](const std::string& text) {
+    double value = 0;
+    return CLI::detail::lexical_cast(text, value) && value > 0 && std::isfinite(value);
+  });
+  return check;
 }
-
-std::optional<std::int32_t> parse_bits(const std::string& text) {
-  const auto bits = kit::parse_integer(text);
-  return bits && *bits >= 1 && *bits <= 16 ? bits : std::nullopt;
-}
-
-std::optional<std::int32_t> parse_pixel_type(const std::string& text) {
-  if (text == "depth") return ZV_PIXEL_TYPE_DEPTH;
-  if (text == "disparity") return ZV_PIXEL_TYPE_DISPARITY;
-  if (text == "linear") return ZV_PIXEL_TYPE_LINEAR_DEPTH;
-  return kit::parse_integer(text);
-}
-
-std::optional<const kit::Codec*> parse_format(const std::string& text) {
-  const kit::Codec* codec = kit::codec_named(text);
-  return codec != nullptr ? std::optional(codec) : std::nullopt;
-}
-
-constexpr Reading<double> kPositive = {parse_positive, "a number above 0"};
-constexpr Reading<std::int32_t> kBits = {parse_bits, "1 to 16"};
-constexpr Reading<std::int32_t> kPixelType = {parse_pixel_type,
-                                              "depth, disparity, linear or the host's number"};
-constexpr Reading<const kit::Codec*> kFormat = {parse_format, "png, pgm, npy or raw"};
-constexpr Reading<kit::Size> kSize = {[](const std::string& text) { return kit::parse_size(text); },
-                                      "WIDTHxHEIGHT, for example 640x480"};
 
 }  // namespace
 
@@ -102,15 +75,25 @@ void describe_run(CLI::App& command, RunOptions& run) {
   command.add_option("-o,--output", run.output.folder, "Folder for the results")
       ->required()
       ->type_name("DIR");
-  add_value(command, "--format", run.output.format, kFormat,
-            "Format of the results: png, pgm, npy, raw; else the input's")
+  command
+      .add_option_function<std::string>(
+          "--format", [&run](const std::string& name) { run.output.format = kit::codec_named(name); },
+          "Format of the results: png, pgm, npy, raw; else the input's")
+      ->check(expect("png, pgm, npy or raw",
+                     [](const std::string& name) { return kit::codec_named(name) != nullptr; }))
       ->type_name("FORMAT");
   command.add_flag(
       "--preview", run.output.preview,
       "Also write a colour picture of before and after, from near in blue to far in red: both in one "
       "range or, where their pixel types differ, each in its own");
   command.add_flag("--sync", run.output.sync, kSyncHelp);
-  add_value(command, "--size", run.size, kSize, "Size of raw files")->type_name("WxH");
+  command
+      .add_option_function<std::string>(
+          "--size", [&run](const std::string& text) { run.size = kit::parse_size(text); },
+          "Size of raw files")
+      ->check(expect("WIDTHxHEIGHT, for example 640x480",
+                     [](const std::string& text) { return kit::parse_size(text).has_value(); }))
+      ->type_name("WxH");
   command
       .add_option_function<std::string>(
           "--camera",
@@ -126,20 +109,34 @@ void describe_run(CLI::App& command, RunOptions& run) {
       ->type_name("DIR");
   command.footer(kRunFooter);
   kit::FrameAttributes& attributes = run.attributes;
-  add_value(command, "--value-scale", attributes.value_scale, kPositive,
-            "Millimetres a unit, 1 by default")
+  command.add_option("--value-scale", attributes.value_scale, "Millimetres a unit, 1 by default")
+      ->check(positive())
       ->type_name("NUMBER");
-  add_value(command, "--bits", attributes.bits, kBits, "Bits of a pixel, 16 by default")->type_name("N");
-  add_value(command, "--pixel-type", attributes.pixel_type, kPixelType,
-            "depth (default), disparity, linear or the host's number")
+  command.add_option("--bits", attributes.bits, "Bits of a pixel, 16 by default")
+      ->check(CLI::Range(1, 16).description(""))
+      ->type_name("N");
+  const std::map<std::string, std::int32_t> pixel_types = {{"depth", ZV_PIXEL_TYPE_DEPTH},
+                                                           {"disparity", ZV_PIXEL_TYPE_DISPARITY},
+                                                           {"linear", ZV_PIXEL_TYPE_LINEAR_DEPTH}};
+  command
+      .add_option("--pixel-type", attributes.pixel_type,
+                  "depth (default), disparity, linear or the host's number")
+      ->transform(CLI::Transformer(pixel_types).description(""))
+      ->check(expect("depth, disparity, linear or the host's number",
+                     [](const std::string& text) {
+                       std::int32_t code = 0;
+                       return CLI::detail::lexical_cast(text, code);
+                     }))
       ->type_name("TYPE");
   command.add_flag_callback(
       "--frame-set", [&run] { run.handover = kit::Handover::frame_set; },
       "Hand the frames over in frame sets");
-  add_value(command, "--baseline", attributes.baseline, kPositive,
-            "Distance of the two viewpoints in millimetres")
+  command.add_option("--baseline", attributes.baseline, "Distance of the two viewpoints in millimetres")
+      ->check(positive())
       ->type_name("NUMBER");
-  add_value(command, "--fx", attributes.fx, kPositive, "Focal length in pixels")->type_name("NUMBER");
+  command.add_option("--fx", attributes.fx, "Focal length in pixels")
+      ->check(positive())
+      ->type_name("NUMBER");
 }
 
 void describe_camera(CLI::App& command, CameraCommandOptions& camera) {
