@@ -12,6 +12,7 @@
 #include "filter_handle.h"
 #include "rows.h"
 #include "virtual_camera.h"
+#include "zvfilter/zvfilter.h"
 
 namespace filterprocessor::bench {
 
@@ -74,19 +75,28 @@ double run(std::span<Step> chain, const zv_frame_t* input) {
 
 constexpr std::size_t kRounds = 200;
 
+/// Seven filters in a row.
+std::vector<Step> whole_chain(Size size) {
+  const std::string w = std::to_string(size.width), h = std::to_string(size.height);
+  std::vector<Step> chain;
+  chain.emplace_back("DisparityTransform");
+  chain.emplace_back("NoiseRemovalFilter", std::vector<const char*>{"80", "64", "848", "480"});
+  chain.emplace_back("EdgeNoiseRemovalFilter");
+  chain.emplace_back("SpatialAdvancedFilter");
+  chain.emplace_back("TemporalFilter");
+  chain.emplace_back("HoleFillingFilter", std::vector<const char*>{"1"});
+  chain.emplace_back("DepthResize",
+                     std::vector<const char*>{w.c_str(), h.c_str(), "1", "0", "0", "0", "0"});
+  return chain;
+}
+constexpr const char* kWholeChain =
+    "DisparityTransform;NoiseRemovalFilter:min_diff=64;EdgeNoiseRemovalFilter;SpatialAdvancedFilter;"
+    "TemporalFilter;"
+    "HoleFillingFilter:hole_filling_mode=1;DepthResize:scale=1";
+
 void measure(Size size) {
   const std::vector<devhost::Frame> frames = camera_frames(size, 2);
-  const std::string w = std::to_string(size.width);
-  const std::string h = std::to_string(size.height);
-  Step chain[] = {
-      Step("DisparityTransform"),
-      Step("NoiseRemovalFilter", {"80", "64", "848", "480"}),
-      Step("EdgeNoiseRemovalFilter"),
-      Step("SpatialAdvancedFilter"),
-      Step("TemporalFilter"),
-      Step("HoleFillingFilter", {"1"}),
-      Step("DepthResize", {w.c_str(), h.c_str(), "1", "0", "0", "0", "0"}),
-  };
+  std::vector<Step> chain = whole_chain(size);
 
   Times copies;
   Times totals;
@@ -140,6 +150,51 @@ void measure_sampling(Size size, double scale) {
               time, other, time / other);
 }
 
+/// The same chain through libzvfilter, from the caller's pixels into the caller's buffer, beside the time that the filters
+/// alone take in it and in the development host.
+void measure_library(Size size) {
+  const devhost::VirtualCamera camera({.width = static_cast<std::uint32_t>(size.width),
+                                       .height = static_cast<std::uint32_t>(size.height)});
+  std::vector<devhost::FrameTraits> images;
+  std::vector<devhost::Frame> frames;
+  for (unsigned i = 0; i < 6; ++i) {
+    images.push_back(camera.frame(i).disparity);
+    frames.push_back(devhost::make_frame(images.back()));
+  }
+  zvf_chain* const chain = zvf_chain_parse(kWholeChain, nullptr);
+  zvf_input input = zvf_input_of(images[0].width, images[0].height);
+  input.pixel_type = ZVF_DISPARITY;
+  input.bits = images[0].bits;
+  zvf_input_set_stereo(&input, images[0].disparity.baseline, images[0].disparity.fx);
+  input.geometry.pack_mode = images[0].disparity.packMode;
+  input.geometry.integer_bits = images[0].disparity.dispIntPlace;
+  input.geometry.bits = images[0].disparity.bitSize;
+  std::vector<Step> others = whole_chain(size);
+  std::vector<std::uint16_t> output(images[0].pixels.size());
+  Times runs, filters, host;
+  zvf_error error = {};
+  if (zvf_chain_set_input(chain, &input, &error) != ZVF_OK) std::exit(1);
+  for (std::size_t round = 0; round < kRounds; ++round) {
+    const auto& pixels = images[round % images.size()].pixels;
+    if (timed(runs, [&] { return zvf_chain_run(chain, pixels.data(), 0, output.data(), 0, &error); }) !=
+        ZVF_OK) {
+      std::fprintf(stderr, "%s\n", error.message);
+      std::exit(1);
+    }
+    filters.push_back(0);
+    for (std::size_t i = 0; i < zvf_chain_size(chain); ++i) {
+      zvf_view view = {};
+      zvf_chain_stage(chain, i, &view, nullptr);
+      filters.back() += view.milliseconds;
+    }
+    host.push_back(run(others, frames[round % frames.size()].get()));
+  }
+  zvf_chain_destroy(chain);
+  const double whole = median(runs), alone = median(filters);
+  std::printf("| %dx%d | %.3f | %.3f | %.3f | %.3f |\n", size.width, size.height, whole, alone,
+              whole / alone, median(host));
+}
+
 }  // namespace
 
 void print_chain_tables() {
@@ -150,6 +205,11 @@ void print_chain_tables() {
   for (const Size size : {kSizes[0], kSizes[2]}) {
     for (const double scale : {1.0, 0.5}) measure_sampling(size, scale);
   }
+  std::printf(
+      "\n| chain of seven in libzvfilter | run, ms a frame | filters alone | ratio | in the development "
+      "host "
+      "|\n|---|---:|---:|---:|---:|\n");
+  for (const Size size : {kSizes[0], kSizes[2]}) measure_library(size);
 }
 
 }  // namespace filterprocessor::bench

@@ -7,7 +7,7 @@ namespace filterprocessor::fuzz {
 
 namespace {
 
-std::string in_range(FuzzInput& input, const kit::SchemaParameter& parameter) {
+std::string in_range(Source& input, const kit::SchemaParameter& parameter) {
   const double min = std::atof(parameter.min.c_str());
   const double max = std::atof(parameter.max.c_str());
   switch (input.integer(0, 7)) {
@@ -26,7 +26,7 @@ std::string in_range(FuzzInput& input, const kit::SchemaParameter& parameter) {
   }
 }
 
-std::string anything(FuzzInput& input, const kit::SchemaParameter& parameter) {
+std::string anything(Source& input, const kit::SchemaParameter& parameter) {
   switch (input.integer(0, 3)) {
     case 0:
       return std::to_string(std::atof(parameter.min.c_str()) - 1);
@@ -45,7 +45,7 @@ std::string anything(FuzzInput& input, const kit::SchemaParameter& parameter) {
 
 }  // namespace
 
-std::vector<std::string> any_arguments(FuzzInput& input,
+std::vector<std::string> any_arguments(Source& input,
                                        const std::vector<kit::SchemaParameter>& parameters) {
   std::vector<std::string> texts;
   const bool usual = !input.one_in(4);

@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "fuzz_input.h"
-#include "kit/plugin/schema.h"
+#include "cases/source.h"
+#include "kit/schema/schema.h"
 
 namespace filterprocessor::fuzz {
 
 /// Texts for a filter's parameters: mostly all of them in range, otherwise some that are not, and now and
 /// then some too many or too few.
-std::vector<std::string> any_arguments(FuzzInput& input,
+std::vector<std::string> any_arguments(Source& input,
                                        const std::vector<kit::SchemaParameter>& parameters);
 
 }  // namespace filterprocessor::fuzz

@@ -13,21 +13,12 @@ namespace {
 
 using devhost::FilterHandle;
 
-/// Makes the n-th host call fail, whichever it is, as long as this lives; none for 0.
-class Fault {
- public:
-  explicit Fault(int occurrence) : armed_(occurrence > 0) {
-    if (armed_) devhost::fail_call("", occurrence);
-  }
-  Fault(const Fault&) = delete;
-  Fault& operator=(const Fault&) = delete;
-  ~Fault() {
-    if (armed_) devhost::clear_fault();
-  }
-
- private:
-  bool armed_;
-};
+/// Makes the n-th host call fail, whichever it is, while `action` runs; none for 0.
+void with_fault(int occurrence, const auto& action) {
+  if (occurrence > 0) devhost::fail_call("", occurrence);
+  action();
+  if (occurrence > 0) devhost::clear_fault();
+}
 
 long frames_in(const devhost::Frame& frame) {
   if (!frame) return 0;
@@ -36,7 +27,7 @@ long frames_in(const devhost::Frame& frame) {
 
 class Host {
  public:
-  explicit Host(FuzzInput& input) : input_(input) {}
+  explicit Host(Source& input) : input_(input) {}
 
   void act() {
     FilterHandle& filter = filters_[input_.number<std::uint8_t>() % filters_.size()];
@@ -55,11 +46,9 @@ class Host {
     } else if (action < 14) {
       frame = nullptr;
     } else if (action == 14) {
-      const Fault fault(fault_);
-      zv_priv_filter_reset(handle(filter), slot());
+      with_fault(fault_, [&] { zv_priv_filter_reset(handle(filter), slot()); });
     } else {
-      const Fault fault(fault_);
-      filter.reset();
+      with_fault(fault_, [&] { filter.reset(); });
     }
   }
 
@@ -102,10 +91,7 @@ class Host {
 
     devhost::hide_data(input_.one_in(64));
     devhost::Frame result;
-    {
-      const Fault fault(fault_);
-      result.reset(zv_priv_filter_process(handle(filter), frame, error));
-    }
+    with_fault(fault_, [&] { result.reset(zv_priv_filter_process(handle(filter), frame, error)); });
     devhost::hide_data(false);
 
     require(content_of(held.get()) == before, "the input stays as it is");
@@ -119,7 +105,7 @@ class Host {
     if (result && input_.one_in(4)) held = std::move(result);
   }
 
-  FuzzInput& input_;
+  Source& input_;
   std::array<FilterHandle, 2> filters_;
   std::array<devhost::Frame, 2> frames_;
   zv_error* error_ = nullptr;
@@ -128,7 +114,7 @@ class Host {
 
 }  // namespace
 
-void run_input(FuzzInput& input) {
+void run_input(Source& input) {
   devhost::refuse_frames_above(1u << 19);
   {
     Host host(input);

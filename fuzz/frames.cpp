@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "images.h"
+#include "cases/images.h"
 
 namespace filterprocessor::fuzz {
 
@@ -10,11 +10,11 @@ namespace {
 
 /// Mostly what fits, otherwise any bits.
 template <typename T>
-T any_of(FuzzInput& input, std::initializer_list<T> usual) {
+T any_of(Source& input, std::initializer_list<T> usual) {
   return input.one_in(16) ? input.number<T>() : input.pick(usual);
 }
 
-ZVDisparityParam any_disparity(FuzzInput& input) {
+ZVDisparityParam any_disparity(Source& input) {
   if (input.one_in(16)) return input.number<ZVDisparityParam>();
   ZVDisparityParam p = {};
   p.isDualCamera = any_of<std::uint8_t>(input, {1, 1, 0});
@@ -31,7 +31,7 @@ ZVDisparityParam any_disparity(FuzzInput& input) {
   return p;
 }
 
-Sides any_frame_sides(FuzzInput& input) {
+Sides any_frame_sides(Source& input) {
   if (input.one_in(8)) {
     // Sizes that have a form of their own in the speckle kernels.
     const auto side = input.pick<std::size_t>({160, 320, 424, 640, 1280, 266});
@@ -41,7 +41,7 @@ Sides any_frame_sides(FuzzInput& input) {
   return {static_cast<std::size_t>(input.integer(0, 40)), static_cast<std::size_t>(input.integer(0, 40))};
 }
 
-devhost::FrameTraits any_traits(FuzzInput& input) {
+devhost::FrameTraits any_traits(Source& input) {
   const Sides sides = any_frame_sides(input);
   devhost::FrameTraits traits;
   traits.type = any_of<std::int32_t>(input, {ZV_FRAME_TYPE_DEPTH});
@@ -63,7 +63,7 @@ devhost::FrameTraits any_traits(FuzzInput& input) {
 }
 
 /// More or fewer pixels than described, or described.
-void break_size(FuzzInput& input, devhost::FrameTraits& traits) {
+void break_size(Source& input, devhost::FrameTraits& traits) {
   if (input.flag()) return traits.pixels.resize(static_cast<std::size_t>(input.integer(0, 4000)));
   const auto claim = [&](std::uint32_t& side) {
     side = any_of<std::uint32_t>(input, {side, 0xffffffff, 0x80000000, 65536, 70000, 32768});
@@ -91,7 +91,7 @@ void add_frame(std::string& content, const zv_frame_t* frame) {
 
 }  // namespace
 
-devhost::Frame any_frame(FuzzInput& input) {
+devhost::Frame any_frame(Source& input) {
   devhost::Frame frame;
   if (input.one_in(32)) {
     // Without a profile, and thus without a size.

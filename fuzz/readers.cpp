@@ -1,12 +1,13 @@
-// The file readers. The first byte chooses one: c for camera.json, p, g, n and r for PNG, PGM,
-// NumPy and raw images, all others for PNG with its checksums put right. What can be read says the same
-// when written and read again.
+// The file readers. The first byte chooses one: c for camera.json, p, g, n, r and t for PNG, PGM, NumPy, raw and
+// TIFF images, G, N and R for streams of them, N also for metres, T for TIFF stacks, all others for PNG with its checksums
+// put right. What can be read says the same when written and read again.
 #include <png.h>
 #include <zlib.h>
 
 #include "kit/common/error.h"
 #include "kit/frame/camera_file.h"
-#include "kit/image/codec.h"
+#include "kit/image/image_stream.h"
+#include "kit/image/tiff.h"
 #include "target.h"
 
 namespace filterprocessor::fuzz {
@@ -14,15 +15,15 @@ namespace filterprocessor::fuzz {
 namespace {
 
 void read_camera(std::string_view text) {
-  kit::Frame camera;
+  kit::Input camera;
   try {
     camera = kit::parse_camera_json(text, "camera.json");
   } catch (const kit::Error&) {
     return;
   }
-  const std::string written = kit::camera_json(camera);
-  const kit::Frame again = kit::parse_camera_json(written, "again");
-  require(kit::camera_json(again) == written, "a camera says the same when read again");
+  const std::string written = kit::input_json(camera, false).dump();
+  const kit::Input again = kit::parse_camera_json(written, "again");
+  require(kit::input_json(again, false).dump() == written, "a camera says the same when read again");
 }
 
 void read_image(std::string_view format, kit::ByteView file, const kit::Size& size) {
@@ -36,6 +37,38 @@ void read_image(std::string_view format, kit::ByteView file, const kit::Size& si
   const kit::Bytes written = codec.encode(image);
   require(codec.decode(written, {image.width, image.height}) == image,
           "an image is the same when read again");
+}
+
+/// A stream gives whole images or none, as many as its writer put into it.
+void read_stream(std::string_view format, kit::ByteView bytes, const kit::ReadOptions& options) {
+  const kit::Codec& codec = *kit::codec_named(format);
+  kit::ViewStream stream(bytes);
+  kit::ImageStreamReader reader(stream, codec, options, "stream");
+  std::size_t count = 0;
+  try {
+    while (const auto image = reader.next()) {
+      require(++count == reader.count(), "a stream counts its images");
+      const kit::Bytes frame = kit::encode_for_stream(codec, *image, options.raw_order);
+      kit::ViewStream again(frame);
+      kit::ReadOptions units = options;
+      units.units_a_metre.reset();
+      require(kit::ImageStreamReader(again, codec, units, "again").next() == image,
+              "a streamed image is the same when read again");
+    }
+  } catch (const kit::Error&) {
+  }
+}
+
+void read_pages(kit::ByteView file) {
+  try {
+    std::size_t read = 0;
+    constexpr std::size_t most = 16;
+    for (const std::uint64_t page : kit::TiffReader(kit::view_of(file)).pages()) {
+      if (++read > most) break;
+      require(!kit::TiffReader(kit::view_of(file)).read_page(page).pixels.empty(), "a page has pixels");
+    }
+  } catch (const kit::Error&) {
+  }
 }
 
 /// Gives every chunk the checksum that it needs, so that what stands in it is looked at.
@@ -53,10 +86,11 @@ kit::Bytes with_checksums(kit::ByteView file) {
 
 }  // namespace
 
-void run_input(FuzzInput& input) {
+void run_input(Source& input) {
   const auto reader = input.number<char>();
   kit::Size size;
-  if (reader == 'r') size = {input.number<std::uint8_t>(), input.number<std::uint32_t>()};
+  if (reader == 'r' || reader == 'R')
+    size = {input.number<std::uint8_t>(), input.number<std::uint32_t>()};
   const auto file = input.take_rest();
   switch (reader) {
     case 'c':
@@ -69,6 +103,17 @@ void run_input(FuzzInput& input) {
       return read_image("npy", file, size);
     case 'r':
       return read_image("raw", file, size);
+    case 't':
+      return read_image("tiff", file, size);
+    case 'G':
+      return read_stream("pgm", file, {});
+    case 'N':
+      read_stream("npy", file, {.units_a_metre = 1000});
+      return read_stream("npy", file, {});
+    case 'R':
+      return size == kit::Size{} ? void() : read_stream("raw", file, {.size = size});
+    case 'T':
+      return read_pages(file);
     default:
       return read_image("png", with_checksums(file), size);
   }

@@ -1,5 +1,5 @@
 // Reading of configuration schemas: what can be read says the same when it is written and read again.
-#include "kit/plugin/schema.h"
+#include "kit/schema/schema.h"
 
 #include "kit/common/error.h"
 #include "target.h"
@@ -21,7 +21,7 @@ std::string written(const std::vector<kit::SchemaParameter>& parameters) {
 
 }  // namespace
 
-void run_input(FuzzInput& input) {
+void run_input(Source& input) {
   const auto bytes = input.take_rest();
   std::vector<kit::SchemaParameter> parameters;
   try {

@@ -23,7 +23,7 @@ const char* __asan_default_options() { return "allocator_may_return_null=1:max_a
 int LLVMFuzzerInitialize(int*, char***) { return std::freopen("/dev/null", "w", stdout) == nullptr; }
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  filterprocessor::fuzz::FuzzInput input({data, size});
+  filterprocessor::Source input({data, size});
   filterprocessor::fuzz::run_input(input);
   return 0;
 }

@@ -4,12 +4,12 @@
 
 #include <string_view>
 
-#include "fuzz_input.h"
+#include "cases/source.h"
 
 namespace filterprocessor::fuzz {
 
 /// Runs one input; returns unless something is wrong.
-void run_input(FuzzInput& input);
+void run_input(Source& input);
 
 /// Ends the run with `what` unless `holds`.
 void require(bool holds, std::string_view what);

@@ -8,6 +8,8 @@
 #include <mutex>
 #include <utility>
 
+#include "counted.h"
+
 struct zv_error {
   std::int32_t status;
   std::string message;
@@ -22,6 +24,8 @@ struct zv_stream_profile_t {
   zv_stream_profile_t& operator=(const zv_stream_profile_t&) = delete;
   ~zv_stream_profile_t();
 
+  void dispose() { delete this; }
+
   devhost::ProfileTraits traits;
   mutable std::atomic<long> references{1};
 };
@@ -32,7 +36,11 @@ struct zv_frame_t {
   zv_frame_t& operator=(const zv_frame_t&) = delete;
   ~zv_frame_t();
 
+  void dispose() { delete this; }
   void copy_info(const zv_frame_t& from);
+  unsigned char* bytes() const;
+  std::size_t size() const { return data.size(); }
+  bool assign(const void* bytes, std::uint32_t count);
 
   devhost::FrameTraits traits;  // without the pixels
   std::vector<unsigned char> data;
@@ -115,27 +123,6 @@ class Call {
   bool failed_ = false;
 };
 
-template <typename Object>
-void drop(const Object* object) {
-  if (object != nullptr && object->references.fetch_sub(1) == 1) delete object;
-}
-
-template <typename Object>
-Object* share(const Object* object) {
-  object->references.fetch_add(1);
-  return const_cast<Object*>(object);
-}
-
-template <typename Object, typename Value, typename Traits>
-Value read(const char* function, const Object* object, zv_error** error, Value Traits::*field) {
-  return Call(function, error).needs(object, "object") ? object->traits.*field : Value{};
-}
-
-template <typename Object, typename Value, typename Traits>
-void write(const char* function, Object* object, zv_error** error, Value Traits::*field, Value value) {
-  if (Call(function, error).needs(object, "object")) object->traits.*field = value;
-}
-
 zv_frame_t* copy_of(const zv_frame_t& other) {
   Frame frame(new zv_frame_t({.type = other.traits.type}));
   frame->copy_info(other);
@@ -144,10 +131,27 @@ zv_frame_t* copy_of(const zv_frame_t& other) {
   return frame.release();
 }
 
+zv_frame_t* new_frame(std::int32_t type, std::int32_t format, std::uint32_t size) {
+  if (size > largest_frame) return nullptr;
+  Frame frame(new zv_frame_t({.type = type, .format = format}));
+  frame->data.resize(size);
+  return frame.release();
+}
+
+zv_frame_t* new_frame_like(const zv_frame_t& other, bool copy_data) {
+  if (copy_data) return copy_of(other);
+  Frame frame(new zv_frame_t({.type = other.traits.type}));
+  frame->copy_info(other);
+  frame->data.resize(other.data.size(), 0xA5);  // unspecified, and not by chance right
+  return frame.release();
+}
+
+zv_stream_profile_t* new_profile(const ProfileTraits& traits) { return new zv_stream_profile_t(traits); }
+
 }  // namespace
 
-void Release::operator()(zv_frame_t* frame) const { drop(frame); }
-void Release::operator()(zv_stream_profile_t* profile) const { drop(profile); }
+void Release::operator()(zv_frame_t* frame) const { counted::drop(frame); }
+void Release::operator()(zv_stream_profile_t* profile) const { counted::drop(profile); }
 
 Profile make_profile(const ProfileTraits& traits) { return Profile(new zv_stream_profile_t(traits)); }
 
@@ -168,7 +172,7 @@ Frame make_frame_set(Frame depth) {
 
 Frame depth_frame_of(const zv_frame_t* frame) {
   if (frame->traits.type == ZV_FRAME_TYPE_SET && frame->depth) frame = frame->depth.get();
-  return Frame(share(frame));
+  return Frame(counted::share(frame));
 }
 
 void attach_profile(zv_frame_t* frame, const ProfileTraits& traits) {
@@ -241,10 +245,8 @@ void refuse_frames_above(std::uint32_t bytes) { largest_frame = bytes; }
 
 }  // namespace devhost
 
-using devhost::Call;
 using devhost::FrameTraits;
 using devhost::ProfileTraits;
-using devhost::share;
 
 zv_stream_profile_t::zv_stream_profile_t(ProfileTraits s) : traits(std::move(s)) {
   ++devhost::live_profiles;
@@ -261,7 +263,21 @@ void zv_frame_t::copy_info(const zv_frame_t& from) {
   const std::int32_t type = traits.type;
   traits = from.traits;
   traits.type = type;
-  profile.reset(from.profile ? share(from.profile.get()) : nullptr);
+  profile.reset(from.profile ? counted::share(from.profile.get()) : nullptr);
+}
+
+unsigned char* zv_frame_t::bytes() const {
+  return devhost::data_hidden ? nullptr : const_cast<unsigned char*>(data.data());
+}
+
+bool zv_frame_t::assign(const void* bytes, std::uint32_t count) {
+  const auto* const first = static_cast<const unsigned char*>(bytes);
+  if (count != data.size()) {
+    data = count != 0 ? std::vector(first, first + count) : std::vector<unsigned char>{};
+  } else if (count != 0) {
+    std::memmove(data.data(), first, count);
+  }
+  return true;
 }
 
 extern "C" {
@@ -279,177 +295,8 @@ const char* zv_error_get_function(const zv_error* error) {
 const char* zv_error_get_args(const zv_error* error) { return error ? error->args.c_str() : nullptr; }
 int32_t zv_error_get_exception_type(const zv_error* error) { return error ? error->exception_type : 0; }
 
-int32_t zv_frame_get_type(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameTraits::type);
-}
-
-int32_t zv_frame_get_format(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameTraits::format);
-}
-
-void* zv_frame_get_data(const zv_frame_t* frame, zv_error** error) {
-  if (!Call(__func__, error).needs(frame, "frame") || devhost::data_hidden) return nullptr;
-  return const_cast<unsigned char*>(frame->data.data());
-}
-
-uint32_t zv_frame_get_data_size(const zv_frame_t* frame, zv_error** error) {
-  return Call(__func__, error).needs(frame, "frame") ? static_cast<uint32_t>(frame->data.size()) : 0;
-}
-
-void zv_frame_update_data(zv_frame_t* frame, const void* data, uint32_t size, zv_error** error) {
-  Call call(__func__, error);
-  if (!call.needs(frame, "frame") || (size != 0 && !call.needs(data, "data"))) return;
-  if (size != frame->data.size()) {
-    const auto* bytes = static_cast<const unsigned char*>(data);
-    frame->data = size != 0 ? std::vector(bytes, bytes + size) : std::vector<unsigned char>{};
-  } else if (size != 0) {
-    std::memmove(frame->data.data(), data, size);
-  }
-}
-
-bool zv_frame_has_metadata(const zv_frame_t* frame, int32_t item, zv_error** error) {
-  return Call(__func__, error).needs(frame, "frame") && frame->traits.metadata.contains(item);
-}
-
-int64_t zv_frame_get_metadata_value(const zv_frame_t* frame, int32_t item, zv_error** error) {
-  Call call(__func__, error);
-  if (!call.needs(frame, "frame")) return 0;
-  const auto found = frame->traits.metadata.find(item);
-  if (found != frame->traits.metadata.end()) return found->second;
-  call.fail("no such metadata", "item", ZV_EXCEPTION_INVALID_VALUE);
-  return 0;
-}
-
-void zv_frame_copy_info(const zv_frame_t* from, zv_frame_t* to, zv_error** error) {
-  if (Call(__func__, error).needs(from, "from").needs(to, "to")) to->copy_info(*from);
-}
-
-zv_frame_t* zv_create_frame(int32_t frame_type, int32_t format, uint32_t data_size, zv_error** error) {
-  Call call(__func__, error);
-  if (call && data_size > devhost::largest_frame) {
-    call.fail("too large", "data_size", ZV_EXCEPTION_INVALID_VALUE);
-  }
-  if (!call) return nullptr;
-  devhost::Frame frame(new zv_frame_t({.type = frame_type, .format = format}));
-  frame->data.resize(data_size);
-  return frame.release();
-}
-
-zv_frame_t* zv_create_frame_from_other_frame(const zv_frame_t* other, bool copy_data, zv_error** error) {
-  if (!Call(__func__, error).needs(other, "other")) return nullptr;
-  if (copy_data) return devhost::copy_of(*other);
-  devhost::Frame frame(new zv_frame_t({.type = other->traits.type}));
-  frame->copy_info(*other);
-  frame->data.resize(other->data.size(), 0xA5);  // unspecified, and not by chance right
-  return frame.release();
-}
-
-void zv_delete_frame(const zv_frame_t* frame, zv_error** error) {
-  static_cast<void>(Call(__func__, error).needs(frame, "frame"));
-  devhost::drop(frame);
-}
-
-zv_frame_t* zv_frameset_get_depth_frame(const zv_frame_t* set, zv_error** error) {
-  return Call(__func__, error).needs(set, "set") ? set->depth.get() : nullptr;
-}
-
-void zv_frameset_push_frame(zv_frame_t* set, const zv_frame_t* frame, zv_error** error) {
-  if (Call(__func__, error).needs(set, "set").needs(frame, "frame")) {
-    set->depth.reset(const_cast<zv_frame_t*>(frame));
-  }
-}
-
-zv_stream_profile_t* zv_frame_get_stream_profile(const zv_frame_t* frame, zv_error** error) {
-  Call call(__func__, error);
-  if (!call.needs(frame, "frame").needs(frame != nullptr ? frame->profile.get() : nullptr, "profile")) {
-    return nullptr;
-  }
-  return share(frame->profile.get());
-}
-
-void zv_frame_set_stream_profile(zv_frame_t* frame, const zv_stream_profile_t* profile,
-                                 zv_error** error) {
-  if (!Call(__func__, error).needs(frame, "frame").needs(profile, "profile")) return;
-  frame->profile.reset(share(profile));
-  frame->traits.width = profile->traits.width;
-  frame->traits.height = profile->traits.height;
-}
-
-uint32_t zv_video_frame_get_width(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameTraits::width);
-}
-
-uint32_t zv_video_frame_get_height(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameTraits::height);
-}
-
-int32_t zv_video_frame_get_pixel_type(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameTraits::pixel_type);
-}
-
-void zv_video_frame_set_pixel_type(zv_frame_t* frame, int32_t pixel_type, zv_error** error) {
-  devhost::write(__func__, frame, error, &FrameTraits::pixel_type, pixel_type);
-}
-
-uint8_t zv_video_frame_get_pixel_available_bit_size(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameTraits::bits);
-}
-
-void zv_video_frame_set_pixel_available_bit_size(zv_frame_t* frame, uint8_t bits, zv_error** error) {
-  devhost::write(__func__, frame, error, &FrameTraits::bits, bits);
-}
-
-float zv_depth_frame_get_value_scale(const zv_frame_t* frame, zv_error** error) {
-  return devhost::read(__func__, frame, error, &FrameTraits::value_scale);
-}
-
-void zv_depth_frame_set_value_scale(zv_frame_t* frame, float value_scale, zv_error** error) {
-  devhost::write(__func__, frame, error, &FrameTraits::value_scale, value_scale);
-}
-
-zv_stream_profile_t* zv_create_stream_profile_from_other_stream_profile(const zv_stream_profile_t* other,
-                                                                        zv_error** error) {
-  return Call(__func__, error).needs(other, "other") ? new zv_stream_profile_t(other->traits) : nullptr;
-}
-
-void zv_delete_stream_profile(const zv_stream_profile_t* profile, zv_error** error) {
-  static_cast<void>(Call(__func__, error).needs(profile, "profile"));
-  devhost::drop(profile);
-}
-
-int32_t zv_stream_profile_get_format(const zv_stream_profile_t* profile, zv_error** error) {
-  return devhost::read(__func__, profile, error, &ProfileTraits::format);
-}
-
-uint32_t zv_video_stream_profile_get_width(const zv_stream_profile_t* profile, zv_error** error) {
-  return devhost::read(__func__, profile, error, &ProfileTraits::width);
-}
-
-uint32_t zv_video_stream_profile_get_height(const zv_stream_profile_t* profile, zv_error** error) {
-  return devhost::read(__func__, profile, error, &ProfileTraits::height);
-}
-
-void zv_video_stream_profile_set_width(zv_stream_profile_t* profile, uint32_t width, zv_error** error) {
-  devhost::write(__func__, profile, error, &ProfileTraits::width, width);
-}
-
-void zv_video_stream_profile_set_height(zv_stream_profile_t* profile, uint32_t height, zv_error** error) {
-  devhost::write(__func__, profile, error, &ProfileTraits::height, height);
-}
-
-ZVCameraIntrinsic zv_video_stream_profile_get_intrinsic(const zv_stream_profile_t* profile,
-                                                        zv_error** error) {
-  return devhost::read(__func__, profile, error, &ProfileTraits::intrinsic);
-}
-
-void zv_video_stream_profile_set_intrinsic(zv_stream_profile_t* profile, ZVCameraIntrinsic intrinsic,
-                                           zv_error** error) {
-  devhost::write(__func__, profile, error, &ProfileTraits::intrinsic, intrinsic);
-}
-
-ZVDisparityParam zv_disparity_based_stream_profile_get_disparity_param(const zv_stream_profile_t* profile,
-                                                                       zv_error** error) {
-  return devhost::read(__func__, profile, error, &ProfileTraits::disparity);
-}
-
 }  // extern "C"
+
+namespace host = devhost;
+
+#include "host_functions.inc"

@@ -8,15 +8,18 @@
 #define FILTERPROCESSOR_HOST_DEV_HOST_H
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "filterprocessor/host.h"
+#include "frame_traits.h"
 
 namespace devhost {
+
+using hosts::FrameTraits;
+using hosts::ProfileTraits;
 
 struct Release {
   void operator()(zv_frame_t* frame) const;
@@ -25,29 +28,6 @@ struct Release {
 /// One reference to a frame or profile.
 using Frame = std::unique_ptr<zv_frame_t, Release>;
 using Profile = std::unique_ptr<zv_stream_profile_t, Release>;
-
-struct ProfileTraits {
-  std::int32_t format = 0;
-  std::uint32_t width = 0;
-  std::uint32_t height = 0;
-  ZVCameraIntrinsic intrinsic = {};
-  ZVDisparityParam disparity = {};
-};
-
-/// What a frame is made of. Its profile has the same size and format.
-struct FrameTraits {
-  std::int32_t type = ZV_FRAME_TYPE_DEPTH;
-  std::int32_t format = 0;
-  std::uint32_t width = 0;
-  std::uint32_t height = 0;
-  std::int32_t pixel_type = ZV_PIXEL_TYPE_DEPTH;
-  std::uint8_t bits = 16;
-  float value_scale = 1.0f;
-  std::map<std::int32_t, std::int64_t> metadata = {};
-  std::vector<std::uint16_t> pixels = {};  ///< may be fewer or more than width x height
-  ZVDisparityParam disparity = {};         ///< of the profile
-  ZVCameraIntrinsic intrinsic = {};        ///< of the profile
-};
 
 Frame make_frame(const FrameTraits& traits);
 Profile make_profile(const ProfileTraits& traits);

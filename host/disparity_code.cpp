@@ -39,4 +39,10 @@ std::uint16_t DisparityCode::operator()(double disparity) const {
   return static_cast<std::uint16_t>(signed_ ? code & 0x3FFF : code);
 }
 
+double DisparityCode::disparity(std::uint16_t code) const {
+  const std::int32_t low = code & 0x3FFF;
+  const std::int32_t step = !signed_ ? code : low < ZV_DISPARITY_UNMATCHED_SIGNED ? low : low - 0x4000;
+  return at_zero_ + step / steps_per_pixel_;
+}
+
 }  // namespace devhost

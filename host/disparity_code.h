@@ -24,6 +24,8 @@ class DisparityCode {
 
   /// The code of disparity P > 0, or invalid() where the record has none.
   std::uint16_t operator()(double disparity) const;
+  /// What a code that is not invalid() stands for.
+  double disparity(std::uint16_t code) const;
   std::uint16_t invalid() const { return invalid_; }
 
  private:

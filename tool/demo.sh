@@ -15,8 +15,14 @@ echo
 "$tool" run -f DisparityTransform: -f NoiseRemovalFilter:min_diff=64 -f EdgeNoiseRemovalFilter:enable_vertical_direction=1 \
   -f SpatialAdvancedFilter: -f TemporalFilter: -f HoleFillingFilter:hole_filling_mode=1 \
   -f DepthResize:dst_width=320,dst_height=200,scale=0.5 \
-  "camera:frames=$frames,size=640x400" -o "$folder" --preview
+  "camera:frames=$frames,size=640x400" -o "$folder" --preview --overwrite --report "$folder/report.html"
 echo
-echo "Pictures: disparity on the left, half-size depth on the right, near in blue and far in red, each in its own range:"
+echo "What each step does, to look at in a browser:"
+echo "  $folder/report.html"
+echo "Pictures: disparity on the left, half-size depth on the right, in colours from near to far with their legends:"
 echo "  $folder/disparity_0000_preview.png to $folder/disparity_$(printf %04d $((frames - 1)))_preview.png"
 echo "The depth images themselves (16 bits, millimetres) lie beside them without \"_preview\"."
+echo
+echo "The tool is $tool; it runs from where it is. To install it with the library:"
+echo "  cmake --install $(dirname "$(dirname "$tool")") --prefix /usr/local"
+echo "$tool help and $tool presets say what it can do."

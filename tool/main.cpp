@@ -1,5 +1,6 @@
 #include <exception>
 #include <iostream>
+#include <malloc.h>
 #include <new>
 
 #include <CLI/CLI.hpp>
@@ -7,31 +8,37 @@
 #include "commands.h"
 #include "kit/common/error.h"
 #include "kit/common/suggestions.h"
+#include "kit/plugin/plugin.h"
+#include "run_report.h"
 
 namespace {
 
 // Exit statuses.
-constexpr int kRun = 1;    // something went wrong while doing what was asked
-constexpr int kUsage = 2;  // what was asked makes no sense
+constexpr int kRun = 1;        // something went wrong while doing what was asked
+constexpr int kUsage = 2;      // what was asked makes no sense
+constexpr int kStopped = 130;  // as a shell says it of a program that a signal ended
 
 struct Arguments {
   std::optional<std::string> plugin;
   bool json = false;
   std::string filter;
+  std::string preset;
   zvfilter::RunOptions run;
   zvfilter::CameraCommandOptions camera;
+  std::vector<std::string> chains;
+  zvfilter::ChainConvertOptions convert;
 };
 
-kit::Plugin open_plugin(const std::optional<std::string>& file) {
-  if (file) return kit::Plugin(*file);
+kit::FilterLibrary open_plugin(const std::optional<std::string>& file) {
+  if (file) return kit::load_plugin(*file);
   const auto own = [] {
     try {
-      return kit::Plugin::default_file();
+      return kit::default_plugin_file();
     } catch (const kit::Error& problem) {
       kit::fail(problem.what(), "; name one with --plugin PATH");
     }
   };
-  return kit::Plugin(own());
+  return kit::load_plugin(own());
 }
 
 /// Says what the command line should have been.
@@ -40,7 +47,8 @@ kit::Plugin open_plugin(const std::optional<std::string>& file) {
     const std::string unknown = app.remaining().front();
     const bool option = unknown.starts_with('-');
     const std::vector<std::string> options = {"--help", "--version", "--plugin"};
-    const std::vector<std::string> commands = {"list", "schema", "run", "camera"};
+    const std::vector<std::string> commands = {"list", "help",  "presets", "schema",
+                                               "run",  "bench", "chain",   "camera"};
     kit::refuse(option ? "unknown option " : "unknown command ", unknown, "; ",
                 kit::suggest(unknown, option ? options : commands));
   }
@@ -62,10 +70,32 @@ int run_program(int argc, char** argv) {
   app.fallthrough();
   CLI::App* list = app.add_subcommand("list", "List the filters and their parameters");
   list->add_flag("--json", arguments.json, "As JSON");
+  CLI::App* help =
+      app.add_subcommand("help", "Say what a filter does, when to use it and what its parameters mean");
+  help->add_option("FILTER", arguments.filter, "The filter; without it all of them, in a line each")
+      ->type_name("");
+  CLI::App* presets = app.add_subcommand("presets", "List the chains for common purposes, or print one");
+  presets->add_option("NAME", arguments.preset, "The preset to print, as a chain file")->type_name("");
   CLI::App* schema = app.add_subcommand("schema", "Print a filter's configuration schema as it is");
   schema->add_option("NAME", arguments.filter, "The filter")->required()->type_name("");
   CLI::App* run = app.add_subcommand("run", "Run a chain of filters on a sequence of images");
   zvfilter::describe_run(*run, arguments.run);
+  CLI::App* bench = app.add_subcommand("bench", "Measure how many frames a second a run makes");
+  zvfilter::describe_bench(*bench, arguments.run);
+  CLI::App* chain = app.add_subcommand("chain", "Check, show and convert chains of filters");
+  chain->require_subcommand(1);
+  CLI::App* check = chain->add_subcommand("check", "Say what is wrong with chains");
+  check->add_option("CHAIN", arguments.chains, "Chain files or texts of steps")
+      ->required()
+      ->type_name("");
+  CLI::App* show = chain->add_subcommand("show", "Print the steps of a chain with all their values");
+  show->add_option("CHAIN", arguments.convert.source, "A chain file or the text of steps")
+      ->required()
+      ->type_name("");
+  CLI::App* convert =
+      chain->add_subcommand("convert", "Turn a chain into a chain file or the text of its steps");
+  zvfilter::describe_chain_convert(*convert, arguments.convert);
+  const CLI::App* chain_schema = chain->add_subcommand("schema", "Print the JSON Schema of chain files");
   CLI::App* camera = app.add_subcommand("camera",
                                         "Write disparity frames of a virtual stereo camera, its "
                                         "parameters (camera.json) and the true depth in "
@@ -87,10 +117,25 @@ int run_program(int argc, char** argv) {
   }
   if (list->parsed()) {
     zvfilter::list_command(open_plugin(arguments.plugin), arguments.json, std::cout);
+  } else if (help->parsed()) {
+    zvfilter::help_command(open_plugin(arguments.plugin), arguments.filter, std::cout);
+  } else if (presets->parsed()) {
+    zvfilter::presets_command(arguments.preset, std::cout);
   } else if (schema->parsed()) {
     zvfilter::schema_command(open_plugin(arguments.plugin), arguments.filter, std::cout);
   } else if (run->parsed()) {
+    arguments.run.report.command = zvfilter::command_text({argv, argv + argc});
     zvfilter::run_command(open_plugin(arguments.plugin), arguments.run, std::cout, std::cerr);
+  } else if (bench->parsed()) {
+    zvfilter::bench_command(open_plugin(arguments.plugin), arguments.run, std::cout);
+  } else if (check->parsed()) {
+    zvfilter::chain_check_command(open_plugin(arguments.plugin), arguments.chains, std::cout);
+  } else if (show->parsed()) {
+    zvfilter::chain_show_command(open_plugin(arguments.plugin), arguments.convert.source, std::cout);
+  } else if (convert->parsed()) {
+    zvfilter::chain_convert_command(open_plugin(arguments.plugin), arguments.convert, std::cout);
+  } else if (chain_schema->parsed()) {
+    zvfilter::chain_schema_command(open_plugin(arguments.plugin), std::cout);
   } else {
     zvfilter::camera_command(arguments.camera, std::cout);
   }
@@ -99,14 +144,25 @@ int run_program(int argc, char** argv) {
   return 0;
 }
 
+/// Memory of one frame serves the next: it is neither given back nor taken anew, page by page.
+void keep_memory() {
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);  // the most that is taken
+  mallopt(M_TRIM_THRESHOLD, 1 << 30);
+  mallopt(M_TOP_PAD, 16 << 20);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  keep_memory();
   try {
     return run_program(argc, argv);
   } catch (const kit::Error& problem) {
     std::cerr << "zvfilter: " << problem.what() << '\n';
     if (problem.kind() == kit::Error::Kind::bad_request) return kUsage;
+  } catch (const zvfilter::Stopped& end) {
+    std::cerr << "zvfilter: " << end.what() << '\n';
+    return kStopped;
   } catch (const std::bad_alloc&) {
     std::cerr << "zvfilter: out of memory\n";
   } catch (const std::exception& problem) {

@@ -1,14 +1,11 @@
 #include "outputs.h"
 
-#include <map>
-#include <string>
-#include <utility>
+#include <algorithm>
 
 #include <sys/stat.h>
 
 #include "kit/common/error.h"
 #include "kit/image/image_files.h"
-#include "preview.h"
 
 namespace zvfilter {
 
@@ -16,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using FileIdentity = std::pair<dev_t, ino_t>;
+using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
 
 std::optional<FileIdentity> identity(const fs::path& file) {
   struct stat status {};
@@ -24,25 +21,37 @@ std::optional<FileIdentity> identity(const fs::path& file) {
   return FileIdentity(status.st_dev, status.st_ino);
 }
 
+/// A folder in the way is for the writer to complain of.
+bool is_result(const fs::path& file) {
+  std::error_code none;
+  const fs::file_status status = fs::symlink_status(file, none);
+  return fs::exists(status) && !fs::is_directory(status);
+}
+
 }  // namespace
 
-std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const OutputSettings& settings) {
-  if (settings.folder.empty()) kit::refuse("the folder for the results has no name");
-  std::map<FileIdentity, std::string> inputs;
+void InputFiles::add(const kit::FrameSource& source) {
   for (const kit::FrameName& name : source.names) {
     for (const fs::path& file : name.files) {
-      if (const auto known = identity(file)) inputs[*known] = file.string();
+      if (const auto known = identity(file)) names_[*known] = file.string();
     }
   }
+}
 
+std::string InputFiles::find(const fs::path& file) const {
+  const auto known = identity(file);
+  const auto found = known ? names_.find(*known) : names_.end();
+  return found != names_.end() ? found->second : "";
+}
+
+std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const InputFiles& inputs,
+                                      const OutputSettings& settings) {
   std::map<fs::path, std::string> planned;
   const auto plan = [&](const fs::path& file, const std::string& label) {
     const auto [other, fresh] = planned.emplace(file, label);
     if (!fresh) kit::refuse(other->second, " and ", label, " would both be written to ", file.string());
-    const auto existing = identity(file);
-    if (existing && inputs.contains(*existing)) {
-      kit::refuse(file.string(), " would replace the input ", inputs[*existing],
-                  "; choose another folder or format");
+    if (const std::string input = inputs.find(file); !input.empty()) {
+      kit::refuse(file.string(), " would replace the input ", input, "; choose another folder or format");
     }
   };
   std::vector<OutputFiles> outputs;
@@ -63,12 +72,41 @@ std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const Outp
   return outputs;
 }
 
-void write_results(const OutputFiles& files, const kit::Frame& before, const kit::Frame& after,
+bool exist(const OutputFiles& files) {
+  return is_result(files.image) && (files.preview.empty() || is_result(files.preview));
+}
+
+void expect_none(const std::vector<OutputFiles>& outputs) {
+  for (const OutputFiles& files : outputs) {
+    for (const fs::path* file : {&files.image, &files.preview}) {
+      if (file->empty() || !is_result(*file)) continue;
+      kit::refuse(file->string(),
+                  ": is there already; --overwrite replaces it, --resume goes on after it");
+    }
+  }
+}
+
+void remove_results(const OutputFiles& files) {
+  for (const fs::path* file : {&files.image, &files.preview}) {
+    std::error_code none;
+    if (!file->empty() && is_result(*file)) fs::remove(*file, none);
+  }
+}
+
+kit::Bytes encode_result(const OutputFiles& files, const OutputSettings& settings,
+                         const kit::FrameView& frame) {
+  const kit::ImageView image = kit::image_of(frame);
+  if (files.format->name == "png") return kit::encode_png(image, settings.compression);
+  return files.format->encode(image);
+}
+
+void write_results(const OutputFiles& files, const OutputSettings& settings, const Preview& preview,
+                   const PictureScale& scale, const kit::FrameView& before, const kit::FrameView& after,
                    kit::Durability durability) {
   kit::Bytes image, picture;
   try {
-    image = files.format->encode(kit::image_of(after));
-    if (!files.preview.empty()) picture = kit::encode_png(preview(before, after));
+    image = encode_result(files, settings, after);
+    if (!files.preview.empty()) picture = kit::encode_png(preview.draw(scale, before, after));
   } catch (const kit::Error& problem) {
     kit::fail(files.image.string(), ": ", problem.what());
   }

@@ -1,14 +1,44 @@
 #ifndef ZVFILTER_PREVIEW_H
 #define ZVFILTER_PREVIEW_H
 
+#include <optional>
+
 #include "kit/frame/frame.h"
+#include "kit/frame/frame_colors.h"
 
 namespace zvfilter {
 
-/// Both frames side by side in colours from near to far. Their range is that of both frames, or each
-/// frame's own where their pixel types differ; it leaves out the nearest and the farthest fiftieth of the
-/// valid pixels. Invalid pixels and what neither frame covers are black.
-kit::ColorImage preview(const kit::Frame& before, const kit::Frame& after);
+struct PreviewSettings {
+  kit::ColorMap colors = kit::ColorMap::turbo;
+  std::optional<kit::DepthRange> range;  ///< nothing: that of the first frame
+};
+
+struct PictureScale {
+  kit::DepthRange range;
+  double change_limit;  ///< millimetres
+};
+
+/// Pictures of the frames of a sequence: before, after and, where the size stays, the change, side by side with their legends
+/// in millimetres.
+///
+/// All pictures have one range, so that they can be compared and played: it is that of the first frame with valid pixels,
+/// before and after together. One pass over the sequence is enough for it, and a frame's picture doesn't depend on those that
+/// come later.
+class Preview {
+ public:
+  explicit Preview(const PreviewSettings& settings);
+
+  /// What the next frame of the sequence is drawn with.
+  PictureScale scale_of(const kit::FrameView& before, const kit::FrameView& after);
+  /// Any thread.
+  kit::ColorImage draw(const PictureScale& scale, const kit::FrameView& before,
+                       const kit::FrameView& after) const;
+
+ private:
+  kit::ColorMap colors_;
+  std::optional<kit::DepthRange> range_;
+  double change_limit_ = 0;  // 0: not known yet
+};
 
 }  // namespace zvfilter
 

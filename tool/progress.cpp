@@ -15,11 +15,17 @@ void Progress::clear() {
 }
 
 void Progress::show(std::size_t done) {
-  if (!visible_) return;
-  constexpr std::size_t width = 40;
+  const Clock::time_point now = Clock::now();
+  constexpr std::chrono::milliseconds pause(50);  // a terminal is slower than the filters
+  if (!visible_ || (now - shown_ < pause && done < total_)) return;
+  shown_ = now;
+  constexpr std::size_t width = 30;
   const std::size_t filled = width * done / total_;
   const std::string bar = std::string(filled, '#') + std::string(width - filled, '.');
-  std::fprintf(stderr, "\r[%s] %zu/%zu", bar.c_str(), done, total_);
+  const double rate = static_cast<double>(done) / std::chrono::duration<double>(now - start_).count();
+  const auto left = static_cast<unsigned long>(static_cast<double>(total_ - done) / rate + 0.5);
+  std::fprintf(stderr, "\r[%s] %zu/%zu  %.1f/s  %lu:%02lu left\x1b[K", bar.c_str(), done, total_, rate,
+               left / 60, left % 60);
 }
 
 }  // namespace zvfilter

@@ -1,11 +1,12 @@
 #ifndef ZVFILTER_PROGRESS_H
 #define ZVFILTER_PROGRESS_H
 
+#include <chrono>
 #include <cstddef>
 
 namespace zvfilter {
 
-/// A bar on standard error, when that is a terminal; it leaves with the object.
+/// A bar on standard error with the rate and the time left, when that is a terminal; it leaves with the object.
 class Progress {
  public:
   explicit Progress(std::size_t total);
@@ -16,8 +17,12 @@ class Progress {
   void clear();
 
  private:
+  using Clock = std::chrono::steady_clock;
+
   std::size_t total_;
   bool visible_;
+  Clock::time_point start_ = Clock::now();
+  Clock::time_point shown_ = {};
 };
 
 }  // namespace zvfilter

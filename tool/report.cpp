@@ -56,13 +56,29 @@ void print_accuracy(const kit::ChainResults& results, std::ostream& out) {
   print_table(rows, out);
 }
 
+void print_steadiness(const kit::Steadiness& steadiness, std::ostream& out) {
+  Rows rows = {{"at rest", "pixels used", "flicker mm", "noise mm"}};
+  const auto add = [&](const char* name, const kit::SteadinessSummary& side) {
+    rows.push_back({name, per_cent(side.used), rounded(side.flicker, 1), rounded(side.noise, 1)});
+  };
+  add("before", steadiness.before());
+  add("after", steadiness.after());
+  print_table(rows, out);
+}
+
 }  // namespace
 
-void print_results(const kit::ChainResults& results, std::ostream& out) {
+void print_results(const kit::ChainResults& results, const kit::Steadiness* steadiness,
+                   std::ostream& out) {
   print_statistics(results.filters, out);
-  if (results.accuracy.empty()) return;
-  out << '\n';
-  print_accuracy(results, out);
+  if (!results.accuracy.empty()) {
+    out << '\n';
+    print_accuracy(results, out);
+  }
+  if (steadiness != nullptr && steadiness->before().used) {
+    out << '\n';
+    print_steadiness(*steadiness, out);
+  }
 }
 
 }  // namespace zvfilter

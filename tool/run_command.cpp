@@ -1,87 +1,287 @@
 #include <algorithm>
+#include <atomic>
+#include <deque>
+#include <exception>
+#include <mutex>
 #include <ostream>
+#include <set>
+#include <sstream>
 
 #include "commands.h"
+#include "effect_notes.h"
+#include "interruption.h"
 #include "kit/common/error.h"
-#include "kit/image/image_files.h"
+#include "kit/filter/filter_behaviour.h"
 #include "kit/pipeline/sequence.h"
-#include "kit/plugin/filter_behaviour.h"
+#include "kit/pipeline/workers.h"
 #include "progress.h"
 #include "report.h"
+#include "run_record.h"
+#include "run_report.h"
+#include "run_setup.h"
+#include "streamed_run.h"
 
 namespace zvfilter {
 
 namespace {
 
-using Paths = std::vector<std::filesystem::path>;
+/// One sequence at work.
+struct Run {
+  Run(const kit::FilterLibrary& library, const kit::Chain& chain, const PreviewSettings& pictures,
+      Sequence&& opened, std::string record_text)
+      : sequence(std::move(opened)),
+        record(std::move(record_text)),
+        pipeline(library, chain),
+        results(chain),
+        effects(pipeline.chain(), said),
+        preview(pictures),
+        scales(sequence.outputs.size()),
+        present(sequence.outputs.size()) {}
 
-void check_size(const std::optional<kit::Size>& size, const Paths& files, const Paths& truth) {
-  const auto is_raw = [](const std::filesystem::path& file) { return kit::codec_of(file)->needs_size; };
-  for (const Paths* paths : {&files, &truth}) {
-    const auto raw = std::find_if(paths->begin(), paths->end(), is_raw);
-    if (raw == paths->end()) continue;
-    if (size) return;
-    kit::refuse(raw->string(), ": a raw file does not say its size; give it with --size WxH");
+  /// Leaves out the frames that need not be filtered because their results are there.
+  void resume(bool has_history);
+  /// Says in the results' folder what makes them, before the first of them comes.
+  void begin_results();
+
+  Sequence sequence;
+  std::string record;
+  kit::Pipeline pipeline;
+  kit::ChainResults results;
+  std::ostringstream said;  // of the effects, until the other runs are done
+  EffectNotes effects;
+  kit::Steadiness steadiness;
+  std::optional<RunReport> page;
+  Preview preview;
+  std::vector<PictureScale> scales;  // of the pictures
+  std::vector<bool> present;         // results of an earlier run
+  std::once_flag begun;
+  std::vector<std::string> problems;  // of frames that failed and were passed over
+  std::exception_ptr failure;         // that ended it
+};
+
+void Run::resume(bool has_history) {
+  for (std::size_t i = 0; i < present.size(); ++i) present[i] = exist(sequence.outputs[i]);
+  std::vector<std::size_t> kept;
+  const auto last_missing = std::find(present.rbegin(), present.rend(), false);
+  const auto needed = static_cast<std::size_t>(present.rend() - last_missing);
+  for (std::size_t i = 0; i < needed; ++i) {
+    if (has_history || !present[i]) kept.push_back(i);
   }
-  if (!size) return;
-  kit::refuse("--size ", size->width, 'x', size->height,
-              ": is for raw files, and there is none; the others say their size");
+  kit::FrameSource source;
+  std::vector<OutputFiles> outputs;
+  std::vector<bool> still_present;
+  for (const std::size_t i : kept) {
+    source.names.push_back(sequence.source.names[i]);
+    outputs.push_back(sequence.outputs[i]);
+    still_present.push_back(present[i]);
+  }
+  source.load = [load = sequence.source.load, kept](std::size_t index) { return load(kept[index]); };
+  sequence.source = std::move(source);
+  sequence.outputs = std::move(outputs);
+  present = std::move(still_present);
 }
 
-kit::FrameSource open_source(const RunOptions& options) {
-  if (options.camera_input) {
-    const std::string& input = options.inputs.front();
-    if (options.truth) kit::refuse("--truth is for files; ", input, " brings its own");
-    if (options.size) kit::refuse("--size is for raw files; ", input, " takes its own: camera:size=WxH");
-    return kit::camera_source(*options.camera_input, options.attributes);
-  }
-  const Paths truth = options.truth ? kit::collect_images({*options.truth}) : Paths{};
-  const Paths files = kit::collect_images(options.inputs);
-  check_size(options.size, files, truth);
-  return kit::file_source(files, truth, options.size.value_or(kit::Size{}), options.attributes);
-}
-
-void note_nominal_camera(const RunOptions& options, std::ostream& notes) {
-  const kit::FrameAttributes& attributes = options.attributes;
-  const std::int32_t pixel_type = attributes.pixel_type.value_or(ZV_PIXEL_TYPE_DEPTH);
-  const bool needed = std::any_of(options.chain.begin(), options.chain.end(), [&](const kit::Step& step) {
-    return kit::uses_geometry(step.filter, pixel_type);
+void Run::begin_results() {
+  std::call_once(begun, [&] {
+    kit::make_folder(sequence.folder);
+    // Results of one folder are those of one run.
+    for (std::size_t i = 0; i < present.size(); ++i) {
+      if (!present[i]) remove_results(sequence.outputs[i]);
+    }
+    const kit::Bytes text(record.begin(), record.end());
+    kit::write_whole(sequence.folder / kRecordFile, text, kit::Durability::buffered);
   });
-  if (!needed || attributes.camera || (attributes.baseline && attributes.fx)) return;
-  using Nominal = kit::FrameAttributes;
-  const int fraction_bits = std::max(attributes.bits.value_or(16) - Nominal::kDisparityIntegerBits, 0);
-  notes << "zvfilter: note: the files carry no stereo geometry; assuming a nominal camera with ";
-  if (!attributes.baseline) notes << "baseline " << Nominal::kNominalBaseline << " mm, ";
-  if (!attributes.fx) notes << "fx " << Nominal::kNominalFocalPerWidth << " times the width, ";
-  notes << fraction_bits << " fraction bits (--baseline, --fx and --bits set them)\n";
+}
+
+/// The runs of all sequences, side by side.
+class Runs {
+ public:
+  Runs(const kit::FilterLibrary& library, const kit::Chain& chain, const RunOptions& options,
+       std::vector<Sequence> sequences);
+
+  void work();
+  /// Says what was done and how it went.
+  void report(std::ostream& out, std::ostream& notes) const;
+
+ private:
+  void work(std::size_t number, std::size_t frames_in_flight);
+  kit::SequenceVisitor visitor(Run& run);
+  void say_effects(std::ostream& notes) const;
+  void count_done(const Run& run, std::size_t index);
+
+  const RunOptions& options_;
+  std::deque<Run> runs_;
+  std::size_t total_ = 0;     // frames of all sequences
+  std::size_t to_write_ = 0;  // those without a result
+  std::mutex mutex_;          // of what follows
+  std::size_t passed_ = 0, written_ = 0;
+  std::atomic<std::size_t> first_failed_ = SIZE_MAX;
+  std::atomic<bool> stopped_ = false;
+  std::optional<Progress> progress_;
+};
+
+Runs::Runs(const kit::FilterLibrary& library, const kit::Chain& chain, const RunOptions& options,
+           std::vector<Sequence> sequences)
+    : options_(options) {
+  const bool has_history = std::any_of(
+      chain.begin(), chain.end(), [](const kit::Step& step) { return kit::has_history(step.filter); });
+  for (Sequence& sequence : sequences) {
+    std::string record = run_record(options, chain, sequence);
+    if (options.existing == Existing::refuse) expect_none(sequence.outputs);
+    total_ += sequence.outputs.size();
+    const bool begun = std::any_of(sequence.outputs.begin(), sequence.outputs.end(), exist);
+    if (options.existing == Existing::resume && begun) expect_same_run(sequence.folder, record);
+    Run& run = runs_.emplace_back(library, chain, options.output.preview_settings, std::move(sequence),
+                                  std::move(record));
+    if (options.existing == Existing::resume) run.resume(has_history);
+    if (!options.report.file.empty()) run.page.emplace(options, run.pipeline, run.sequence.source);
+    to_write_ += static_cast<std::size_t>(std::count(run.present.begin(), run.present.end(), false));
+  }
+}
+
+void Runs::work() {
+  const Interruption interruption;
+  const kit::Workers workers(options_.jobs);
+  std::size_t frames = 0;
+  for (const Run& run : runs_) frames += run.sequence.outputs.size();
+  progress_.emplace(frames);
+  // Enough that no thread waits for a frame, however the threads are shared.
+  const std::size_t sides = std::min(workers.threads(), runs_.size());
+  const std::size_t in_flight = workers.threads() == 1 ? 1 : 2 + 2 * workers.threads() / sides;
+  workers.for_each(runs_.size(), [&](std::size_t number) { work(number, in_flight); });
+  progress_->clear();
+}
+
+void Runs::work(std::size_t number, std::size_t frames_in_flight) {
+  Run& run = runs_[number];
+  kit::SequenceOptions options{options_.handover, frames_in_flight, {}};
+  // Which failure is reported must not depend on which came first: it is that of the first sequence.
+  options.stop = [&, number] {
+    if (Interruption::asked()) stopped_ = true;
+    return stopped_ || first_failed_ < number;
+  };
+  try {
+    kit::run_sequence(run.sequence.source, run.pipeline, options, visitor(run));
+    run.steadiness.finish();
+  } catch (...) {
+    run.failure = std::current_exception();
+    for (std::size_t first = first_failed_;
+         number < first && !first_failed_.compare_exchange_weak(first, number);) {
+    }
+  }
+}
+
+kit::SequenceVisitor Runs::visitor(Run& run) {
+  kit::SequenceVisitor visitor;
+  visitor.on_passage = [&run](const kit::SourceFrame& input, const kit::Passage& passage) {
+    run.results.add(passage, input.truth);
+    run.effects.add(passage);
+    if (run.page) run.page->add(passage);
+  };
+  visitor.on_filtered = [&](std::size_t index, const kit::SourceFrame& input,
+                            const kit::FrameView& result) {
+    run.steadiness.add(input.frame, result);
+    if (options_.output.preview) run.scales[index] = run.preview.scale_of(input.frame, result);
+    if (run.page) run.page->end_frame(index, input);
+  };
+  visitor.on_result = [&](std::size_t index, const kit::SourceFrame& input,
+                          const kit::FrameView& result) {
+    if (run.present[index]) return;
+    run.begin_results();
+    const bool sync = options_.output.sync || index + 1 == run.sequence.outputs.size();
+    write_results(run.sequence.outputs[index], options_.output, run.preview, run.scales[index],
+                  input.frame, result, sync ? kit::Durability::synced : kit::Durability::buffered);
+  };
+  visitor.on_done = [&](std::size_t index) { count_done(run, index); };
+  if (options_.keep_going) {
+    visitor.on_problem = [&run](const kit::Error& problem) { run.problems.emplace_back(problem.what()); };
+  }
+  return visitor;
+}
+
+void Runs::count_done(const Run& run, std::size_t index) {
+  const std::lock_guard lock(mutex_);
+  if (!run.present[index]) ++written_;
+  progress_->show(++passed_);
+}
+
+void Runs::say_effects(std::ostream& notes) const {
+  std::set<std::string> said;  // each line once, whichever sequence it is of
+  for (const Run& run : runs_) {
+    run.effects.print_exempt();
+    std::istringstream lines(run.said.str());
+    for (std::string line; std::getline(lines, line);) {
+      if (said.insert(line).second) notes << line << '\n';
+    }
+  }
+}
+
+void Runs::report(std::ostream& out, std::ostream& notes) const {
+  const std::string frames =
+      kit::concat(written_, " of ", to_write_, " frames written to ", options_.output.folder.string());
+  const std::size_t present = total_ - to_write_;
+  const std::string summary = present > 0 ? kit::concat(frames, "; ", present, " were there") : frames;
+  std::size_t problems = 0;
+  std::exception_ptr failure;
+  for (const Run& run : runs_) {
+    if (!failure) failure = run.failure;
+    problems += run.problems.size();
+    for (const std::string& problem : run.problems) notes << "zvfilter: " << problem << '\n';
+  }
+  say_effects(notes);
+  if (stopped_ && !failure) throw Stopped(kit::printable("stopped; " + summary));
+  if (!failure) {
+    for (const Run& run : runs_) {
+      if (run.page) run.page->write();
+      if (!run.sequence.name.empty()) out << kit::printable(run.sequence.name) << ":\n";
+      print_results(run.results, &run.steadiness, out);
+      if (!run.sequence.name.empty()) out << '\n';
+    }
+    if (runs_.size() > 1) {
+      kit::ChainResults all = runs_.front().results;
+      for (std::size_t i = 1; i < runs_.size(); ++i) all.add(runs_[i].results);
+      out << "all:\n";
+      print_results(all, nullptr, out);
+    }
+  }
+  out << kit::printable(summary) << '\n';
+  if (failure) std::rethrow_exception(failure);
+  if (problems > 0) kit::fail(problems, problems == 1 ? " frame" : " frames", " failed");
 }
 
 }  // namespace
 
-void run_command(const kit::Plugin& plugin, const RunOptions& options, std::ostream& out,
+void run_command(const kit::FilterLibrary& library, RunOptions options, std::ostream& out,
                  std::ostream& notes) {
-  const kit::FrameSource source = open_source(options);
-  const std::vector<OutputFiles> outputs = plan_outputs(source, options.output);
-  kit::Pipeline pipeline(plugin, options.chain, [&](const std::string& line) {
-    notes << "zvfilter: warning: " << kit::printable(line) << '\n';
+  const kit::Chain chain = open_chain(options);
+  if (is_standard_input(options)) {
+    kit::Pipeline pipeline(library, chain);
+    note_nominal_camera(options, chain, notes);
+    return run_standard_input(pipeline, options, out, notes);
+  }
+  std::vector<Sequence> sequences = open_sequences(options, notes);
+  const bool streamed = std::any_of(sequences.begin(), sequences.end(), [&](const Sequence& each) {
+    return is_streamed(each.source, options);
   });
-  if (!options.camera_input) note_nominal_camera(options, notes);
-
-  kit::ChainResults results(options.chain);
-  Progress progress(source.names.size());
-  kit::SequenceVisitor visitor;
-  visitor.on_stage = [&](const kit::SourceFrame& input, const kit::Stage& stage) {
-    results.add(stage, input.truth);
-  };
-  visitor.on_result = [&](std::size_t index, const kit::SourceFrame& input, const kit::Frame& result) {
-    const bool sync = options.output.sync || index + 1 == outputs.size();
-    write_results(outputs[index], input.frame, result,
-                  sync ? kit::Durability::synced : kit::Durability::buffered);
-    progress.show(index + 1);
-  };
-  kit::run_sequence(source, pipeline, options.handover, visitor);
-  progress.clear();
-  print_results(results, out);
+  if (streamed && sequences.size() > 1) {
+    kit::refuse(
+        "several folders are several sequences; a stream and stacks are one, run them one by one");
+  }
+  if (!options.camera_input) note_nominal_camera(options, chain, notes);
+  if (streamed && !options.report.file.empty()) {
+    kit::refuse("--report is for images in files of their own, not for streams and stacks");
+  }
+  if (streamed) {
+    kit::Pipeline pipeline(library, chain);
+    return run_streamed(pipeline, options, sequences.front().source, out, notes);
+  }
+  if (!options.report.file.empty() && sequences.size() > 1) {
+    kit::refuse("--report is about one sequence; several folders are several, run them one by one");
+  }
+  plan_sequences(sequences, options);
+  Runs runs(library, chain, options, std::move(sequences));
+  runs.work();
+  runs.report(out, notes);
 }
 
 }  // namespace zvfilter

@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <unistd.h>
-#include <utility>
 
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -23,21 +21,21 @@ namespace {
 [[noreturn]] void fail_system(const fs::path& file, const char* what) {
   fail(file.string(), ": ", what, ": ", std::strerror(errno));
 }
+[[noreturn]] void fail_to_write(const fs::path& file) { fail_system(file, "cannot be written"); }
 
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() { close(); }
-  explicit operator bool() const { return number_ >= 0; }
-  int get() const { return number_; }
-  int release() { return std::exchange(number_, -1); }
-  bool close() { return number_ < 0 || ::close(std::exchange(number_, -1)) == 0; }
-
- private:
-  int number_;
-};
+/// @return how many bytes there were: fewer than asked for only at the end, or -1
+ssize_t read_some(int descriptor, std::uint64_t offset, std::span<unsigned char> to) {
+  std::size_t done = 0;
+  while (done < to.size()) {
+    const ssize_t count =
+        ::pread(descriptor, to.data() + done, to.size() - done, static_cast<off_t>(offset + done));
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return -1;
+    if (count == 0) break;
+    done += static_cast<std::size_t>(count);
+  }
+  return static_cast<ssize_t>(done);
+}
 
 bool is_same_file(const fs::path& path, const Descriptor& descriptor) {
   struct stat named {
@@ -57,59 +55,6 @@ bool remove_leftover(const fs::path& path) {
   if (!leftover) return errno == ENOENT || (errno == ELOOP && ::unlink(path.c_str()) == 0);
   return lock(leftover) && (!is_same_file(path, leftover) || ::unlink(path.c_str()) == 0);
 }
-
-/// A new file that is removed unless it is given its final name.
-class PendingFile {
- public:
-  explicit PendingFile(const fs::path& file) : file_(file), descriptor_(create()) {}
-  PendingFile(const PendingFile&) = delete;
-  PendingFile& operator=(const PendingFile&) = delete;
-  ~PendingFile() {
-    if (!path_.empty()) ::unlink(path_.c_str());
-  }
-
-  void write(ByteView bytes) {
-    while (!bytes.empty()) {
-      const ssize_t count = ::write(descriptor_.get(), bytes.data(), bytes.size());
-      if (count < 0 && errno != EINTR) fail_to_write();
-      bytes = bytes.subspan(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    }
-  }
-  void sync() {
-    if (::fsync(descriptor_.get()) != 0) fail_to_write();
-  }
-  void publish() {
-    // Renamed before it is closed: the lock has to hold until then.
-    if (std::rename(path_.c_str(), file_.c_str()) != 0) fail_to_write();
-    path_.clear();
-    if (!descriptor_.close()) fail_to_write();
-  }
-
- private:
-  [[noreturn]] void fail_to_write() const { fail_system(file_, "cannot be written"); }
-
-  int create() {
-    constexpr int most_writers = 100;
-    for (int number = 0; number < most_writers;) {
-      const fs::path path =
-          file_.parent_path() / concat(".", file_.filename().string(), ".", number, ".tmp");
-      Descriptor made(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-      if (!made && errno != EEXIST) fail_to_write();
-      // Between being made and being locked it may have been taken for a leftover.
-      if (made && (lock(made) || errno != EWOULDBLOCK) && is_same_file(path, made)) {
-        path_ = path;
-        return made.release();
-      }
-      if (made || !remove_leftover(path)) ++number;
-    }
-    errno = EEXIST;
-    fail_to_write();
-  }
-
-  fs::path file_;
-  fs::path path_;
-  Descriptor descriptor_;
-};
 
 void sync_folder(const fs::path& folder) {
   const Descriptor descriptor(
@@ -155,12 +100,77 @@ Bytes read_whole(const fs::path& file, std::size_t most) {
   }
 }
 
+PendingFile::PendingFile(const fs::path& file) : file_(file), descriptor_(create()) {}
+
+PendingFile::~PendingFile() {
+  if (!path_.empty()) ::unlink(path_.c_str());
+}
+
+int PendingFile::create() {
+  constexpr int most_writers = 100;
+  for (int number = 0; number < most_writers;) {
+    const fs::path path =
+        file_.parent_path() / concat(".", file_.filename().string(), ".", number, ".tmp");
+    Descriptor made(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!made && errno != EEXIST) fail_to_write(file_);
+    // Between being made and being locked it may have been taken for a leftover.
+    if (made && (lock(made) || errno != EWOULDBLOCK) && is_same_file(path, made)) {
+      path_ = path;
+      return made.release();
+    }
+    if (made || !remove_leftover(path)) ++number;
+  }
+  errno = EEXIST;
+  fail_to_write(file_);
+}
+
+void PendingFile::write(ByteView bytes) { write_at(size_, bytes); }
+
+void PendingFile::write_at(std::uint64_t offset, ByteView bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count =
+        ::pwrite(descriptor_.get(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+    if (count < 0 && errno != EINTR) fail_to_write(file_);
+    const auto done = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    bytes = bytes.subspan(done);
+    offset += done;
+  }
+  size_ = std::max(size_, offset);
+}
+
+std::size_t PendingFile::read_at(std::uint64_t offset, std::span<unsigned char> to) const {
+  const ssize_t count = read_some(descriptor_.get(), offset, to);
+  if (count < 0) fail_system(file_, "cannot be read again");
+  return static_cast<std::size_t>(count);
+}
+
+void PendingFile::publish(Durability durability) {
+  if (durability == Durability::synced && ::fsync(descriptor_.get()) != 0) fail_to_write(file_);
+  // Renamed before it is closed: the lock has to hold until then.
+  if (std::rename(path_.c_str(), file_.c_str()) != 0) fail_to_write(file_);
+  path_.clear();
+  if (!descriptor_.close()) fail_to_write(file_);
+  if (durability == Durability::synced) sync_folder(file_.parent_path());
+}
+
+ReadableFile::ReadableFile(const fs::path& file)
+    : file_(file), descriptor_(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
+  struct stat status {};
+  if (!descriptor_ || ::fstat(descriptor_.get(), &status) != 0) fail_system(file, "cannot be read");
+  if (!S_ISREG(status.st_mode)) fail(file.string(), ": is no regular file");
+  size_ = static_cast<std::uint64_t>(status.st_size);
+}
+
+std::size_t ReadableFile::read_at(std::uint64_t offset, std::span<unsigned char> to) const {
+  const ssize_t count = read_some(descriptor_.get(), offset, to);
+  if (count < 0) fail_system(file_, "cannot be read");
+  return static_cast<std::size_t>(count);
+}
+
 void write_whole(const fs::path& file, ByteView bytes, Durability durability) {
   PendingFile pending(file);
   pending.write(bytes);
-  if (durability == Durability::synced) pending.sync();
-  pending.publish();
-  if (durability == Durability::synced) sync_folder(file.parent_path());
+  pending.publish(durability);
 }
 
 }  // namespace kit

@@ -1,9 +1,12 @@
 #ifndef KIT_COMMON_FILES_H
 #define KIT_COMMON_FILES_H
 
+#include <cstdint>
 #include <filesystem>
 #include <span>
 #include <vector>
+
+#include "kit/common/descriptor.h"
 
 namespace kit {
 
@@ -21,8 +24,47 @@ enum class Durability {
   synced,    ///< it is there when the call returns
 };
 
-/// Writes a file whole or not at all: into a file .NAME.NUMBER.tmp beside it, which then takes its name. What a
-/// writer that was killed left under such a name is replaced; one that still writes keeps its own.
+/// A file that comes whole or not at all: written as .NAME.NUMBER.tmp beside it, it takes its name when it is published and
+/// is removed when it never is. What a writer that was killed left under such a name is replaced; one that still writes
+/// keeps its own. All throw Error.
+class PendingFile {
+ public:
+  explicit PendingFile(const std::filesystem::path& file);
+  PendingFile(const PendingFile&) = delete;
+  PendingFile& operator=(const PendingFile&) = delete;
+  ~PendingFile();
+
+  std::uint64_t size() const { return size_; }
+  void write(ByteView bytes);  ///< at the end
+  void write_at(std::uint64_t offset, ByteView bytes);
+  /// @return how many bytes there were; fewer than asked for only at the end
+  std::size_t read_at(std::uint64_t offset, std::span<unsigned char> to) const;
+  void publish(Durability durability);
+
+ private:
+  int create();
+
+  std::filesystem::path file_;
+  std::filesystem::path path_;
+  Descriptor descriptor_;
+  std::uint64_t size_ = 0;
+};
+
+/// A regular file, of which any part may be read by any thread. Both throw Error.
+class ReadableFile {
+ public:
+  explicit ReadableFile(const std::filesystem::path& file);
+  std::uint64_t size() const { return size_; }
+  /// @return how many bytes there were; fewer than asked for only at the end
+  std::size_t read_at(std::uint64_t offset, std::span<unsigned char> to) const;
+
+ private:
+  std::filesystem::path file_;
+  Descriptor descriptor_;
+  std::uint64_t size_ = 0;
+};
+
+/// A file of these bytes, as a PendingFile.
 /// @throws Error
 void write_whole(const std::filesystem::path& file, ByteView bytes, Durability durability);
 

@@ -49,6 +49,12 @@ bool is_control(char32_t code) {
          in(0x2066, 0x2069);
 }
 
+template <typename Number>
+std::string shortest_text(Number number) {
+  char text[32];
+  return {text, std::to_chars(text, text + sizeof text, number).ptr};
+}
+
 }  // namespace
 
 std::string printable(std::string_view text) {
@@ -103,6 +109,9 @@ std::optional<std::int32_t> parse_integer(std::string_view text) {
 std::optional<std::uint64_t> parse_unsigned(std::string_view text) {
   return parse_whole<std::uint64_t>(text);
 }
+
+std::string number_text(double number) { return shortest_text(number); }
+std::string number_text(float number) { return shortest_text(number); }
 
 std::optional<double> parse_number(std::string_view text) {
   const auto value = parse_whole<double>(text);

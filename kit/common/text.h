@@ -2,6 +2,7 @@
 #define KIT_COMMON_TEXT_H
 
 #include <cstdint>
+#include <locale>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -10,10 +11,11 @@
 
 namespace kit {
 
-/// The parts as an output stream prints them, one after the other.
+/// The parts as an output stream prints them, one after the other, whatever locale the process has.
 template <typename... Parts>
 std::string concat(const Parts&... parts) {
   std::ostringstream stream;
+  stream.imbue(std::locale::classic());
   (stream << ... << parts);
   return stream.str();
 }
@@ -30,6 +32,9 @@ std::vector<std::string_view> split(std::string_view text, char separator);
 std::optional<std::int32_t> parse_integer(std::string_view text);
 /// As parse_integer(), from 0 up and of 64 bits.
 std::optional<std::uint64_t> parse_unsigned(std::string_view text);
+/// The shortest text that reads as just this number.
+std::string number_text(double number);
+std::string number_text(float number);
 /// A finite decimal number, or nothing.
 std::optional<double> parse_number(std::string_view text);
 

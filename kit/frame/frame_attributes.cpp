@@ -5,47 +5,38 @@
 
 namespace kit {
 
-namespace {
-
-/// Depth frames of 16 bits and millimetres, whose geometry is a guess.
-Frame nominal_camera(const Image& image, std::uint8_t bits) {
-  const double fx = FrameAttributes::kNominalFocalPerWidth * image.width;
-  const auto side = [](std::uint32_t pixels) {
-    return static_cast<std::int16_t>(std::min(pixels, std::uint32_t{INT16_MAX}));
-  };
-  Frame camera;
-  camera.bits = bits;
-  camera.intrinsic = {.fx = static_cast<float>(fx),
-                      .fy = static_cast<float>(fx),
-                      .cx = static_cast<float>(image.width) / 2,
-                      .cy = static_cast<float>(image.height) / 2,
-                      .width = side(image.width),
-                      .height = side(image.height)};
-  camera.disparity.baseline = static_cast<float>(FrameAttributes::kNominalBaseline);
-  camera.disparity.fx = fx;
-  camera.disparity.bitSize = bits;
-  camera.disparity.unit = 1;
-  camera.disparity.packMode = 2;
-  camera.disparity.dispIntPlace = std::min<int>(FrameAttributes::kDisparityIntegerBits, bits);
-  camera.disparity.isDualCamera = 1;
-  return camera;
+Input describe_input(const Size& size, const FrameAttributes& attributes) {
+  Input input = attributes.camera.value_or(Input());
+  hosts::FrameTraits& traits = input.traits;
+  traits.width = size.width;
+  traits.height = size.height;
+  if (attributes.value_scale) traits.value_scale = *attributes.value_scale;
+  if (attributes.bits) traits.bits = *attributes.bits;
+  if (attributes.pixel_type) traits.pixel_type = *attributes.pixel_type;
+  const double nominal_fx = FrameAttributes::kNominalFocalPerWidth * size.width;
+  if (!input.has_geometry) input.set_stereo(FrameAttributes::kNominalBaseline, nominal_fx);
+  if (attributes.bits) traits.disparity.bitSize = *attributes.bits;
+  if (attributes.baseline) traits.disparity.baseline = static_cast<float>(*attributes.baseline);
+  if (attributes.fx) traits.disparity.fx = *attributes.fx;
+  if (!input.has_intrinsics || attributes.fx) {
+    const auto fx = static_cast<float>(attributes.fx.value_or(nominal_fx));
+    traits.intrinsic.fx = traits.intrinsic.fy = fx;
+  }
+  if (!input.has_intrinsics) {
+    const auto side = [](std::uint32_t pixels) {
+      return static_cast<std::int16_t>(std::min(pixels, std::uint32_t{INT16_MAX}));
+    };
+    traits.intrinsic.cx = static_cast<float>(size.width) / 2;
+    traits.intrinsic.cy = static_cast<float>(size.height) / 2;
+    traits.intrinsic.width = side(size.width);
+    traits.intrinsic.height = side(size.height);
+  }
+  input.has_intrinsics = true;
+  return input;
 }
 
-}  // namespace
-
 Frame describe_frame(Image image, const FrameAttributes& attributes) {
-  Frame frame =
-      attributes.camera ? *attributes.camera : nominal_camera(image, attributes.bits.value_or(16));
-  if (attributes.value_scale) frame.value_scale = *attributes.value_scale;
-  if (attributes.bits) frame.bits = frame.disparity.bitSize = *attributes.bits;
-  if (attributes.pixel_type) frame.pixel_type = *attributes.pixel_type;
-  if (attributes.baseline) frame.disparity.baseline = static_cast<float>(*attributes.baseline);
-  if (attributes.fx) {
-    frame.disparity.fx = *attributes.fx;
-    frame.intrinsic.fx = frame.intrinsic.fy = static_cast<float>(*attributes.fx);
-  }
-  frame.width = image.width;
-  frame.height = image.height;
+  Frame frame = describe_input({image.width, image.height}, attributes).traits;
   frame.pixels = std::move(image.pixels);
   return frame;
 }

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "kit/frame/frame.h"
+#include "kit/input/input.h"
 
 namespace kit {
 
@@ -14,17 +15,21 @@ struct FrameAttributes {
   /// The camera that is assumed where the geometry is not given.
   static constexpr double kNominalBaseline = 50;        ///< millimetres
   static constexpr double kNominalFocalPerWidth = 0.7;  ///< focal length in pixels over the width
-  static constexpr int kDisparityIntegerBits = 8;
 
-  std::optional<Frame> camera;       ///< without pixels; nothing: the nominal dual camera
+  std::optional<Input> camera;       ///< nothing: depth frames of 16 bits and millimetres
   std::optional<float> value_scale;  ///< from a pixel's value to millimetres
   std::optional<std::uint8_t> bits;  ///< of a pixel and of a disparity code
   std::optional<std::int32_t> pixel_type;
   std::optional<double> baseline;  ///< millimetres
   std::optional<double> fx;        ///< pixels
+
+  bool has_geometry() const { return (camera && camera->has_geometry) || (baseline && fx); }
 };
 
-/// The image as a frame of the camera.
+/// What images of this size are. What nobody says of the geometry is that of the nominal camera.
+Input describe_input(const Size& size, const FrameAttributes& attributes);
+
+/// The image as such a frame.
 Frame describe_frame(Image image, const FrameAttributes& attributes);
 
 }  // namespace kit

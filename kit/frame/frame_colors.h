@@ -2,22 +2,37 @@
 #define KIT_FRAME_FRAME_COLORS_H
 
 #include <initializer_list>
+#include <optional>
 
 #include "kit/frame/frame.h"
+#include "kit/image/color_map.h"
 
 namespace kit {
 
-/// Distance ranks, of PixelReader.
-struct DistanceRange {
-  double low;
-  double high;
+/// Millimetres.
+struct DepthRange {
+  double near = 0;
+  double far = 0;
 };
 
-/// The range of all valid pixels of frames of one pixel type but the nearest and the farthest fiftieth.
-DistanceRange distance_range(std::initializer_list<const Frame*> frames);
+/// The range of all valid pixels but the nearest and the farthest fiftieth; nothing without valid pixels.
+std::optional<DepthRange> depth_range(std::initializer_list<FrameView> frames);
 
-/// The frame in colours from near to far; invalid pixels are black.
-ColorImage color_image(const Frame& frame, const DistanceRange& range);
+/// The frame in colours from near to far; invalid pixels have the map's hole_color().
+ColorImage color_image(const FrameView& frame, const DepthRange& range, ColorMap map);
+
+/// The change that 98 of 100 changed pixels don't exceed, in millimetres, of frames of one size; 0 if nothing changed.
+double change_limit(const FrameView& before, const FrameView& after);
+
+/// What a pixel that is valid in one of two frames, or in none, looks like in their difference.
+struct HoleColors {
+  Rgb filled = {60, 160, 75};
+  Rgb removed = {150, 80, 170};
+  Rgb hole = {70, 70, 70};
+};
+
+/// after - before in signed_color(), from -limit to limit millimetres, of frames of one size.
+ColorImage difference_image(const FrameView& before, const FrameView& after, double limit);
 
 }  // namespace kit
 

@@ -1,10 +1,12 @@
 #include "kit/frame/pixel_reader.h"
 
+#include <algorithm>
+
 #include "disparity_code.h"
 
 namespace kit {
 
-PixelReader::PixelReader(const Frame& frame)
+PixelReader::PixelReader(const FrameView& frame)
     : code_(frame.pixel_type != ZV_PIXEL_TYPE_DISPARITY  ? Code::depth
             : frame.disparity.packMode == 1              ? Code::growing
             : devhost::has_signed_codes(frame.disparity) ? Code::two_complement
@@ -22,11 +24,33 @@ std::optional<std::int32_t> PixelReader::distance_rank(std::uint16_t pixel) cons
   return code_ == Code::falling ? -code : code;
 }
 
-std::uint64_t count_valid(const Frame& frame) {
-  const PixelReader reader(frame);
-  std::uint64_t count = 0;
-  for (const std::uint16_t pixel : frame.pixels) count += reader.distance_rank(pixel).has_value();
-  return count;
+std::uint64_t PixelReader::count_valid(std::span<const std::uint16_t> pixels) const {
+  // Each comparison alone in its loop, which is then one of vectors.
+  const auto count = [&](const auto& is_valid) {
+    std::uint64_t total = 0;
+    while (!pixels.empty()) {
+      constexpr std::size_t most = UINT16_MAX;  // whose number a pixel's own type holds
+      const std::size_t size = std::min(pixels.size(), most);
+      std::uint16_t some = 0;
+      for (const std::uint16_t pixel : pixels.first(size)) {
+        some = static_cast<std::uint16_t>(
+            some + is_valid(static_cast<std::uint16_t>(pixel >> confidence_bits_)));
+      }
+      total += some;
+      pixels = pixels.subspan(size);
+    }
+    return total;
+  };
+  switch (code_) {
+    case Code::two_complement:
+      return count([](std::uint16_t code) { return code != ZV_DISPARITY_UNMATCHED_SIGNED; });
+    case Code::depth:
+      return count([](std::uint16_t code) { return code != 0; });
+    default:
+      return count([](std::uint16_t code) { return code != 0 && code <= ZV_DISPARITY_CODE_MAX; });
+  }
 }
+
+std::uint64_t count_valid(const FrameView& frame) { return PixelReader(frame).count_valid(frame.pixels); }
 
 }  // namespace kit

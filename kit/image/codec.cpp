@@ -6,12 +6,35 @@
 
 namespace kit {
 
+namespace {
+
+/// The one image of a file that says no more than its header and samples.
+Image decode(const SampleHeader& header, ByteView file, const ReadOptions& options) {
+  ViewStream stream(file);
+  const SampleLayout layout = header.read(stream, options);
+  if (layout.stack)
+    fail("has the shape (", layout.count, ", ", layout.height, ", ", layout.width,
+         "); expected (height, width)");
+  return read_samples(stream.rest(), layout, options);
+}
+
+Bytes encode(const SampleHeader& header, const ImageView& image) {
+  SampleLayout layout{.width = image.width, .height = image.height};
+  layout.order = header.order;
+  Bytes file = header.write(layout);
+  append_samples(image, header.order, file);
+  return file;
+}
+
+}  // namespace
+
 const std::vector<Codec>& codecs() {
   static const std::vector<Codec> all = {
-      {"png", {".png"}, false, decode_png, encode_png},
-      {"pgm", {".pgm"}, false, decode_pgm, encode_pgm},
-      {"npy", {".npy"}, false, decode_npy, encode_npy},
-      {"raw", {".raw", ".bin"}, true, decode_raw, encode_raw},
+      {"png", {".png"}, false, decode_png, encode_png, nullptr},
+      {"pgm", {".pgm"}, false, decode_pgm, encode_pgm, &kPgmHeader},
+      {"npy", {".npy"}, false, decode_npy, encode_npy, &kNpyHeader},
+      {"raw", {".raw", ".bin"}, true, decode_raw, encode_raw, &kRawHeader},
+      {"tiff", {".tif", ".tiff"}, false, decode_tiff, encode_tiff, nullptr},
   };
   return all;
 }
@@ -31,39 +54,20 @@ const Codec* codec_of_extension(std::string_view extension) {
   return nullptr;
 }
 
-Image read_samples(ByteView bytes, ByteOrder order, std::uint64_t width, std::uint64_t height) {
-  const std::size_t expected = 2 * count_pixels(width, height);
-  if (bytes.size() != expected) {
-    fail(bytes.size() < expected ? "is truncated: " : "is too long: ", bytes.size(),
-         " bytes of pixels, expected ", expected, " for ", width, "x", height);
-  }
-  Image image = make_image(width, height);
-  const std::size_t low = order == ByteOrder::little ? 0 : 1;
-  for (std::size_t i = 0; i < image.pixels.size(); ++i) {
-    image.pixels[i] = static_cast<std::uint16_t>(bytes[2 * i + low] | bytes[2 * i + 1 - low] << 8);
-  }
-  return image;
-}
+Image decode_pgm(ByteView file, const Size&) { return decode(kPgmHeader, file, {}); }
+Bytes encode_pgm(const ImageView& image) { return encode(kPgmHeader, image); }
+Image decode_npy(ByteView file, const Size&) { return decode(kNpyHeader, file, {}); }
+Bytes encode_npy(const ImageView& image) { return encode(kNpyHeader, image); }
+Image decode_raw(ByteView file, const Size& size) { return decode(kRawHeader, file, {.size = size}); }
+Bytes encode_raw(const ImageView& image) { return encode(kRawHeader, image); }
 
-void append_samples(const ImageView& image, ByteOrder order, Bytes& bytes) {
-  bytes.reserve(bytes.size() + 2 * image.pixels.size());
-  for (const std::uint16_t pixel : image.pixels) {
-    const auto low = static_cast<unsigned char>(pixel & 0xFF);
-    const auto high = static_cast<unsigned char>(pixel >> 8);
-    bytes.push_back(order == ByteOrder::little ? low : high);
-    bytes.push_back(order == ByteOrder::little ? high : low);
-  }
-}
-
-// Raw files: little-endian samples and nothing else.
-Image decode_raw(ByteView file, const Size& size) {
-  return read_samples(file, ByteOrder::little, size.width, size.height);
-}
-
-Bytes encode_raw(const ImageView& image) {
-  Bytes file;
-  append_samples(image, ByteOrder::little, file);
-  return file;
-}
+// Raw files: samples and nothing else, little-endian unless somebody says otherwise.
+extern const SampleHeader kRawHeader = {
+    [](ByteStream&, const ReadOptions& options) {
+      SampleLayout layout{.width = options.size.width, .height = options.size.height};
+      layout.order = options.raw_order;
+      return layout;
+    },
+    [](const SampleLayout&) { return Bytes(); }, ByteOrder::little, true};
 
 }  // namespace kit

@@ -37,31 +37,61 @@ Json parse_header(std::string_view text) {
   return header;
 }
 
-/// Takes the header off the front of the file.
-std::string_view take_header(ByteView& file) {
-  const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
-  if (!text.starts_with(kMagic)) fail("is no NumPy array file");
-  constexpr std::size_t version_end = kMagic.size() + 2;
-  if (file.size() < version_end) fail("ends inside its header");
-  const unsigned version = file[kMagic.size()];
-  if (version < 1 || version > 3) fail("has the format version ", version, "; expected 1 to 3");
-  const std::size_t length_bytes = version == 1 ? 2 : 4;
-  std::size_t length = 0;
-  for (std::size_t i = length_bytes; i-- > 0;) {
-    if (version_end + i >= file.size()) fail("ends inside its header");
-    length = length << 8 | file[version_end + i];
+/// The header's text.
+std::string take_header(ByteStream& file) {
+  const auto expect = [&file](std::span<unsigned char> to, const char* otherwise) {
+    if (file.read(to) != to.size()) fail(otherwise);
+  };
+  unsigned char magic[kMagic.size()];
+  expect(magic, "is no NumPy array file");
+  if (!std::equal(kMagic.begin(), kMagic.end(), magic,
+                  [](char a, unsigned char b) { return static_cast<unsigned char>(a) == b; })) {
+    fail("is no NumPy array file");
   }
-  const std::size_t start = version_end + length_bytes;
+  unsigned char version[2];
+  expect(version, "ends inside its header");
+  if (version[0] < 1 || version[0] > 3) fail("has the format version ", +version[0], "; expected 1 to 3");
+  unsigned char length_bytes[4] = {};
+  expect(std::span(length_bytes).first(version[0] == 1 ? 2 : 4), "ends inside its header");
+  std::size_t length = 0;
+  for (std::size_t i = 4; i-- > 0;) length = length << 8 | length_bytes[i];
   constexpr std::size_t most = 65535;
   if (length > most) fail("has a header of ", length, " bytes; at most ", most, " are read");
-  if (length > file.size() - start) fail("ends inside its header");
-  file = file.subspan(start + length);
-  return text.substr(start, length);
+  Bytes text(length);
+  expect(text, "ends inside its header");
+  return {text.begin(), text.end()};
 }
 
-}  // namespace
+struct ElementType {
+  std::string_view descr;
+  SampleType type;
+  ByteOrder order;
+};
+constexpr ElementType kElementTypes[] = {
+    {"<u2", SampleType::u16, ByteOrder::little}, {">u2", SampleType::u16, ByteOrder::big},
+    {"<i2", SampleType::i16, ByteOrder::little}, {">i2", SampleType::i16, ByteOrder::big},
+    {"<f4", SampleType::f32, ByteOrder::little}, {">f4", SampleType::f32, ByteOrder::big},
+    {"<f8", SampleType::f64, ByteOrder::little}, {">f8", SampleType::f64, ByteOrder::big}};
 
-Image decode_npy(ByteView file, const Size&) {
+void take_type(const std::string& descr, const ReadOptions& options, SampleLayout& layout) {
+  const auto* const known = std::find_if(std::begin(kElementTypes), std::end(kElementTypes),
+                                         [&](const ElementType& each) { return each.descr == descr; });
+  if (known == std::end(kElementTypes)) {
+    fail("has elements of type '", descr, "'; expected 16-bit whole numbers, '<u2' or '>u2'");
+  }
+  layout.type = known->type;
+  layout.order = known->order;
+  const bool whole = known->type == SampleType::u16 || known->type == SampleType::i16;
+  if (!whole && !options.units_a_metre) {
+    fail("has elements of type '", descr,
+         "'; expected 16-bit whole numbers, '<u2' or '>u2', or --metres if it holds metres");
+  }
+  if (whole && options.units_a_metre) {
+    fail("has elements of type '", descr, "', which are units already; --metres is for '<f4' and '<f8'");
+  }
+}
+
+SampleLayout read_header(ByteStream& file, const ReadOptions& options) {
   const Json header = parse_header(take_header(file));
   const Json &type = header["descr"], &order = header["fortran_order"], &shape = header["shape"];
   if (type.is_array()) fail("has a structured type; expected '<u2' or '>u2'");
@@ -69,18 +99,24 @@ Image decode_npy(ByteView file, const Size&) {
   std::vector<std::string> sizes;
   for (const Json& size : shape) sizes.push_back(size.is_number_unsigned() ? size.dump() : "");
   if (std::find(sizes.begin(), sizes.end(), "") != sizes.end()) fail_malformed();
-  if (type != "<u2" && type != ">u2") {
-    fail("has elements of type '", type.get<std::string>(),
-         "'; expected 16-bit unsigned, '<u2' or '>u2'");
-  }
+  SampleLayout layout;
+  take_type(type.get<std::string>(), options, layout);
   if (order.get<bool>()) fail("is in column order; expected C order (fortran_order False)");
-  if (sizes.size() != 2) fail("has the shape (", join(sizes, ", "), "); expected (height, width)");
-  return read_samples(file, type == "<u2" ? ByteOrder::little : ByteOrder::big, shape[1], shape[0]);
+  if (sizes.size() != 2 && sizes.size() != 3) {
+    fail("has the shape (", join(sizes, ", "),
+         "); expected (height, width), or (images, height, width) for a stack");
+  }
+  layout.stack = sizes.size() == 3;
+  if (layout.stack) layout.count = shape[0];
+  layout.height = shape[sizes.size() - 2];
+  layout.width = shape[sizes.size() - 1];
+  return layout;
 }
 
-Bytes encode_npy(const ImageView& image) {
-  std::string header = concat("{'descr': '<u2', 'fortran_order': False, 'shape': (", image.height, ", ",
-                              image.width, "), }");
+Bytes write_header(const SampleLayout& layout) {
+  const std::string count = layout.stack ? concat(layout.count, ", ") : "";
+  std::string header = concat("{'descr': '<u2', 'fortran_order': False, 'shape': (", count, layout.height,
+                              ", ", layout.width, "), }");
   // The array begins at a multiple of 64 bytes, and a line feed ends the header.
   const std::size_t front = kMagic.size() + 4;
   header.resize((front + header.size() + 1 + 63) / 64 * 64 - front - 1, ' ');
@@ -91,8 +127,11 @@ Bytes encode_npy(const ImageView& image) {
     file.push_back(static_cast<unsigned char>(byte));
   }
   file.insert(file.end(), header.begin(), header.end());
-  append_samples(image, ByteOrder::little, file);
   return file;
 }
+
+}  // namespace
+
+extern const SampleHeader kNpyHeader = {read_header, write_header, ByteOrder::little, true};
 
 }  // namespace kit

@@ -16,7 +16,7 @@ double ratio(std::uint64_t part, std::uint64_t whole) {
 }
 
 /// In millimetres, 0 where invalid.
-std::vector<double> depth_of(const Frame& frame) {
+std::vector<double> depth_of(const FrameView& frame) {
   const PixelReader reader(frame);
   const auto scale = static_cast<double>(frame.value_scale);
   std::vector<double> depth(frame.pixels.size());
@@ -32,6 +32,11 @@ void Distribution::add(double millimetres) {
   ++count_;
 }
 
+void Distribution::add(const Distribution& other) {
+  for (const auto& [micrometres, count] : other.counts_) counts_[micrometres] += count;
+  count_ += other.count_;
+}
+
 std::optional<double> Distribution::quantile(double part) const {
   if (count_ == 0) return std::nullopt;
   std::vector<std::pair<std::uint64_t, std::uint64_t>> sorted(counts_.begin(), counts_.end());
@@ -45,7 +50,7 @@ std::optional<double> Distribution::quantile(double part) const {
   return static_cast<double>(sorted.back().first) / 1000;
 }
 
-void Accuracy::add(const Frame& frame, const Image& truth) {
+void Accuracy::add(const FrameView& frame, const Image& truth) {
   if (frame.pixel_type == ZV_PIXEL_TYPE_DISPARITY || frame.width != truth.width ||
       frame.height != truth.height) {
     comparable_ = false;
@@ -56,6 +61,15 @@ void Accuracy::add(const Frame& frame, const Image& truth) {
   if (truth.width == last_truth_.width && truth.height == last_truth_.height) add_changes(depth, truth);
   last_depth_ = std::move(depth);
   last_truth_ = truth;
+}
+
+void Accuracy::add(const Accuracy& other) {
+  comparable_ = comparable_ && other.comparable_;
+  pixels_ += other.pixels_;
+  valid_ += other.valid_;
+  off_ += other.off_;
+  errors_.add(other.errors_);
+  changes_.add(other.changes_);
 }
 
 void Accuracy::add_errors(const std::vector<double>& depth, const Image& truth) {

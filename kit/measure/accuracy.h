@@ -15,6 +15,7 @@ namespace kit {
 class Distribution {
  public:
   void add(double millimetres);
+  void add(const Distribution& other);
   /// The smallest value with at least `part` (0 to 1) of all values up to it; nothing without values.
   std::optional<double> quantile(double part) const;
   std::uint64_t count() const { return count_; }
@@ -38,7 +39,9 @@ struct AccuracySummary {
 class Accuracy {
  public:
   /// @param truth depth in millimetres, 0 where it is not known
-  void add(const Frame& frame, const Image& truth);
+  void add(const FrameView& frame, const Image& truth);
+  /// The same stage of another sequence.
+  void add(const Accuracy& other);
 
   AccuracySummary summary() const;
 

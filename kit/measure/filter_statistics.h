@@ -19,7 +19,9 @@ struct FilterStatistics {
   std::optional<std::uint64_t> changed = 0;  ///< nothing once a frame has changed its size
   std::vector<double> milliseconds;          ///< of each frame
 
-  void add(const Frame& before, const Frame& after, double duration_ms);
+  void add(const FrameView& before, const FrameView& after, double duration_ms);
+  /// What the same filter did to other frames.
+  void add(const FilterStatistics& other);
   /// Nothing without frames.
   std::optional<double> median_milliseconds() const;
 };

@@ -14,7 +14,6 @@ namespace kit {
 inline constexpr std::string_view kCameraInput = "camera:";
 
 /// What a recording of it consists of.
-inline constexpr const char* kCameraFile = "camera.json";
 inline constexpr std::string_view kCameraFramePrefix = "disparity_";
 
 /// What is asked of the virtual camera.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kit/frame/frame_attributes.h"
+#include "kit/image/samples.h"
 #include "kit/pipeline/camera_options.h"
 
 namespace kit {
@@ -17,6 +18,9 @@ struct FrameName {
   std::string stem;                          ///< of its output's name
   std::string extension;                     ///< of its output's name, unless another format is asked for
   std::vector<std::filesystem::path> files;  ///< what it is read from; none: it is made
+  std::size_t number = 0;                    ///< of the image in its file
+  std::size_t count = 1;                     ///< of the images in its file
+  bool stack = false;                        ///< whether its file is a stack, be it of one image
 };
 
 struct SourceFrame {
@@ -30,12 +34,12 @@ struct FrameSource {
   std::function<SourceFrame(std::size_t index)> load;  ///< @throws Error
 };
 
-/// One frame from each of the files, and its truth from a file of the same stem.
+/// A frame for each image in the files, and its truth from the image at its place in a file of the same stem.
 /// @param truth files with the true depth; none: there is no truth
-/// @param raw_size of the files that do not say their size
-/// @throws Error when a file has not one truth
+/// @param options say what the files don't; metres are for frames alone, the truth is in millimetres
+/// @throws Error when a file has not one truth; its load() also when a frame has another size than the first
 FrameSource file_source(const std::vector<std::filesystem::path>& files,
-                        const std::vector<std::filesystem::path>& truth, const Size& raw_size,
+                        const std::vector<std::filesystem::path>& truth, const ReadOptions& options,
                         const FrameAttributes& attributes);
 
 /// The frames of the virtual camera, with their truth.

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "console/console.h"
+
 namespace filterprocessor {
 
 namespace {
@@ -20,10 +22,12 @@ void report_error(zv_error** error, const char* message, const char* function, c
 }
 
 void print_host_error(const zv_error* error) {
-  std::printf("zv_error was raised: \n\tcall: %s(%s)\n", text_or_empty(zv_error_get_function(error)),
-              text_or_empty(zv_error_get_args(error)));
-  std::printf("\tmessage: %s\n", text_or_empty(zv_error_get_message(error)));
-  std::printf("\terror type: %d\n", zv_error_get_exception_type(error));
+  std::FILE* const out = console_output();
+  if (out == nullptr) return;
+  std::fprintf(out, "zv_error was raised: \n\tcall: %s(%s)\n",
+               text_or_empty(zv_error_get_function(error)), text_or_empty(zv_error_get_args(error)));
+  std::fprintf(out, "\tmessage: %s\n", text_or_empty(zv_error_get_message(error)));
+  std::fprintf(out, "\terror type: %d\n", zv_error_get_exception_type(error));
 }
 
 }  // namespace filterprocessor

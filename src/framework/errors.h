@@ -16,7 +16,7 @@ void create_error(zv_error** error, std::int32_t status, const char* message, co
 void report_error(zv_error** error, const char* message, const char* function, const char* arguments,
                   std::int32_t exception_type = ZV_EXCEPTION_INVALID_VALUE);
 
-/// Writes the three lines of the host-error report to standard output.
+/// Writes the three lines of the host-error report to the console.
 void print_host_error(const zv_error* error);
 
 }  // namespace filterprocessor

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "console/console.h"
 #include "kernel_levels.h"
 
 // A level's sets, as their sources define them.
@@ -37,11 +38,13 @@ constexpr KernelSet kSets[] = {KERNEL_SET("scalar", plain, true) FILTERPROCESSOR
 
 /// Says once, and without memory of its own, why a wish is not granted.
 void say(const char* wish, const KernelChoice& choice) {
-  std::fprintf(stderr, "filterprocessor: FILTERPROCESSOR_CPU=%.40s: %s; using %s. Levels:", wish,
+  std::FILE* const out = console_errors();
+  if (out == nullptr) return;
+  std::fprintf(out, "filterprocessor: FILTERPROCESSOR_CPU=%.40s: %s; using %s. Levels:", wish,
                choice.wish == KernelChoice::unknown ? "no such level" : "this machine lacks that level",
                choice.kernels.level);
-  for (const KernelSet& set : kSets) std::fprintf(stderr, " %s", set.level);
-  std::fputc('\n', stderr);
+  for (const KernelSet& set : kSets) std::fprintf(out, " %s", set.level);
+  std::fputc('\n', out);
 }
 
 const KernelSet* choose() {

@@ -1,9 +1,8 @@
 // DisparityTransform and OpenNIDisparityTransform, driven as a host does.
+#include <algorithm>
 #include <cmath>
-#include <cstring>
+#include <numeric>
 
-#include "filters/disparity_transform.h"
-#include "filters/open_ni_disparity_transform.h"
 #include "support/filter_driver.h"
 
 namespace filterprocessor {
@@ -27,16 +26,19 @@ ZVDisparityParam camera(std::uint8_t pack_mode, bool dual, std::uint8_t bit_size
   return p;
 }
 
-/// 256 x 256 pixels, one of every value.
-devhost::FrameTraits every_code(const ZVDisparityParam& params) {
-  devhost::FrameTraits traits;
-  traits.width = traits.height = 256;
+devhost::FrameTraits disparity_frame(const ZVDisparityParam& params, Pixels codes,
+                                     std::uint32_t height = 1) {
+  devhost::FrameTraits traits = frame_of(std::move(codes), height);
   traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
   traits.bits = params.bitSize;
   traits.disparity = params;
-  traits.pixels.resize(65536);
-  for (std::size_t i = 0; i < traits.pixels.size(); ++i) traits.pixels[i] = static_cast<std::uint16_t>(i);
   return traits;
+}
+
+/// The texts of both filters' parameters; all of them for OpenNIDisparityTransform, which does not sample.
+Values limits_for(const char* name, Values limits) {
+  if (name == kOpenNI) limits.insert(limits.end(), {"0", "0", "1", "0", "0", "0", "0"});
+  return limits;
 }
 
 struct Settings {
@@ -46,6 +48,8 @@ struct Settings {
   float metadata = 0.0f;
   bool packed = false;
 };
+
+Settings of_a_new_filter(bool open_ni) { return open_ni ? Settings{10000, 100} : Settings{}; }
 
 /// The depth of one code, one branch per way to read it; shares nothing with the library.
 int expected_depth(const ZVDisparityParam& p, const Settings& s, bool open_ni, int code) {
@@ -97,32 +101,32 @@ void expect_every_code(const char* name, const ZVDisparityParam& params, const S
                        const std::string& what) {
   FilterDriver filter(name);
   const bool open_ni = name == kOpenNI;
-  if (s.unit != 1.0f || s.min != 0) {
-    std::vector<std::string> values = {std::to_string(s.max), std::to_string(s.min),
-                                       std::to_string(s.unit)};
-    if (open_ni) values.insert(values.end(), {"0", "0", "1", "0", "0", "0", "0"});
-    ASSERT_EQ(filter.update(values), kNoError);
+  const Settings fresh = of_a_new_filter(open_ni);
+  if (s.unit != 1.0f || s.max != fresh.max || s.min != fresh.min) {
+    const Values limits = {std::to_string(s.max), std::to_string(s.min), std::to_string(s.unit)};
+    ASSERT_EQ(filter.update(limits_for(name, limits)), kNoError);
   }
-  devhost::FrameTraits traits = every_code(params);
+  Pixels every_code(65536);
+  std::iota(every_code.begin(), every_code.end(), std::uint16_t{0});
+  devhost::FrameTraits traits = disparity_frame(params, every_code, 256);
   if (s.packed) traits.format = ZV_FORMAT_PACKED_CODE;
   if (s.metadata != 0.0f) traits.metadata[32] = static_cast<std::int64_t>(s.metadata);
-  const devhost::Frame frame = devhost::make_frame(traits);
+  Pixels expected;
+  for (int i = 0; i < 65536; ++i) {
+    const bool packed = s.packed && !open_ni;
+    const int depth = expected_depth(params, s, open_ni, packed ? i >> 4 : i);
+    expected.push_back(static_cast<std::uint16_t>(packed ? depth << 4 | (i & 15) : depth));
+  }
+  EXPECT_GT(std::count_if(expected.begin(), expected.end(), [](int depth) { return depth > 15; }), 50)
+      << what << ": the case must have something to compare";
   // The third frame is the second that a table serves at the latest, where it may be computed instead of
   // loaded.
   for (int n = 0; n < 3; ++n) {
-    const devhost::Frame output = filter.process(frame);
-    ASSERT_EQ(filter.last_error(), kNoError) << what;
-    const Pixels depth = devhost::inspect(output.get()).pixels;
-    int valid = 0;
-    for (int i = 0; i < 65536; ++i) {
-      const int code = s.packed && !open_ni ? i >> 4 : i;
-      int expected = expected_depth(params, s, open_ni, code);
-      valid += expected != 0;
-      if (s.packed && !open_ni) expected = (expected << 4 | (i & 15)) & 0xffff;
-      ASSERT_EQ(depth[static_cast<std::size_t>(i)], expected)
-          << what << ", pixel " << i << ", frame " << n;
-    }
-    EXPECT_GT(valid, 50) << what << ": the case must have something to compare";
+    const Pixels depth = filter.filtered(traits);
+    const auto [wrong, right] =
+        std::mismatch(depth.begin(), depth.end(), expected.begin(), expected.end());
+    ASSERT_EQ(depth.end() - wrong, 0) << what << ", frame " << n << ": " << *wrong << ", not " << *right
+                                      << ", for pixel " << wrong - depth.begin();
   }
 }
 
@@ -155,216 +159,161 @@ TEST(DisparityTables, EqualAnIndependentEvaluationForEveryCode) {
   }
 }
 
-/// One row of pixels.
-devhost::FrameTraits row(const ZVDisparityParam& params, Pixels pixels) {
-  devhost::FrameTraits traits = every_code(params);
-  traits.width = static_cast<std::uint32_t>(pixels.size());
-  traits.height = 1;
-  traits.pixels = std::move(pixels);
-  return traits;
-}
-
-Pixels converted(FilterDriver& filter, const devhost::FrameTraits& traits) {
-  const devhost::Frame output = filter.process(devhost::make_frame(traits));
-  EXPECT_EQ(filter.last_error(), kNoError);
-  return output ? devhost::inspect(output.get()).pixels : Pixels{};
-}
-
 /// Codes with 8 fraction bits at 10, 20 and 40 pixels of disparity: 2974.., 1487.. and 743.. mm.
-const Pixels kCodes = {2560, 5120, 10240};
+const devhost::FrameTraits kThreeCodes = disparity_frame(camera(2, true), {2560, 5120, 10240});
 const Pixels kDepths = {2973, 1486, 743};
 
-TEST(DisparityTransform, DescribesItsOutputAsDepth) {
+TEST(DisparityTransform, DescribesItsOutputAsDepthAndCopiesOtherFrames) {
   FilterDriver filter(kTransform);
   EXPECT_EQ(filter.update({"4000", "1", "0.5"}), kNoError);
-  const devhost::Frame output = filter.process(devhost::make_frame(row(camera(2, true), kCodes)));
+  const devhost::Frame output = filter.process(devhost::make_frame(kThreeCodes));
   ASSERT_TRUE(output);
   const devhost::FrameTraits depth = devhost::inspect(output.get());
   EXPECT_EQ(depth.pixel_type, ZV_PIXEL_TYPE_DEPTH);
-  EXPECT_EQ(depth.bits, 13) << "4000 units of 0.5 need 13 bits";
+  EXPECT_EQ(depth.bits, 13) << "4000 millimetres are 8000 units";
   EXPECT_EQ(depth.value_scale, 0.5f);
   EXPECT_EQ(depth.pixels, (Pixels{5947, 2973, 1486}));
+  EXPECT_EQ(filter.filtered(depth), depth.pixels);
+  EXPECT_EQ(filter.update({"4096", "1", "1"}), kNoError);
+  EXPECT_EQ(devhost::inspect(filter.process(devhost::make_frame(kThreeCodes)).get()).bits, 13);
 }
 
-TEST(DisparityTransform, PassesOtherFramesThroughAsCopies) {
-  FilterDriver filter(kTransform);
-  devhost::FrameTraits depth = row(camera(2, true), kCodes);
-  depth.pixel_type = ZV_PIXEL_TYPE_DEPTH;
-  EXPECT_EQ(converted(filter, depth), kCodes);
-  const devhost::Frame set = filter.process(devhost::make_frame_set(devhost::make_frame(depth)));
-  ASSERT_TRUE(set);
-  EXPECT_EQ(devhost::inspect(set.get()).type, ZV_FRAME_TYPE_SET);
-  EXPECT_EQ(devhost::inspect(devhost::depth_frame_of(set.get()).get()).pixels, kCodes);
-}
-
-TEST(DisparityTransform, IgnoresABadConfigurationInSilence) {
-  FilterDriver filter(kTransform);
-  const devhost::FrameTraits traits = row(camera(2, true), kCodes);
-  for (const std::vector<std::string>& values :
-       std::vector<std::vector<std::string>>{{"0", "1", "1"},
-                                             {"65536", "1", "1"},
-                                             {"-1", "1", "1"},
-                                             {"2000", "0", "1"},
-                                             {"2000", "65536", "1"},
-                                             {"2000", "1", "0.0005"},
-                                             {"2000", "1", "10.5"},
-                                             {"2000", "1", "nan"}}) {
-    EXPECT_EQ(filter.update(values), kNoError);
-    EXPECT_EQ(converted(filter, traits), kDepths);
-  }
-  EXPECT_EQ(filter.update({"2000", "1", "1", "1"}), kBadCount);
-  EXPECT_EQ(filter.update({"2000", "1", "0.001"}), kNoError);
-  EXPECT_EQ(filter.update({"2000", "1", "10.0"}), kNoError);
-  EXPECT_EQ(converted(filter, traits), (Pixels{0, 148, 74}));
-  for (const char* name : {kTransform, kOpenNI}) {  // each end of each range, seen by the unit
-    for (Values ends : {Values{"1", "65535", "0.001"}, {"65535", "1", "10.0"}}) {
-      const float unit = std::stof(ends[2]);
-      if (name == kOpenNI) ends.insert(ends.end(), {"0", "0", "1", "0", "0", "0", "0"});
-      FilterDriver at_the_ends(name);
-      EXPECT_EQ(at_the_ends.update(ends), kNoError);
-      const devhost::Frame output = at_the_ends.process(devhost::make_frame(traits));
-      EXPECT_FLOAT_EQ(devhost::inspect(output.get()).value_scale, unit) << name;
+TEST(DisparityFilters, IgnoreBadDepthLimitsInSilence) {
+  for (const char* name : {kTransform, kOpenNI}) {
+    const auto unit_after = [&](const Values& limits) {
+      FilterDriver filter(name);
+      EXPECT_EQ(filter.update(limits_for(name, limits)), kNoError);
+      return devhost::inspect(filter.process(devhost::make_frame(kThreeCodes)).get()).value_scale;
+    };
+    for (const Values& limits : {Values{"0", "1", "2"},
+                                 {"65536", "1", "2"},
+                                 {"2000", "0", "2"},
+                                 {"2000", "65536", "2"},
+                                 {"2000", "1", "0.0005"},
+                                 {"2000", "1", "10.5"},
+                                 {"2000", "1", "nan"}}) {
+      EXPECT_EQ(unit_after(limits), 1.0f) << name << ": " << limits[0] << ' ' << limits[1];
     }
+    EXPECT_FLOAT_EQ(unit_after({"1", "65535", "0.001"}), 0.001f) << name;
+    EXPECT_FLOAT_EQ(unit_after({"65535", "1", "10.0"}), 10.0f) << name;
   }
 }
 
 TEST(DisparityTransform, DropsAChangeOfTheLowerLimitAlone) {
   FilterDriver filter(kTransform);
-  const devhost::FrameTraits traits = row(camera(2, true), kCodes);
-  EXPECT_EQ(filter.update({"5000", "1", "1"}), kNoError);
-  EXPECT_EQ(filter.update({"5000", "1000", "1"}), kNoError);
-  EXPECT_EQ(converted(filter, traits), kDepths);
-  EXPECT_EQ(filter.update({"5001", "2", "1"}), kNoError);
-  EXPECT_EQ(converted(filter, traits), kDepths) << "not even remembered";
-  EXPECT_EQ(filter.update({"5000", "1000", "1"}), kNoError);
-  EXPECT_EQ(converted(filter, traits), (Pixels{2973, 1486, 0}));
-  EXPECT_EQ(filter.update({"2000", "1000", "1"}), kNoError);
-  EXPECT_EQ(converted(filter, traits), (Pixels{0, 1486, 0})) << "a new upper limit alone counts";
+  const auto converted_with = [&](const Values& limits) {
+    EXPECT_EQ(filter.update(limits), kNoError);
+    return filter.filtered(kThreeCodes);
+  };
+  EXPECT_EQ(converted_with({"5000", "1", "1"}), kDepths);
+  EXPECT_EQ(converted_with({"5000", "1000", "1"}), kDepths);
+  EXPECT_EQ(converted_with({"5001", "2", "1"}), kDepths) << "not even remembered";
+  EXPECT_EQ(converted_with({"5000", "1000", "1"}), (Pixels{2973, 1486, 0}));
+  EXPECT_EQ(converted_with({"2000", "1000", "1"}), (Pixels{0, 1486, 0}))
+      << "a new upper limit alone counts";
 }
 
 TEST(DisparityTransform, ANewCorrectionAloneRebuildsNothing) {
   FilterDriver filter(kTransform);
-  devhost::FrameTraits traits = row(camera(2, true), kCodes);
-  EXPECT_EQ(converted(filter, traits), kDepths);
+  devhost::FrameTraits traits = kThreeCodes;
+  EXPECT_EQ(filter.filtered(traits), kDepths);
   traits.metadata[32] = 10;
-  EXPECT_EQ(converted(filter, traits), kDepths);
+  EXPECT_EQ(filter.filtered(traits), kDepths);
   EXPECT_EQ(filter.update({"60000", "1", "1"}), kNoError);
-  EXPECT_EQ(converted(filter, traits), (Pixels{1486, 991, 594})) << "20, 30 and 50 pixels";
+  EXPECT_EQ(filter.filtered(traits), (Pixels{1486, 991, 594})) << "20, 30 and 50 pixels";
 }
 
 TEST(DisparityTransform, RebuildsAtEveryFrameWhereAParameterIsNoNumberOrTheBitSizesDiffer) {
   for (const bool nan : {true, false}) {
     FilterDriver filter(kTransform);
-    devhost::FrameTraits traits = row(camera(2, true), kCodes);
+    devhost::FrameTraits traits = kThreeCodes;
     if (nan) traits.disparity.zpps = std::nan("");
     if (!nan) traits.disparity.bitSize = 14;
-    EXPECT_EQ(converted(filter, traits), kDepths) << "the frame's 16 bits count";
+    EXPECT_EQ(filter.filtered(traits), kDepths) << "the frame's 16 bits count";
     traits.metadata[32] = 10;
-    EXPECT_EQ(converted(filter, traits), (Pixels{1486, 991, 594}));
+    EXPECT_EQ(filter.filtered(traits), (Pixels{1486, 991, 594}));
     traits.metadata.clear();
-    EXPECT_EQ(converted(filter, traits), kDepths) << "a kept table is the right one";
+    EXPECT_EQ(filter.filtered(traits), kDepths) << "a kept table is the right one";
   }
 }
 
 TEST(DisparityTransform, TheProfileIsReadAgainOnlyForANewSizeFormatOrBitSize) {
   FilterDriver filter(kTransform);
-  devhost::FrameTraits traits = row(camera(2, true), kCodes);
-  EXPECT_EQ(converted(filter, traits), kDepths);
+  devhost::FrameTraits traits = kThreeCodes;
+  EXPECT_EQ(filter.filtered(traits), kDepths);
   traits.disparity.baseline *= 2;
-  EXPECT_EQ(converted(filter, traits), kDepths) << "a new baseline alone goes unnoticed";
+  EXPECT_EQ(filter.filtered(traits), kDepths) << "a new baseline alone goes unnoticed";
   traits.format = 1;
-  EXPECT_EQ(converted(filter, traits), (Pixels{5947, 2973, 1486}));
+  EXPECT_EQ(filter.filtered(traits), (Pixels{5947, 2973, 1486}));
   traits.disparity.baseline /= 2;
   traits.bits = 15;  // read with one fraction bit less
-  EXPECT_EQ(converted(filter, traits), (Pixels{1486, 743, 371}));
+  EXPECT_EQ(filter.filtered(traits), (Pixels{1486, 743, 371}));
 }
 
 TEST(DisparityFilters, AFrameOfAnotherSizeBringsItsOwnProfile) {
-  for (const char* name : {kTransform, kOpenNI}) {
-    FilterDriver filter(name);
-    devhost::FrameTraits traits = row(camera(1, true), {30000});
-    for (const auto& [width, height] : {std::pair{4u, 1u}, {8u, 1u}, {8u, 2u}}) {
-      traits.width = width;
-      traits.height = height;
-      traits.pixels.resize(std::size_t{width} * height, 30000);
-      traits.disparity.baseline *= 1.5f;
-      traits.disparity.fx *= 2;
-      const int depth = expected_depth(traits.disparity, {}, name == kOpenNI, 30000);
-      EXPECT_EQ(converted(filter, traits),
-                Pixels(traits.pixels.size(), static_cast<std::uint16_t>(depth)))
-          << name;
+  using Change = void (*)(ZVDisparityParam&);
+  const Change changes[] = {
+      [](ZVDisparityParam& p) { p.baseline = 40; },   [](ZVDisparityParam& p) { p.fx = 500; },
+      [](ZVDisparityParam& p) { p.unit = 0.5f; },     [](ZVDisparityParam& p) { p.minDisparity = 2; },
+      [](ZVDisparityParam& p) { p.dispOffset = 1; },  [](ZVDisparityParam& p) { p.invalidDisp = 211; },
+      [](ZVDisparityParam& p) { p.isDualCamera = 0; }};
+  const Pixels codes = {30000, 15008};  // 94 pixels of disparity and, for two cameras, 211.125
+  for (const bool open_ni : {false, true}) {
+    for (const Change& change : changes) {
+      for (const std::uint32_t height : {1u, 2u}) {
+        FilterDriver filter(open_ni ? kOpenNI : kTransform);
+        ZVDisparityParam params = camera(1, true);
+        filter.filtered(disparity_frame(params, {30000}));
+        change(params);
+        Pixels expected;
+        for (const int code : codes) {
+          const int depth = expected_depth(params, of_a_new_filter(open_ni), open_ni, code);
+          expected.push_back(static_cast<std::uint16_t>(depth));
+        }
+        EXPECT_EQ(filter.filtered(disparity_frame(params, codes, height)), expected) << open_ni;
+      }
     }
   }
-}
-
-TEST(DisparityTransform, AResetTableIsRebuilt) {
-  FilterDriver filter(kTransform);
-  const devhost::FrameTraits traits = row(camera(2, true), kCodes);
-  EXPECT_EQ(converted(filter, traits), kDepths);
-  filter.reset();
-  EXPECT_EQ(converted(filter, traits), kDepths);
 }
 
 TEST(DisparityTransform, AnUnknownPackModeFailsOnceAndThenGivesZeros) {
   for (const bool dual : {true, false}) {
     FilterDriver filter(kTransform);
-    const char* rule = dual ? "stereo_camera_init_lookup_table" : "mono_camera_init_lookup_table";
-    const devhost::FrameTraits traits = row(camera(dual ? 4 : 3, dual), kCodes);
+    const std::string rule = dual ? "stereo_camera_init_lookup_table" : "mono_camera_init_lookup_table";
+    const devhost::FrameTraits traits = disparity_frame(camera(dual ? 4 : 3, dual), {2560, 5120});
     const devhost::LiveObjects before = devhost::live_objects();
-    const std::string printed =
-        FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(traits))); });
-    EXPECT_EQ(filter.last_error(),
+    EXPECT_EQ(filter.refused(traits),
               (ErrorTexts{"Unsupported disparity data pack type error", rule, rule, 4}));
-    EXPECT_NE(printed.find(std::string("call: ") + rule + "(" + rule + ")"), std::string::npos);
+    EXPECT_NE(filter.printed().find("call: " + rule + "(" + rule + ")"), std::string::npos);
     EXPECT_EQ(devhost::live_objects().frames, before.frames);
-    EXPECT_EQ(converted(filter, traits), Pixels(3));
+    EXPECT_EQ(filter.filtered(traits), Pixels(2));
   }
 }
 
 TEST(DisparityTransform, CodesPastTheTableGiveZero) {
   FilterDriver filter(kTransform);
-  devhost::FrameTraits traits = row(camera(2, true, 12), {160, 4095, 4096, 65535});
-  for (int n = 0; n < 3; ++n) EXPECT_EQ(converted(filter, traits), (Pixels{2973, 116, 0, 0}));
-  traits.disparity.bitSize = traits.bits = 0;
-  EXPECT_EQ(converted(filter, traits), Pixels(4));
-  traits.disparity.bitSize = traits.bits = 200;
-  EXPECT_EQ(converted(filter, traits), Pixels(4));
+  devhost::FrameTraits traits = disparity_frame(camera(2, true, 12), {160, 4095, 4096, 65535});
+  for (int n = 0; n < 3; ++n) EXPECT_EQ(filter.filtered(traits), (Pixels{2973, 116, 0, 0}));
+  for (const std::uint8_t bits : {std::uint8_t{0}, std::uint8_t{200}}) {
+    traits.disparity.bitSize = traits.bits = bits;
+    EXPECT_EQ(filter.filtered(traits), Pixels(4));
+  }
 }
 
 Values open_ni(int width, int height, const char* scale, int x_cut = 0, int y_cut = 0, int x_set = 0,
                int y_set = 0) {
-  return {"65535",
-          "1",
-          "1",
-          std::to_string(width),
-          std::to_string(height),
-          scale,
-          std::to_string(x_cut),
-          std::to_string(y_cut),
-          std::to_string(x_set),
-          std::to_string(y_set)};
-}
-ErrorTexts out_of_range(const char* name) {
-  return {"params out of range", "update_filter_config", name, 4};
+  Values values = {"65535", "1", "1", std::to_string(width), std::to_string(height), scale};
+  for (const int value : {x_cut, y_cut, x_set, y_set}) values.push_back(std::to_string(value));
+  return values;
 }
 
-/// Codes whose depth tells where they stood: column plus 16 times the row, all of them distinct depths.
-devhost::FrameTraits positions(std::uint32_t width, std::uint32_t height) {
-  devhost::FrameTraits traits = every_code(camera(1, true, 16));
-  traits.width = width;
-  traits.height = height;
-  traits.pixels.clear();
-  for (std::uint32_t y = 0; y < height; ++y) {
-    for (std::uint32_t x = 0; x < width; ++x) {
-      traits.pixels.push_back(static_cast<std::uint16_t>(40000 + 60 * (x + 16 * y)));
-    }
-  }
+/// 16 x 12 codes of different depths.
+devhost::FrameTraits positions() {
+  Pixels codes;
+  for (int i = 0; i < 16 * 12; ++i) codes.push_back(static_cast<std::uint16_t>(40000 + 60 * i));
+  devhost::FrameTraits traits = disparity_frame(camera(1, true), codes, 12);
   traits.intrinsic = {500, 501, 320, 200, 640, 400};
   return traits;
-}
-int depth_at(const devhost::FrameTraits& source, std::uint32_t x, std::uint32_t y) {
-  if (x >= source.width || y >= source.height) return 0;
-  return expected_depth(source.disparity, {65535, 1}, true, source.pixels[y * source.width + x]);
 }
 
 TEST(OpenNIDisparityTransform, SamplesScalesCropsAndBlanks) {
@@ -373,6 +322,8 @@ TEST(OpenNIDisparityTransform, SamplesScalesCropsAndBlanks) {
     const char* scale;
     int x_cut, y_cut, x_set, y_set;
   };
+  devhost::FrameTraits source = positions();
+  source.format = 7;
   for (const Case& c : {Case{16, 12, "1", 0, 0, 0, 0},
                         {8, 6, "0.5", 0, 0, 0, 0},
                         {30, 20, "2", 1, 2, 3, 1},
@@ -382,27 +333,29 @@ TEST(OpenNIDisparityTransform, SamplesScalesCropsAndBlanks) {
     FilterDriver filter(kOpenNI);
     ASSERT_EQ(filter.update(open_ni(c.width, c.height, c.scale, c.x_cut, c.y_cut, c.x_set, c.y_set)),
               kNoError);
-    devhost::FrameTraits source = positions(16, 12);
-    source.format = 7;
     const devhost::Frame output = filter.process(devhost::make_frame(source));
     ASSERT_TRUE(output) << filter.last_error();
-    const devhost::FrameTraits depth = devhost::inspect(output.get());
-    ASSERT_EQ(depth.pixels.size(), static_cast<std::size_t>(c.width * c.height));
-    const auto step = static_cast<std::uint32_t>(65536 / std::stof(c.scale) + 1);
+    const float scale = std::stof(c.scale);
+    const auto step = static_cast<std::uint32_t>(65536 / scale + 1);
+    const auto source_of = [&](int position, int cut) {
+      return ((static_cast<std::uint32_t>(cut) << 16) + static_cast<std::uint32_t>(position) * step) >>
+             16;
+    };
+    Pixels expected;
     for (int y = 0; y < c.height; ++y) {
       for (int x = 0; x < c.width; ++x) {
-        const auto sx =
-            ((static_cast<std::uint32_t>(c.x_cut) << 16) + static_cast<std::uint32_t>(x) * step) >> 16;
-        const auto sy =
-            ((static_cast<std::uint32_t>(c.y_cut) << 16) + static_cast<std::uint32_t>(y) * step) >> 16;
-        const bool reached = static_cast<float>(x) < std::trunc(16 * std::stof(c.scale)) &&
-                             static_cast<float>(y) < std::trunc(12 * std::stof(c.scale));
+        const std::uint32_t sx = source_of(x, c.x_cut);
+        const std::uint32_t sy = source_of(y, c.y_cut);
+        const bool reached = static_cast<float>(x) < 16 * scale && static_cast<float>(y) < 12 * scale;
         const bool kept = x >= c.x_set && x < c.width - c.x_set && y >= c.y_set && y < c.height - c.y_set;
-        ASSERT_EQ(depth.pixels[static_cast<std::size_t>(y * c.width + x)],
-                  reached && kept ? depth_at(source, sx, sy) : 0)
-            << x << ", " << y << " of " << c.width << " x " << c.height;
+        const bool filled = reached && kept && sx < 16 && sy < 12;
+        expected.push_back(static_cast<std::uint16_t>(
+            filled ? expected_depth(source.disparity, {65535, 1}, true, source.pixels[sy * 16 + sx])
+                   : 0));
       }
     }
+    const devhost::FrameTraits depth = devhost::inspect(output.get());
+    EXPECT_EQ(depth.pixels, expected) << c.width << " x " << c.height << " at " << c.scale;
     EXPECT_EQ(depth.type, ZV_FRAME_TYPE_DEPTH);
     EXPECT_EQ(depth.format, 7);
     EXPECT_EQ(depth.pixel_type, ZV_PIXEL_TYPE_DEPTH);
@@ -421,8 +374,7 @@ TEST(OpenNIDisparityTransform, RewritesTheIntrinsicsOfTheSampledProfile) {
     FilterDriver filter(kOpenNI);
     ASSERT_EQ(filter.update(open_ni(c.width, c.height, "0.5")), kNoError);
     const devhost::LiveObjects before = devhost::live_objects();
-    const devhost::Frame set =
-        filter.process(devhost::make_frame_set(devhost::make_frame(positions(16, 12))));
+    const devhost::Frame set = filter.process(devhost::make_frame_set(devhost::make_frame(positions())));
     ASSERT_TRUE(set);
     EXPECT_EQ(devhost::inspect(set.get()).type, ZV_FRAME_TYPE_SET);
     const devhost::Frame depth = devhost::depth_frame_of(set.get());
@@ -438,46 +390,37 @@ TEST(OpenNIDisparityTransform, RewritesTheIntrinsicsOfTheSampledProfile) {
 
 TEST(OpenNIDisparityTransform, SamplingClearsEntryZeroForGood) {
   FilterDriver filter(kOpenNI);
-  devhost::FrameTraits traits = row(camera(1, true), {0, 30000});
+  devhost::FrameTraits traits = disparity_frame(camera(1, true), {0, 30000});
   traits.disparity.minDisparity = 100;  // code 0 is then a disparity of 228.375 pixels
-  const Pixels whole = converted(filter, traits);
+  const Pixels whole = filter.filtered(traits);
   EXPECT_NE(whole[0], 0);
   EXPECT_EQ(filter.update({"10000", "100", "1", "2", "1", "1", "0", "0", "0", "0"}), kNoError);
-  EXPECT_EQ(converted(filter, traits), (Pixels{0, whole[1]}));
+  EXPECT_EQ(filter.filtered(traits), (Pixels{0, whole[1]}));
   EXPECT_EQ(filter.update({"10000", "100", "1", "0", "0", "1", "0", "0", "0", "0"}), kNoError);
-  EXPECT_EQ(converted(filter, traits), (Pixels{0, whole[1]})) << "until the next rebuild";
+  EXPECT_EQ(filter.filtered(traits), (Pixels{0, whole[1]})) << "until the next rebuild";
   filter.reset();
-  EXPECT_EQ(converted(filter, traits), whole);
+  EXPECT_EQ(filter.filtered(traits), whole);
 }
 
 TEST(OpenNIDisparityTransform, KeepsWhatWasCheckedBeforeABadValue) {
+  const ErrorTexts failed = {"Frame sampling process error", "filter_process", "frameType", 4};
   FilterDriver filter(kOpenNI);
   EXPECT_EQ(filter.update(open_ni(2, 1, "1")), kNoError);
-  EXPECT_EQ(filter.update(open_ni(65536, 1, "1")), out_of_range("dst_width"));
-  EXPECT_EQ(filter.update(open_ni(-1, 1, "1")), out_of_range("dst_width"));
-  EXPECT_EQ(filter.update(open_ni(4, 70000, "1")), out_of_range("dst_height"));
-  EXPECT_EQ(converted(filter, positions(16, 12)).size(), 4u);
+  EXPECT_EQ(filter.update(open_ni(65536, 2, "1")), out_of_range("dst_width"));
+  EXPECT_EQ(filter.update(open_ni(4, 70000, "0")), out_of_range("dst_height"));
+  EXPECT_EQ(filter.filtered(positions()).size(), 4u);
   EXPECT_EQ(filter.update(open_ni(3, 3, "0.05")), out_of_range("scale"));
-  EXPECT_EQ(filter.update(open_ni(3, 3, "nan")), out_of_range("scale"));
-  EXPECT_EQ(filter.update(open_ni(3, 3, "50.5")), out_of_range("scale"));
-  EXPECT_EQ(converted(filter, positions(16, 12)).size(), 9u);
+  EXPECT_EQ(filter.filtered(positions()).size(), 9u);
+  EXPECT_EQ(filter.update(open_ni(3, 0, "1")), kNoError);
+  EXPECT_EQ(filter.filtered(positions()).size(), 192u) << "no sampling to a height of 0";
+  EXPECT_EQ(filter.update(open_ni(3, 3, "1")), kNoError);
   EXPECT_EQ(filter.update(open_ni(0, 3, "0.05")), out_of_range("scale"));
-  EXPECT_FALSE(filter.process(devhost::make_frame(positions(16, 12))));
-  EXPECT_EQ(filter.last_error(),
-            (ErrorTexts{"Frame sampling process error", "filter_process", "frameType", 4}))
-      << "sampling stays enabled with a width of 0";
-  EXPECT_EQ(filter.update({"1"}), kBadCount);
-}
+  EXPECT_EQ(filter.refused(positions()), failed) << "sampling stays enabled with a width of 0";
 
-TEST(OpenNIDisparityTransform, RefusesATargetOfMoreThan32BitsOfBytes) {
-  FilterDriver filter(kOpenNI);
   EXPECT_EQ(filter.update(open_ni(65535, 65535, "1")), kNoError);
   devhost::start_call_log();
-  EXPECT_FALSE(filter.process(devhost::make_frame(positions(16, 12))));
-  const std::vector<std::string> calls = devhost::stop_call_log();
-  EXPECT_EQ(filter.last_error(),
-            (ErrorTexts{"Frame sampling process error", "filter_process", "frameType", 4}));
-  EXPECT_EQ(std::count(calls.begin(), calls.end(), "zv_create_frame"), 0);
+  EXPECT_EQ(filter.refused(positions()), failed) << "more than 32 bits of bytes";
+  for (const std::string& call : devhost::stop_call_log()) EXPECT_NE(call, "zv_create_frame");
 }
 
 }  // namespace

@@ -5,41 +5,34 @@
 namespace filterprocessor {
 namespace {
 
-constexpr const char* kName = "HoleFillingFilter";
-const ErrorTexts kBadMode = {"invalid hole filling mode params", "update_filter_config", "argv", 4};
-
-/// 8 x 3 pixels: one hole at (1, 1) between 700 above, 900 below and 800 to the left.
-devhost::FrameTraits one_hole() {
-  devhost::FrameTraits traits;
-  traits.width = 8;
-  traits.height = 3;
-  traits.pixels = Pixels(24, 800);
-  traits.pixels[1] = 700;
-  traits.pixels[9] = 0;
-  traits.pixels[17] = 900;
+/// One hole, at the fourth pixel of the second row, between 700 above, 900 below and 800 beside it.
+devhost::FrameTraits one_hole(std::int32_t pixel_type = ZV_PIXEL_TYPE_DEPTH) {
+  Pixels pixels(24, 800);
+  pixels[3] = 700;
+  pixels[11] = 0;
+  pixels[19] = 900;
+  devhost::FrameTraits traits = frame_of(pixels, 3);
+  traits.pixel_type = pixel_type;
   return traits;
 }
 
-std::uint16_t filled(FilterDriver& filter, const devhost::FrameTraits& traits) {
-  const devhost::Frame output = filter.process(devhost::make_frame(traits));
-  EXPECT_EQ(filter.last_error(), kNoError);
-  return output ? devhost::inspect(output.get()).pixels[9] : std::uint16_t{0};
-}
-
 TEST(HoleFillingFilter, NearestAndFarthestChangePlacesForDisparity) {
-  FilterDriver filter(kName);
-  devhost::FrameTraits depth = one_hole();
-  devhost::FrameTraits disparity = one_hole();
-  disparity.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
-  EXPECT_EQ(filled(filter, depth), 700) << "top, before any configuration";
+  FilterDriver filter("HoleFillingFilter");
+  const auto filled = [&](std::int32_t pixel_type) { return filter.filtered(one_hole(pixel_type))[11]; };
+  EXPECT_EQ(filled(ZV_PIXEL_TYPE_DEPTH), 700) << "top, before any configuration";
   EXPECT_EQ(filter.update({"1"}), kNoError);
-  EXPECT_EQ(filled(filter, depth), 700);
-  EXPECT_EQ(filled(filter, disparity), 900);
+  EXPECT_EQ(filled(ZV_PIXEL_TYPE_DEPTH), 700);
+  EXPECT_EQ(filled(ZV_PIXEL_TYPE_DISPARITY), 900);
   EXPECT_EQ(filter.update({"2"}), kNoError);
-  EXPECT_EQ(filled(filter, depth), 900);
-  EXPECT_EQ(filled(filter, disparity), 700);
+  EXPECT_EQ(filled(ZV_PIXEL_TYPE_DEPTH), 900);
+  EXPECT_EQ(filled(ZV_PIXEL_TYPE_DISPARITY), 700);
+  for (const char* mode : {"-1", "3"}) {
+    EXPECT_EQ(filter.update({mode}),
+              (ErrorTexts{"invalid hole filling mode params", "update_filter_config", "argv", 4}));
+  }
+  EXPECT_EQ(filled(ZV_PIXEL_TYPE_DEPTH), 900) << "as before";
   filter.reset();
-  EXPECT_EQ(filled(filter, disparity), 700) << "top again";
+  EXPECT_EQ(filled(ZV_PIXEL_TYPE_DISPARITY), 700) << "top again";
 }
 
 /// The public operations never store a mode outside 0 to 2.
@@ -55,14 +48,14 @@ TEST(HoleFillingFilter, AnUnknownModeReportsAndPassesTheFrameButNotTheSet) {
   const devhost::LiveObjects before = devhost::live_objects();
   {
     zv_error* error = nullptr;
-    const devhost::Frame frame = devhost::make_frame(one_hole());
+    devhost::Frame frame = devhost::make_frame(one_hole());
     const devhost::Frame output(filter.filter_process(frame.get(), &error));
     ASSERT_TRUE(output);
     EXPECT_EQ(devhost::inspect(output.get()).pixels, one_hole().pixels);
     EXPECT_EQ(texts_of(error), expected);
 
-    const devhost::Frame set = devhost::make_frame_set(devhost::make_frame(one_hole()));
     error = nullptr;
+    const devhost::Frame set = devhost::make_frame_set(std::move(frame));
     const std::string printed =
         FilterDriver::output_of([&] { EXPECT_EQ(filter.filter_process(set.get(), &error), nullptr); });
     EXPECT_EQ(texts_of(error), expected);

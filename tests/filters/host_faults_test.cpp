@@ -1,80 +1,64 @@
 // Every host call of every filter fails in turn.
 #include <algorithm>
-#include <functional>
 #include <map>
 
+#include "support/every_filter.h"
 #include "support/filter_driver.h"
 
 namespace filterprocessor {
 namespace {
 
+constexpr std::int32_t kDepth = ZV_PIXEL_TYPE_DEPTH;
+constexpr std::int32_t kCodes = ZV_PIXEL_TYPE_DISPARITY;
+constexpr std::int32_t kLinear = ZV_PIXEL_TYPE_LINEAR_DEPTH;
+
 struct Scenario {
   const char* name;
   const char* filter;
-  std::vector<std::string> configuration;  ///< none: as it is made
-  std::function<void(devhost::FrameTraits&)> describe;
+  std::int32_t pixel_type = kDepth;
+  std::vector<std::string> configuration = {};  ///< none: as it is made
+  bool corrected = true;
+  bool packed = false;
+  bool one_camera = false;
 };
 
-void disparity(devhost::FrameTraits& traits) { traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY; }
-void corrected(devhost::FrameTraits& traits) { traits.metadata[32] = 4; }
-
 const Scenario kScenarios[] = {
-    {"top", "HoleFillingFilter", {}, [](auto&) {}},
-    {"pass-through", "DisparityTransform", {}, [](auto&) {}},
-    {"plain", "DisparityTransform", {}, disparity},
-    {"packed, corrected, other bits",
-     "DisparityTransform",
-     {"5000", "10", "0.5"},
-     [](auto& traits) {
-       disparity(traits);
-       corrected(traits);
-       traits.format = ZV_FORMAT_PACKED_CODE;
-       traits.bits = 12;
-     }},
-    {"one camera",
-     "DisparityTransform",
-     {},
-     [](auto& traits) {
-       disparity(traits);
-       traits.disparity.isDualCamera = 0;
-       traits.disparity.zpd = 1000;
-     }},
-    {"plain", "OpenNIDisparityTransform", {}, disparity},
+    {"top", "HoleFillingFilter"},
+    {"pass-through", "DisparityTransform"},
+    {"plain", "DisparityTransform", kCodes, {}, false},
+    {"packed, corrected", "DisparityTransform", kCodes, {"5000", "10", "0.5"}, true, true},
+    {"one camera", "DisparityTransform", kCodes, {}, false, false, true},
+    {"plain", "OpenNIDisparityTransform", kCodes},
     {"sampled",
      "OpenNIDisparityTransform",
-     {"9000", "10", "1", "20", "10", "0.5", "1", "1", "1", "1"},
-     disparity},
-    {"nothing to correct", "HardwareD2DCorrectionFilter", {}, [](auto&) {}},
-    {"corrected", "HardwareD2DCorrectionFilter", {}, corrected},
-    {"depth", "NoiseRemovalFilter", {}, [](auto&) {}},
-    {"disparity", "NoiseRemovalFilter", {"10", "16", "40", "24"}, disparity},
-    {"linear depth", "NoiseRemovalFilter", {}, [](auto& traits) { traits.pixel_type = 4; }},
-    {"depth", "SpatialAdvancedFilter", {"2", "0.3", "100", "4"}, [](auto&) {}},
-    {"disparity", "SpatialAdvancedFilter", {}, disparity},
-    {"linear depth", "SpatialAdvancedFilter", {}, [](auto& traits) { traits.pixel_type = 4; }},
-    {"depth", "TemporalFilter", {}, [](auto&) {}},
-    {"both directions", "EdgeNoiseRemovalFilter", {}, [](auto&) {}},
-    {"rows", "EdgeNoiseRemovalFilter", {"6", "6", "70", "30", "0", "40", "24"}, [](auto&) {}},
-    {"half size", "DepthResize", {"20", "13", "0.5", "0", "0", "1", "0"}, [](auto&) {}},
+     kCodes,
+     {"9000", "10", "1", "20", "10", "0.5", "1", "1", "1", "1"}},
+    {"nothing to correct", "HardwareD2DCorrectionFilter", kDepth, {}, false},
+    {"corrected", "HardwareD2DCorrectionFilter"},
+    {"depth", "NoiseRemovalFilter"},
+    {"disparity", "NoiseRemovalFilter", kCodes, {"10", "16", "40", "24"}},
+    {"linear depth", "NoiseRemovalFilter", kLinear},
+    {"depth", "SpatialAdvancedFilter", kDepth, {"2", "0.3", "100", "4"}},
+    {"disparity", "SpatialAdvancedFilter", kCodes},
+    {"linear depth", "SpatialAdvancedFilter", kLinear},
+    {"depth", "TemporalFilter"},
+    {"both directions", "EdgeNoiseRemovalFilter"},
+    {"rows", "EdgeNoiseRemovalFilter", kDepth, {"6", "6", "70", "30", "0", "40", "24"}},
+    {"half size", "DepthResize", kDepth, {"20", "13", "0.5", "0", "0", "1", "0"}},
 };
 
 devhost::Frame make_input(const Scenario& scenario, bool as_set, std::uint32_t width = 40,
                           std::uint32_t height = 24) {
-  devhost::FrameTraits traits;
-  traits.width = width;
-  traits.height = height;
-  traits.pixels.resize(std::size_t{width} * height);
-  for (std::size_t i = 0; i < traits.pixels.size(); ++i) {
-    traits.pixels[i] = static_cast<std::uint16_t>(i % 7 == 0 ? 0 : 1000 + i % 50);
+  devhost::FrameTraits traits = lively_frame(width, height, scenario.pixel_type, 1);
+  if (!scenario.corrected) traits.metadata.clear();
+  if (scenario.packed) {
+    traits.format = ZV_FORMAT_PACKED_CODE;
+    traits.bits = 12;  // not those of the profile
   }
-  traits.disparity.fx = 600;
-  traits.disparity.baseline = 50;
-  traits.disparity.unit = 1;
-  traits.disparity.bitSize = 16;
-  traits.disparity.packMode = 2;
-  traits.disparity.dispIntPlace = 8;
-  traits.disparity.isDualCamera = 1;
-  scenario.describe(traits);
+  if (scenario.one_camera) {
+    traits.disparity.isDualCamera = 0;
+    traits.disparity.zpd = 1000;
+  }
   devhost::Frame frame = devhost::make_frame(traits);
   return as_set ? devhost::make_frame_set(std::move(frame)) : std::move(frame);
 }

@@ -1,7 +1,5 @@
 #include "filters/noise_removal_filter.h"
 
-#include <cstring>
-
 #include "filterprocessor/speckle.h"
 #include "scenes.h"
 #include "support/filter_driver.h"
@@ -9,19 +7,12 @@
 namespace filterprocessor {
 namespace {
 
-using FrameInfo = IPrivFilter::FrameInfoInner;
 constexpr const char* kName = "NoiseRemovalFilter";
-ErrorTexts out_of_range(const char* name) {
-  return {"params out of range", "update_filter_config", name, 4};
-}
-ErrorTexts invalid(const char* field) { return {"invalid params", "updateConfig", field, 4}; }
 const ErrorTexts kKernel = {"noise removal filter error", "filter_process", "NoiseRemovalFilter", 0};
 
 devhost::FrameTraits room(int width, int height) {
-  devhost::FrameTraits traits;
-  traits.width = static_cast<std::uint32_t>(width);
-  traits.height = static_cast<std::uint32_t>(height);
-  traits.pixels = bench::stereo_scene(width, height).pixels;
+  devhost::FrameTraits traits =
+      frame_of(bench::stereo_scene(width, height).pixels, static_cast<std::uint32_t>(height));
   traits.disparity.fx = 800;
   traits.disparity.baseline = 50;
   traits.disparity.dispIntPlace = 8;
@@ -42,12 +33,6 @@ Pixels despeckled(const devhost::FrameTraits& traits, std::vector<std::uint16_t>
   return pixels;
 }
 
-Pixels filtered(FilterDriver& filter, const devhost::FrameTraits& traits) {
-  const devhost::Frame output = filter.process(devhost::make_frame(traits));
-  EXPECT_EQ(filter.last_error(), kNoError);
-  return output ? devhost::inspect(output.get()).pixels : Pixels{};
-}
-
 /// t = 256/256 * 500 * 500 / 40000 = 6.25, times 1, 4, 9, ...
 const std::vector<std::uint16_t> kTable = {6, 25, 56, 100, 156, 225, 306};
 
@@ -55,38 +40,33 @@ TEST(NoiseRemovalFilter, ScalesTheSizeLimitWithTheAreaOfTheFrame) {
   struct Case {
     int width, height, max_size;
   };
-  for (const Case& c : {Case{848, 480, 80}, {424, 240, 20}, {640, 400, 50}, {100, 70, 1}}) {
+  for (const Case& c :
+       {Case{848, 480, 80}, {424, 240, 20}, {640, 400, 50}, {1280, 800, 201}, {100, 70, 1}}) {
     FilterDriver filter(kName);
     const devhost::FrameTraits traits = room(c.width, c.height);
-    const Pixels result = filtered(filter, traits);
+    const Pixels result = filter.filtered(traits);
     EXPECT_EQ(result, despeckled(traits, kTable, 9, 0, c.max_size)) << c.width << " x " << c.height;
     if (c.width > 100) {
       EXPECT_NE(result, traits.pixels);
     }
   }
-  NoiseRemovalFilter filter;
-  zv_error* error = nullptr;
-  filter.updateConfig({.width = 1280, .height = 800, .depth_flag = 0, .bxf = 40000}, &error);
-  const std::string printed = FilterDriver::output_of([&] { filter.print_key_params(); });
-  EXPECT_NE(printed.find("current_filter_params: \nwidth:    1280\nheight:   800\nmax_size: 201\n"),
-            std::string::npos);
 }
 
 TEST(NoiseRemovalFilter, RescalesTheDifferenceByFractionBits) {
   FilterDriver filter(kName);
   devhost::FrameTraits traits = room(424, 240);
   traits.bits = 12;  // 4 fraction bits: the difference becomes 16, and the table stays
-  EXPECT_EQ(filtered(filter, traits), despeckled(traits, kTable, 9, 0, 20));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, kTable, 9, 0, 20));
   traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
-  EXPECT_EQ(filtered(filter, traits), despeckled(traits, {}, 0, 16, 20));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, {}, 0, 16, 20));
   traits.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
-  EXPECT_EQ(filtered(filter, traits),
+  EXPECT_EQ(filter.filtered(traits),
             despeckled(traits, {256, 512, 768, 1024, 1280, 1536, 1792}, 9, 0, 20));
   traits.pixel_type = 7;  // an empty table: only equal neighbours join
-  EXPECT_EQ(filtered(filter, traits), despeckled(traits, Pixels(7), 9, 0, 20));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, Pixels(7), 9, 0, 20));
   EXPECT_EQ(filter.update({"80", "10000", "848", "480"}), kNoError);
   traits.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
-  EXPECT_EQ(filtered(filter, traits),
+  EXPECT_EQ(filter.filtered(traits),
             despeckled(traits, {10000, 20000, 30000, 40000, 50000, 60000, 4464}, 9, 0, 20))
       << "entries keep their low 16 bits";
 }
@@ -102,7 +82,7 @@ TEST(NoiseRemovalFilter, KnowsTheInvalidCodeOfEachCamera) {
     traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
     traits.disparity.isDualCamera = c.dual;
     traits.disparity.packMode = c.mode;
-    EXPECT_EQ(filtered(filter, traits), despeckled(traits, {}, 0, 256, 1, c.invalid_value));
+    EXPECT_EQ(filter.filtered(traits), despeckled(traits, {}, 0, 256, 1, c.invalid_value));
   }
 }
 
@@ -127,21 +107,13 @@ TEST(NoiseRemovalFilter, ShiftFollowsTheDepthUnit) {
   EXPECT_EQ(table.shift, 13) << "kept";
 }
 
-TEST(NoiseRemovalFilter, ChecksItsParametersInOrderAndStoresAllOrNone) {
+TEST(NoiseRemovalFilter, ScalesFromTheSizeItIsConfiguredFor) {
   FilterDriver filter(kName);
-  EXPECT_EQ(filter.update({"0", "0", "0", "0"}), out_of_range("max_size"));
-  EXPECT_EQ(filter.update({"1001", "1", "1", "1"}), out_of_range("max_size"));
-  EXPECT_EQ(filter.update({"1000", "10001", "1", "1"}), out_of_range("min_diff"));
-  EXPECT_EQ(filter.update({"1000", "-1", "1", "1"}), out_of_range("min_diff"));
-  EXPECT_EQ(filter.update({"1000", "10000", "1281", "1"}), out_of_range("width"));
-  EXPECT_EQ(filter.update({"1000", "10000", "1280", "1025"}), out_of_range("height"));
-  EXPECT_EQ(filter.update({"1"}), kBadCount);
   const devhost::FrameTraits traits = room(424, 240);
-  EXPECT_EQ(filtered(filter, traits), despeckled(traits, kTable, 9, 0, 20));
   EXPECT_EQ(filter.update({"1000", "128", "1280", "1024"}), kNoError);
-  EXPECT_EQ(filtered(filter, traits), despeckled(traits, {3, 12, 28, 50, 78, 112, 153}, 9, 0, 77));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, {3, 12, 28, 50, 78, 112, 153}, 9, 0, 77));
   filter.reset();
-  EXPECT_EQ(filtered(filter, traits), despeckled(traits, kTable, 9, 0, 20));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, kTable, 9, 0, 20));
 }
 
 TEST(NoiseRemovalFilter, AFailedConfigurationIsNotRetriedForTheSameKindOfFrame) {
@@ -154,55 +126,46 @@ TEST(NoiseRemovalFilter, AFailedConfigurationIsNotRetriedForTheSameKindOfFrame) 
                         {"frame_info.depth_unit", 50, 0, 424},
                         {"frame_info.width||frame_info.height", 50, 1, 0}}) {
     FilterDriver filter(kName);
+    EXPECT_EQ(filter.update({"80", "100", "848", "480"}), kNoError);
+    EXPECT_EQ(filter.update({"80", "256", "848", "480"}), kNoError);
     devhost::FrameTraits good = room(424, 240);
     devhost::FrameTraits bad = good;
     bad.disparity.baseline = c.baseline;
     bad.value_scale = c.value_scale;
     bad.width = c.width;
-    const std::string printed =
-        FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
-    EXPECT_EQ(filter.last_error(), invalid(c.field));
-    EXPECT_NE(printed.find(std::string("call: updateConfig(") + c.field + ")"), std::string::npos);
-    FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(bad))); });
-    EXPECT_EQ(filter.last_error(), kKernel) << "there is no buffer to work in";
-    EXPECT_EQ(filtered(filter, good), despeckled(good, kTable, 9, 0, 20));
+    EXPECT_EQ(filter.refused(bad), invalid(c.field));
+    EXPECT_NE(filter.printed().find(std::string("call: updateConfig(") + c.field + ")"),
+              std::string::npos);
+    EXPECT_EQ(filter.refused(bad), kKernel) << "there is no buffer to work in";
+    EXPECT_EQ(filter.filtered(good), despeckled(good, kTable, 9, 0, 20));
   }
 }
 
-TEST(NoiseRemovalFilter, AfterAFailedConfigurationALargerBufferServes) {
+TEST(NoiseRemovalFilter, AfterAFailedConfigurationAnOlderBufferServesIfItIsLargeEnough) {
   struct Case {
     std::uint32_t width, height;
     float value_scale;
+    bool serves;
   };
-  for (const Case& c : {Case{32, 24, 0}, {0, 48, 1}, {64, 0, 1}}) {
+  for (const Case& c : {Case{32, 24, 0, true}, {0, 48, 1, true}, {64, 0, 1, true}, {64, 49, 0, false}}) {
     FilterDriver filter(kName);
-    devhost::FrameTraits traits = room(64, 48);
-    EXPECT_FALSE(filtered(filter, traits).empty());
+    EXPECT_FALSE(filter.filtered(room(64, 48)).empty());
+    devhost::FrameTraits traits = room(64, 49);
     traits.width = c.width;
     traits.height = c.height;
     traits.value_scale = c.value_scale;
     traits.pixels.resize(std::size_t{c.width} * c.height);
-    FilterDriver::output_of([&] { EXPECT_FALSE(filter.process(devhost::make_frame(traits))); });
-    EXPECT_TRUE(filter.process(devhost::make_frame(traits))) << c.width << ": " << filter.last_error();
+    EXPECT_NE(filter.refused(traits), kNoError);
+    if (c.serves) {
+      EXPECT_EQ(filter.filtered(traits).size(), traits.pixels.size());
+    } else {
+      EXPECT_EQ(filter.refused(traits), kKernel);
+    }
   }
-}
-
-TEST(NoiseRemovalFilter, NeverUsesTheBufferOfAnotherSize) {
   FilterDriver filter(kName);
-  EXPECT_FALSE(filtered(filter, room(100, 70)).empty());
-  devhost::FrameTraits larger = room(200, 140);
-  larger.disparity.fx = 0;  // refused before a buffer is made
-  FilterDriver::output_of([&] {
-    EXPECT_FALSE(filter.process(devhost::make_frame(larger)));
-    EXPECT_EQ(filter.last_error(), invalid("frame_info.bxf"));
-    EXPECT_FALSE(filter.process(devhost::make_frame(larger)));
-    EXPECT_EQ(filter.last_error(), kKernel);
-  });
-  larger.pixels.clear();
-  larger.width = larger.height = 4000000000u;
-  larger.disparity.fx = 800;
-  EXPECT_FALSE(filter.process(devhost::make_frame(larger)));
-  EXPECT_EQ(filter.last_error(), kBadFrame);
+  devhost::FrameTraits huge = room(64, 48);
+  huge.width = huge.height = 4000000000u;
+  EXPECT_EQ(filter.refused(huge), kBadFrame);
 }
 
 TEST(NoiseRemovalFilter, CallsTheHostInOrder) {

@@ -1,4 +1,5 @@
-#include "kit/plugin/schema.h"
+#include "kit/schema/schema.h"
+#include "support/every_filter.h"
 #include "support/filter_driver.h"
 
 namespace filterprocessor {
@@ -33,18 +34,42 @@ TEST(ParameterRanges, BothEndsAreAcceptedAndNothingPastThem) {
     ASSERT_EQ(filter.update(values), kNoError) << filter_name;
     for (std::size_t i = 0; i < parameters.size(); ++i) {
       const auto& [name, type, min, max, step, default_value, description] = parameters[i];
-      const bool refuses = is_checked(name) && !fails_in_silence(name);
-      const std::string named = filter_name == "HoleFillingFilter" ? "argv" : name;
-      for (const int direction : {-1, 1}) {
-        const std::string& end = direction < 0 ? min : max;
+      for (const std::string& end : {min, max}) {
         values[i] = end;
         EXPECT_EQ(filter.update(values), kNoError) << filter_name << ", " << name << " = " << end;
-        values[i] = past(end, type, direction);
+      }
+      const std::string named = filter_name == "HoleFillingFilter" ? "argv" : name;
+      const bool refuses = is_checked(name) && !fails_in_silence(name);
+      for (const std::string& bad :
+           {past(min, type, -1), past(max, type, 1), std::string(type == "float" ? "nan" : "-1")}) {
+        values[i] = bad;
         EXPECT_EQ(filter.update(values).args, refuses ? named : "")
-            << filter_name << ", " << name << " = " << values[i];
+            << filter_name << ", " << name << " = " << bad;
       }
       values[i] = default_value;
     }
+  }
+}
+
+TEST(ParameterRanges, OfSeveralBadValuesTheFirstIsNamedAndNothingIsStored) {
+  for (const FilterUse& use : every_filter(320, 200)) {
+    const std::string name = use.name;
+    if (name != "NoiseRemovalFilter" && name != "SpatialAdvancedFilter" &&
+        name != "EdgeNoiseRemovalFilter")
+      continue;  // the others store what comes before a bad value
+    FilterDriver filter(name);
+    const auto parameters = kit::parse_schema(filter.schema());
+    const devhost::FrameTraits frame = lively_frame(320, 200, use.pixel_type, 0);
+    EXPECT_EQ(filter.update(use.configuration), kNoError);
+    const Pixels before = filter.filtered(frame);
+    std::vector<std::string> values = use.other;
+    for (std::size_t i = values.size(); i-- > 0;) {
+      values[i] = "-1";
+      EXPECT_EQ(filter.update(values), out_of_range(parameters[i].name));
+      EXPECT_EQ(filter.filtered(frame), before) << name << ", " << parameters[i].name;
+    }
+    EXPECT_EQ(filter.update(use.other), kNoError);
+    EXPECT_NE(filter.filtered(frame), before) << name;
   }
 }
 

@@ -4,15 +4,7 @@
 #include <locale>
 #include <memory>
 
-#include "filters/depth_resize.h"
-#include "filters/disparity_transform.h"
-#include "filters/edge_noise_removal_filter.h"
-#include "filters/hardware_d2d_correction_filter.h"
-#include "filters/hole_filling_filter.h"
-#include "filters/noise_removal_filter.h"
-#include "filters/open_ni_disparity_transform.h"
-#include "filters/spatial_advanced_filter.h"
-#include "filters/temporal_filter.h"
+#include "framework/registry/filter_factory.h"
 #include "support/every_filter.h"
 #include "support/filter_driver.h"
 
@@ -20,57 +12,50 @@ namespace filterprocessor {
 namespace {
 
 struct Print {
-  std::shared_ptr<IPrivFilter> filter;
+  int index;                               ///< of the filter
   std::vector<const char*> configuration;  ///< none: as it is made
-  std::int32_t pixel_type;
   std::string text;
+  std::int32_t pixel_type = ZV_PIXEL_TYPE_DEPTH;
 };
-
-template <typename Filter>
-Print print_of(std::vector<const char*> configuration, std::string text,
-               std::int32_t pixel_type = ZV_PIXEL_TYPE_DEPTH) {
-  return {std::make_shared<Filter>(), std::move(configuration), pixel_type, std::move(text)};
-}
 
 const std::string kRecord =
     "d2dParameters: \nbaseline:      50.1\nbitSize:       \x10\ndispIntPlace:  8\ndispOffset:    0\n"
     "fx:            600\ninvalidDisp:   0\nisDualCamera:  \x01\nminDisparity:  0\n"
-    "packMode:      \x02\nunit:          1\nzpd:           1234.5\nzpps:          0.25\n";
+    "packMode:      \x02\nunit:          1\nzpd:           1234.57\nzpps:          0.25\n";
 
 /// After a frame of 640 x 400.
-std::vector<Print> all_prints() {
-  return {print_of<DisparityTransform>({}, kRecord, ZV_PIXEL_TYPE_DISPARITY),
-          print_of<HoleFillingFilter>({}, "hole filling mode: top\n"),
-          print_of<HoleFillingFilter>({"1"}, "hole filling mode: nearest\n"),
-          print_of<HoleFillingFilter>({"2"}, "hole filling mode: farest\n"),
-          print_of<NoiseRemovalFilter>(
-              {},
-              "anchor_params: \nwidth:    848\nheight:   480\nmax_size: 80\nmin_diff: 256\n"
-              "current_filter_params: \nwidth:    640\nheight:   400\nmax_size: 50\nmin_diff: 256\n"
-              "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        30060\ndepth_flag: 0\n"
-              "depth_unit: 1\nfraction_bit_size: \x08\n"
-              "depth_diff_lut: \n8 33 74 133 207 299 407 \ndepth_shift: \x09\n"),
-          print_of<SpatialAdvancedFilter>(
-              {},
-              "anchor_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
-              "current_filter_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
-              "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        30060\ndepth_flag: 0\n"
-              "depth_unit: 1\nfraction_bit_size: 8\n"
-              "depth_diff_lut: 5 20 46 83 129 187 254\ndepth_shift: 9\n"),
-          print_of<TemporalFilter>({}, "diff_scale: 0.1\nweight:     0.4\n"),
-          print_of<DepthResize>(
-              {"640", "1480", "0.5", "1", "2", "3", "-4"},
-              "dst_width:     640\ndst_height:    1480\nprocess_param: \nscale:         0.5\n"
-              "ex_top:        3\nex_bottom:     -4\nex_left:       1\nex_right:      2\n"),
-          print_of<EdgeNoiseRemovalFilter>(
-              {},
-              "anchor_params: \nenable_direction: 1\nlimit_x_th:       70\nlimit_y_th:       30\n"
-              "margin_x_th:      6\nmargin_y_th:      6\n"
-              "current_filter_params: \nenable_direction: 1\nlimit_x_th:       35\n"
-              "limit_y_th:       15\nmargin_x_th:      3\nmargin_y_th:      3\n"),
-          print_of<HardwareD2DCorrectionFilter>({}, "disp_offset: 2\ninvalid_depth: 15030\nfb: 30060\n"),
-          print_of<OpenNIDisparityTransform>({}, kRecord, ZV_PIXEL_TYPE_DISPARITY)};
-}
+const Print kPrints[] = {
+    {0, {}, kRecord, ZV_PIXEL_TYPE_DISPARITY},
+    {1, {}, "hole filling mode: top\n"},
+    {1, {"1"}, "hole filling mode: nearest\n"},
+    {1, {"2"}, "hole filling mode: farest\n"},
+    {2,
+     {},
+     "anchor_params: \nwidth:    848\nheight:   480\nmax_size: 80\nmin_diff: 256\n"
+     "current_filter_params: \nwidth:    640\nheight:   400\nmax_size: 50\nmin_diff: 256\n"
+     "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        30060\ndepth_flag: 0\n"
+     "depth_unit: 1\nfraction_bit_size: \x08\n"
+     "depth_diff_lut: \n8 33 74 133 207 299 407 \ndepth_shift: \x09\n"},
+    {3,
+     {},
+     "anchor_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
+     "current_filter_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
+     "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        30060\ndepth_flag: 0\n"
+     "depth_unit: 1\nfraction_bit_size: 8\n"
+     "depth_diff_lut: 5 20 46 83 129 187 254\ndepth_shift: 9\n"},
+    {4, {}, "diff_scale: 0.1\nweight:     0.4\n"},
+    {5,
+     {"640", "1480", "0.5", "1", "2", "3", "-4"},
+     "dst_width:     640\ndst_height:    1480\nprocess_param: \nscale:         0.5\n"
+     "ex_top:        3\nex_bottom:     -4\nex_left:       1\nex_right:      2\n"},
+    {6,
+     {},
+     "anchor_params: \nenable_direction: 1\nlimit_x_th:       70\nlimit_y_th:       30\n"
+     "margin_x_th:      6\nmargin_y_th:      6\n"
+     "current_filter_params: \nenable_direction: 1\nlimit_x_th:       35\n"
+     "limit_y_th:       15\nmargin_x_th:      3\nmargin_y_th:      3\n"},
+    {7, {}, "disp_offset: 25\ninvalid_depth: 1202\nfb: 30060\n"},
+    {8, {}, kRecord, ZV_PIXEL_TYPE_DISPARITY}};
 
 struct CommasAndGroups : std::numpunct<char> {
   char do_decimal_point() const override { return ','; }
@@ -80,23 +65,23 @@ struct CommasAndGroups : std::numpunct<char> {
 
 TEST(Prints, StayWhateverIsSetForStandardOutput) {
   for (const bool set : {false, true}) {
-    for (const Print& print : all_prints()) {
+    for (const Print& print : kPrints) {
+      const auto filter = FilterFactory::getInstance()->createFilter(print.index);
       std::vector<const char*> values = print.configuration;
-      if (!values.empty()) print.filter->update_filter_config(values.size(), values.data(), nullptr);
+      if (!values.empty()) filter->update_filter_config(values.size(), values.data(), nullptr);
       devhost::FrameTraits traits = lively_frame(640, 400, print.pixel_type, 0);
       traits.disparity.baseline = 50.1f;
-      traits.disparity.zpd = 1234.5;
+      traits.disparity.zpd = 1234.567;
       traits.disparity.zpps = 0.25;
       const devhost::Frame frame = devhost::make_frame(traits);
-      FilterDriver::output_of(
-          [&] { devhost::Frame(print.filter->filter_process(frame.get(), nullptr)); });
+      FilterDriver::output_of([&] { devhost::Frame(filter->filter_process(frame.get(), nullptr)); });
       std::ios before(nullptr);
       before.copyfmt(std::cout);
       if (set) {
         std::cout.imbue(std::locale(std::locale::classic(), new CommasAndGroups));
         std::cout << std::hex << std::showbase << std::showpos << std::scientific << std::setprecision(2);
       }
-      const std::string text = FilterDriver::output_of([&] { print.filter->print_key_params(); });
+      const std::string text = FilterDriver::output_of([&] { filter->print_key_params(); });
       std::cout.copyfmt(before);
       EXPECT_EQ(text, print.text);
     }

@@ -28,13 +28,14 @@ TEST(Saturate, TruncatesTowardZeroAndStopsAtTheEndsOfTheRange) {
 }
 
 TEST(ConfigValues, ReadsWhatIsNotANumberAsZero) {
-  std::array texts = {"12x", "nothing", " -7", "0.25", static_cast<const char*>(nullptr)};
+  std::array texts = {"12x", "nothing", " -7", "0.25", static_cast<const char*>(nullptr), "010"};
   const ConfigValues values(texts.size(), texts.data(), nullptr);
   EXPECT_EQ(values.integer(0), 12);
   EXPECT_EQ(values.integer(1), 0);
   EXPECT_EQ(values.integer(2), -7);
   EXPECT_EQ(values.number(3), 0.25);
   EXPECT_EQ(values.number(4), 0.0);
+  EXPECT_EQ(values.integer(5), 10);
   EXPECT_EQ(ConfigValues(1, nullptr, nullptr).integer(0), 0);
 }
 

@@ -15,7 +15,7 @@ static atomic_int rounds;
 static const char* use_filters(void) {
   if (!names_are_right(&plugin)) return "the names are wrong";
   for (size_t i = 0; i < filter_case_count; ++i) {
-    if (try_case(&plugin, &filter_cases[i]) == 0) return filter_cases[i].name;
+    if (try_case(&plugin, &filter_cases[i], 64, 48) == 0) return filter_cases[i].name;
   }
   return NULL;
 }
@@ -52,9 +52,7 @@ static const char* leave_main(void* with_thread) {
 int main(int argc, char** argv) {
   if (argc != 2) return 2;
   path = argv[1];
-  const char* handler = in_child(leave_main, NULL);
-  if (handler != NULL) printf("an exit handler uses filters: %s\n", handler);
-  const char* thread = in_child(leave_main, &plugin);
-  if (thread != NULL) printf("a thread outlives main: %s\n", thread);
-  return handler != NULL || thread != NULL;
+  const bool handler = complains("an exit handler uses filters", in_child(leave_main, NULL));
+  const bool thread = complains("a thread outlives main", in_child(leave_main, &plugin));
+  return handler || thread;
 }

@@ -48,6 +48,11 @@ const char* in_child(const char* (*body)(void* argument), void* argument) {
   return *said;
 }
 
+bool complains(const char* title, const char* complaint) {
+  if (complaint != NULL) printf("%s: %s\n", title, complaint);
+  return complaint != NULL;
+}
+
 struct call {
   void (*body)(void* argument);
   void* argument;

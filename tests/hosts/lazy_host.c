@@ -48,11 +48,8 @@ static const char* only_list(void* unused) {
 int main(int argc, char** argv) {
   if (argc != 4) return 2; /* PLUGIN HOST LACKING_HOST */
   path = argv[1], whole_host = argv[2], lacking_host = argv[3];
-  const char* lacking = in_child(lack_a_function, NULL);
-  const char* local = in_child(raise_local_host, NULL);
-  const char* listing = in_child(only_list, NULL);
-  if (lacking != NULL) printf("a host that lacks a function: %s\n", lacking);
-  if (local != NULL) printf("a host with local symbols: %s\n", local);
-  if (listing != NULL) printf("no host: %s\n", listing);
-  return lacking != NULL || local != NULL || listing != NULL;
+  const bool lacking = complains("a host that lacks a function", in_child(lack_a_function, NULL));
+  const bool local = complains("a host with local symbols", in_child(raise_local_host, NULL));
+  const bool listing = complains("no host", in_child(only_list, NULL));
+  return lacking || local || listing;
 }

@@ -1,4 +1,4 @@
-/* The host has a locale with a decimal comma: texts mean what they mean without it, and the schema's own defaults are accepted. */
+/* The host has a locale with a decimal comma: texts mean what they mean without it. */
 #include <locale.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -6,20 +6,9 @@
 
 #include "plugin.h"
 
-/* The defaults, the sixth of seven fields in each line of the schema, separated by blanks. */
-static void read_defaults(const char* schema, char* defaults) {
-  for (int commas = 0; *schema != '\0'; ++schema) {
-    if (*schema == ',') ++commas;
-    if (commas == 5 && *schema != ',' && *schema != ' ') *defaults++ = *schema;
-    if (*schema == '\n') commas = 0;
-    if (*schema == ',' && commas == 6) *defaults++ = ' ';
-  }
-  *defaults = '\0';
-}
-
 static uint64_t try_in(const char* locale, const struct plugin* plugin, const struct filter_case* what) {
   setlocale(LC_ALL, locale);
-  return try_case(plugin, what);
+  return try_case(plugin, what, 64, 48);
 }
 
 int main(int argc, char** argv) {
@@ -33,16 +22,6 @@ int main(int argc, char** argv) {
     const uint64_t expected = try_in("C", &plugin, &filter_cases[i]);
     if (expected != 0 && try_in(argv[2], &plugin, &filter_cases[i]) == expected) continue;
     ++wrong, printf("%s: \"%s\" is read in another way\n", filter_cases[i].name, filter_cases[i].values);
-  }
-  setlocale(LC_ALL, argv[2]);
-  for (int32_t index = 0; index < plugin.count(); ++index) {
-    char defaults[512];
-    PrivFilterContext* filter = plugin.create(index);
-    read_defaults(filter->get_config_schema(filter->filter, NULL), defaults);
-    const struct filter_case itself = {.values = defaults};
-    if (!configure(filter, &itself, 0, 0))
-      ++wrong, printf("%s: \"%s\" is refused\n", plugin.name(index), defaults);
-    filter->destroy(filter);
   }
   if (strcmp(setlocale(LC_ALL, NULL), argv[2]) != 0) ++wrong, puts("the process's locale has changed");
   return wrong != 0;

@@ -12,36 +12,35 @@
 
 #define DISPARITY .pixel_type = ZV_PIXEL_TYPE_DISPARITY
 #define LINEAR .pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH
+#define SET .in_set = true
+#define PACKED .format = ZV_FORMAT_PACKED_CODE, .corrected = true
 #define SAMPLED "9000 10 0.5 %1$u %2$u 0.5 1 1 1 1"
 
 const struct filter_case filter_cases[] = {
     {"DisparityTransform, depth", 0, "9000 10 0.5", {.width = 0}},
     {"DisparityTransform", 0, "9000 10 0.5", {DISPARITY}},
-    {"DisparityTransform, packed set",
-     0,
-     "9000 10 0.5",
-     {DISPARITY, .format = 34, .corrected = true, .in_set = true}},
+    {"DisparityTransform, packed set", 0, "9000 10 0.5", {DISPARITY, SET, PACKED}},
     {"DisparityTransform, one camera", 0, "9000 10 0.5", {DISPARITY, .one_camera = true}},
     {"HoleFillingFilter, top", 1, "0", {.width = 0}},
-    {"HoleFillingFilter, nearest, set", 1, "1", {.in_set = true}},
+    {"HoleFillingFilter, nearest, set", 1, "1", {SET}},
     {"HoleFillingFilter, farthest", 1, "2", {.width = 0}},
-    {"NoiseRemovalFilter, set", 2, "80 256 848 480", {.in_set = true}},
+    {"NoiseRemovalFilter, set", 2, "80 256 848 480", {SET}},
     {"NoiseRemovalFilter, disparity", 2, "80 256 848 480", {DISPARITY}},
     {"NoiseRemovalFilter, linear depth", 2, "80 256 848 480", {LINEAR}},
-    {"SpatialAdvancedFilter, set", 3, "2 0.5 160 4", {.in_set = true}},
+    {"SpatialAdvancedFilter, set", 3, "2 0.5 160 4", {SET}},
     {"SpatialAdvancedFilter, disparity", 3, "2 0.3 160 8", {DISPARITY}},
     {"SpatialAdvancedFilter, linear depth", 3, "1 0.5 160 1", {LINEAR}},
     {"TemporalFilter", 4, "0.5 0.4", {.width = 0}},
-    {"TemporalFilter, set", 4, "0.5 0.4", {.in_set = true}},
+    {"TemporalFilter, set", 4, "0.5 0.4", {SET}},
     {"DepthResize", 5, "%1$u %2$u 0.5 0 0 0 0", {.width = 0}},
-    {"DepthResize, set", 5, "%1$u %2$u 0.5 0 0 0 0", {.in_set = true}},
+    {"DepthResize, set", 5, "%1$u %2$u 0.5 0 0 0 0", {SET}},
     {"EdgeNoiseRemovalFilter, rows", 6, "6 6 70 30 0 1280 800", {.width = 0}},
-    {"EdgeNoiseRemovalFilter, set", 6, "6 6 70 30 1 1280 800", {.in_set = true}},
+    {"EdgeNoiseRemovalFilter, set", 6, "6 6 70 30 1 1280 800", {SET}},
     {"HardwareD2DCorrectionFilter", 7, "", {.corrected = true}},
-    {"HardwareD2DCorrectionFilter, set", 7, "", {.corrected = true, .in_set = true}},
+    {"HardwareD2DCorrectionFilter, set", 7, "", {.corrected = true, SET}},
     {"OpenNIDisparityTransform", 8, "9000 10 0.5 0 0 0.5 0 0 0 0", {DISPARITY}},
     {"OpenNIDisparityTransform, sampled", 8, SAMPLED, {DISPARITY, .corrected = true}},
-    {"OpenNIDisparityTransform, sampled set", 8, SAMPLED, {DISPARITY, .in_set = true}},
+    {"OpenNIDisparityTransform, sampled set", 8, SAMPLED, {DISPARITY, SET}},
 };
 const size_t filter_case_count = sizeof filter_cases / sizeof *filter_cases;
 
@@ -84,19 +83,25 @@ bool configure(PrivFilterContext* filter, const struct filter_case* what, uint32
   return error == NULL;
 }
 
-uint64_t try_case(const struct plugin* plugin, const struct filter_case* what) {
-  uint64_t seen = 0;
+uint64_t try_case(const struct plugin* plugin, const struct filter_case* what, uint32_t width,
+                  uint32_t height) {
   PrivFilterContext* filter = plugin->create(what->index);
   if (filter == NULL) return 0;
-  zv_frame_t* input = make_input(what, 64, 48);
-  bool right = filter->get_config_schema(filter->filter, NULL) != NULL && configure(filter, what, 64, 48);
-  for (int frame = 0; right && frame < 2; ++frame) {
+  uint64_t seen = 0;
+  zv_frame_t* input = make_input(what, width, height);
+  bool right =
+      filter->get_config_schema(filter->filter, NULL) != NULL && configure(filter, what, width, height);
+  for (int frame = 0; right && frame < 3; ++frame) {
+    const bool refused = frame == 2;
+    if (refused) set_frame_type(input, 1);
     zv_error* error = NULL;
     zv_frame_t* output = filter->process(filter->filter, input, &error);
-    right = output != NULL && error == NULL;
-    if (right) seen = fingerprint(output);
-    if (output != NULL) zv_delete_frame(output, NULL);
+    right = (output == NULL) == refused && (error != NULL) == refused;
+    if (output == NULL) continue;
+    seen = fingerprint(output);
+    zv_delete_frame(output, NULL);
   }
+  filter->reset(filter->filter, NULL);
   zv_delete_frame(input, NULL);
   filter->destroy(filter);
   return right ? seen : 0;
@@ -151,22 +156,36 @@ const size_t kernel_case_count = sizeof kernel_cases / sizeof *kernel_cases;
 
 static size_t pixel_count(const struct buffers* b) { return (size_t)b->width * (size_t)b->height; }
 
-struct buffers make_buffers(int32_t width, int32_t height) {
-  struct buffers b = {.width = width, .height = height};
+struct buffers make_buffers(uint32_t width, uint32_t height) {
+  struct buffers b = {.width = (int32_t)width, .height = (int32_t)height};
   b.pixels = malloc(2 * pixel_count(&b));
   b.other = malloc(2 * pixel_count(&b));
   b.table = malloc(2 * ENTRIES);
   b.work = malloc(9 * pixel_count(&b));
+  paint(b.pixels, width, height);
+  for (size_t i = 0; i < pixel_count(&b); ++i) b.other[i] = (uint16_t)(b.pixels[i] + i % 3);
+  for (int i = 0; i < ENTRIES; ++i) b.table[i] = (uint16_t)(20 + i);
   return b;
 }
 
-void fill_buffers(const struct buffers* b) {
-  paint(b->pixels, (uint32_t)b->width, (uint32_t)b->height);
-  for (size_t i = 0; i < pixel_count(b); ++i) b->other[i] = (uint16_t)(b->pixels[i] + i % 3);
-  for (int i = 0; i < ENTRIES; ++i) b->table[i] = (uint16_t)(20 + i);
+void free_buffers(const struct buffers* b) {
+  free(b->pixels);
+  free(b->other);
+  free(b->table);
+  free(b->work);
 }
 
 uint64_t buffers_fingerprint(const struct buffers* b) {
   return fingerprint_bytes(b->pixels, 2 * pixel_count(b)) ^
          3 * fingerprint_bytes(b->other, 2 * pixel_count(b));
+}
+
+uint64_t try_kernel(const struct plugin* plugin, const struct kernel_case* what, uint32_t width,
+                    uint32_t height) {
+  const struct buffers b = make_buffers(width, height);
+  void* kernel = dlsym(plugin->library, what->name);
+  const bool right = kernel != NULL && what->run(kernel, &b) == 0;
+  const uint64_t seen = buffers_fingerprint(&b);
+  free_buffers(&b);
+  return right ? seen : 0;
 }

@@ -36,9 +36,10 @@ zv_frame_t* make_input(const struct filter_case* what, uint32_t width, uint32_t 
 /* Whether the filter takes the case's values for frames of this size. */
 bool configure(PrivFilterContext* filter, const struct filter_case* what, uint32_t width,
                uint32_t height);
-/* Makes, configures and drives a filter for two frames, of which the second shows what a history is worth, and destroys
- * it. Returns the fingerprint of what it made, or 0 if anything failed. */
-uint64_t try_case(const struct plugin* plugin, const struct filter_case* what);
+/* A filter's whole life: it is made, configured, given two frames, of which the second shows what a history is worth, and one
+ * to refuse, reset and destroyed. Returns the fingerprint of what it made, or 0 if anything failed. */
+uint64_t try_case(const struct plugin* plugin, const struct filter_case* what, uint32_t width,
+                  uint32_t height);
 
 /* Buffers of a kernel, each with room for the whole image. */
 struct buffers {
@@ -53,8 +54,12 @@ struct kernel_case {
 extern const struct kernel_case kernel_cases[];
 extern const size_t kernel_case_count;
 
-struct buffers make_buffers(int32_t width, int32_t height);
-void fill_buffers(const struct buffers* b);
+/* Filled with the scene of make_frame(). */
+struct buffers make_buffers(uint32_t width, uint32_t height);
+void free_buffers(const struct buffers* b);
 uint64_t buffers_fingerprint(const struct buffers* b);
+/* Runs the kernel once. Returns the fingerprint of what it made, or 0 if anything failed. */
+uint64_t try_kernel(const struct plugin* plugin, const struct kernel_case* what, uint32_t width,
+                    uint32_t height);
 
 #endif

@@ -28,7 +28,7 @@ static int check_copy(const struct plugin* plugin, const char* path, const char*
   own_file = path;
   for (size_t i = 0; i < filter_case_count; ++i) {
     strange_file = NULL;
-    const bool works = try_case(plugin, &filter_cases[i]) != 0;
+    const bool works = try_case(plugin, &filter_cases[i], 64, 48) != 0;
     if (works && strange_file == NULL) continue;
     if (++wrong == 1)
       printf("%s: %s: %s\n", how, filter_cases[i].name, works ? strange_file : "no frame");

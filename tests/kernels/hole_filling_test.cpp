@@ -1,52 +1,17 @@
 #include "filterprocessor/hole_filling.h"
 
-#include "scenes.h"
 #include "support/levels.h"
-#include "support/random_image.h"
 
 namespace filterprocessor {
 namespace {
 
-using Fill = HoleFillingKernels::Fill;
-
 class HoleFillingLevel : public LevelTest {};
+FILTERPROCESSOR_EVERY_LEVEL(HoleFillingLevel);
+
 class HoleFillingVectors : public LevelTest {};
+FILTERPROCESSOR_VECTOR_LEVELS(HoleFillingVectors);
 
-constexpr Fill* HoleFillingKernels::*kModes[] = {&HoleFillingKernels::top, &HoleFillingKernels::smaller,
-                                                 &HoleFillingKernels::larger};
-
-void expect_equal(const HoleFillingKernels& plain, const HoleFillingKernels& fast, const Pixels& image,
-                  std::size_t width, std::size_t height) {
-  for (std::size_t mode = 0; mode < std::size(kModes); ++mode) {
-    // Exactly sized, so that the address sanitizer sees an access past either end.
-    Pixels expected = image;
-    Pixels actual = image;
-    (plain.*kModes[mode])(expected.data(), width, height);
-    (fast.*kModes[mode])(actual.data(), width, height);
-    ASSERT_EQ(actual, expected) << width << " x " << height << ", mode " << mode;
-  }
-}
-
-TEST_P(HoleFillingVectors, EqualsThePlainFormAtEverySizeUpTo70x70) {
-  std::mt19937 random(1);
-  for (std::size_t height = 0; height <= 70; ++height) {
-    for (std::size_t width = 1; width <= 70; ++width) {
-      const Pixels image =
-          random_pixels(random, width * height, static_cast<unsigned>(width * 7 + height * 13) % 101);
-      expect_equal(plain().hole_filling, kernels().hole_filling, image, width, height);
-    }
-  }
-}
-
-TEST_P(HoleFillingVectors, EqualsThePlainFormOnRowsOfManyVectors) {
-  std::mt19937 random(2);
-  for (const std::size_t width : {std::size_t{848}, std::size_t{2048 + 40}, std::size_t{5000}}) {
-    for (const unsigned percent : {2u, 50u, 100u}) {
-      expect_equal(plain().hole_filling, kernels().hole_filling,
-                   random_pixels(random, width * 7, percent), width, 7);
-    }
-  }
-}
+TEST_P(HoleFillingVectors, EqualThePlainForm) { expect_plain(hole_filling_case, 3000); }
 
 TEST_P(HoleFillingLevel, FillsFromTheTopDownToTheLastRow) {
   // Columns: one value in row 2, nothing at all, a value that stays.
@@ -92,9 +57,6 @@ TEST_P(HoleFillingLevel, TheLargestValueIsAHoleWhenTheSmallerIsKept) {
   kernels().hole_filling.larger(larger.pixels.data(), 16, 3);
   EXPECT_EQ(larger.pixels[16 + 3], 65535);
 }
-
-FILTERPROCESSOR_EVERY_LEVEL(HoleFillingLevel);
-FILTERPROCESSOR_VECTOR_LEVELS(HoleFillingVectors);
 
 TEST(HoleFillingInterface, SmallImagesSucceedUnchangedAndUnknownModesFail) {
   Pixels image(32);

@@ -1,10 +1,8 @@
 #include "filterprocessor/temporal.h"
 
-#include <cmath>
 #include <limits>
 
 #include "support/levels.h"
-#include "support/random_image.h"
 
 namespace filterprocessor {
 namespace {
@@ -23,7 +21,7 @@ struct TemporalLevel : LevelTest {
 };
 FILTERPROCESSOR_EVERY_LEVEL(TemporalLevel);
 
-class TemporalVectors : public TemporalLevel {};
+class TemporalVectors : public LevelTest {};
 FILTERPROCESSOR_VECTOR_LEVELS(TemporalVectors);
 
 TEST_P(TemporalLevel, BlendsOnlyValidPixelsThatAreStrictlyClose) {
@@ -52,47 +50,7 @@ TEST_P(TemporalLevel, ParametersOutsideTheirRangesGiveDefinedPixels) {
   EXPECT_EQ(smooth(100, 101, 0.1f, 1e30f), 65535) << "saturates at 2^31 - 1";
 }
 
-TEST_P(TemporalVectors, EqualsThePlainFormAtEveryLengthAndParameter) {
-  const float nan = std::numeric_limits<float>::quiet_NaN();
-  Random random(1);
-  for (int round = 0; round < 3000; ++round) {
-    const auto count = static_cast<std::size_t>(random.integer(0, 200));
-    const int centre = random.pick({0, 40, 1000, 6000, 32768, 65000});
-    const int spread = random.pick({3, 60, 800, 40000});
-    const float diff_scale = random.one_in(8) ? random.pick({0.0f, -0.3f, 1e-40f, 1e30f, 1e38f, nan})
-                                              : random.real(0.0f, 1.0f);
-    const float weight = random.one_in(8)
-                             ? random.pick({0.0f, 1.0f, 0.5f, 1e-40f, 1.0000001f, -3.0f, 4e9f, nan})
-                             : random.pick({0.4f, random.real(0.0f, 1.0f)});
-    Pixels depth = random.pixels(count, centre, spread, 12);
-    Pixels history = random.pixels(count, centre, spread, 12);
-    Pixels expected_depth = depth;
-    Pixels expected_history = history;
-    plain().temporal.smooth(expected_depth.data(), expected_history.data(), count, diff_scale, weight);
-    kernels().temporal.smooth(depth.data(), history.data(), count, diff_scale, weight);
-    ASSERT_EQ(depth, expected_depth) << count << " pixels, " << diff_scale << ", " << weight;
-    ASSERT_EQ(history, expected_history);
-  }
-}
-
-/// Every pair of close values in one sweep: roundings of products and sums are where levels could differ.
-TEST_P(TemporalVectors, EqualsThePlainFormForAllCloseValues) {
-  for (const float weight : {0.4f, 0.1f, 0.77f}) {
-    for (const int distance : {-50, -10, -5, 0, 1, 5, 25, 100}) {
-      Pixels depth(65536);
-      Pixels history(65536);
-      for (std::size_t i = 0; i < depth.size(); ++i) {
-        depth[i] = static_cast<std::uint16_t>(i);
-        history[i] = static_cast<std::uint16_t>(static_cast<int>(i) + distance);
-      }
-      Pixels expected = depth;
-      Pixels expected_history = history;
-      plain().temporal.smooth(expected.data(), expected_history.data(), 65536, 0.1f, weight);
-      kernels().temporal.smooth(depth.data(), history.data(), 65536, 0.1f, weight);
-      ASSERT_EQ(depth, expected) << weight << ' ' << distance;
-    }
-  }
-}
+TEST_P(TemporalVectors, EqualThePlainForm) { expect_plain(temporal_case, 2000); }
 
 }  // namespace
 }  // namespace filterprocessor

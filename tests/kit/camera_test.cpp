@@ -1,6 +1,8 @@
 // The virtual camera's options and the camera file.
+#include <algorithm>
 #include <cstring>
 #include <limits>
+#include <tuple>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -12,14 +14,10 @@
 namespace kit {
 namespace {
 
-CameraRequest request_of(std::string_view input) {
-  return make_camera_request(parse_camera_input(input));
-}
-
 TEST(CameraOptions, AreRefusedByName) {
   const std::pair<const char*, const char*> cases[] = {
       {"pack_mode=2", "camera: unknown option \"pack_mode\"; did you mean pack-mode?"},
-      {"", "camera: unknown option \"\"; "},
+      {"size=96x64,", "camera: unknown option \"\"; "},
       {"frames", "camera: frames: expected frames=N"},
       {"mono=1", "camera: mono=1: expected mono alone"},
       {"bits=12,bits=12", "camera: bits is given twice"},
@@ -38,10 +36,9 @@ TEST(CameraOptions, AreRefusedByName) {
       {"fx=1", "camera: fx=1: has to be"},
   };
   for (const auto& [options, start] : cases) {
-    const std::string input = concat("camera:size=96x64,", options);
-    const std::string typed =
-        std::string_view(options).starts_with("size") ? concat("camera:", options) : input;
-    const std::string line = refusal(Error::Kind::bad_request, [&] { request_of(typed); });
+    const std::string input = concat("camera:", options);
+    const std::string line =
+        refusal(Error::Kind::bad_request, [&] { make_camera_request(parse_camera_input(input)); });
     EXPECT_TRUE(line.starts_with(start)) << line;
   }
 }
@@ -61,7 +58,7 @@ Frame sample_camera() {
 
 TEST(CameraFile, KeepsEveryBit) {
   const Frame camera = sample_camera();
-  const Frame back = parse_camera_json(camera_json(camera), "camera.json");
+  const Frame back = parse_camera_json(camera_json(camera), "camera.json").traits;
   EXPECT_EQ(back.format, camera.format);
   EXPECT_EQ(back.pixel_type, camera.pixel_type);
   EXPECT_EQ(back.bits, camera.bits);
@@ -75,41 +72,37 @@ TEST(CameraFile, IsRefusedByField) {
   const auto refused = [](const std::string& text) {
     return refusal(Error::Kind::failed_run, [&] { parse_camera_json(text, "c.json"); });
   };
-  const auto changed = [&](const char* pointer, const char* value) {
-    auto json = nlohmann::ordered_json::parse(camera_json(sample_camera()));
-    json[nlohmann::ordered_json::json_pointer(pointer)] = nlohmann::ordered_json::parse(value);
-    return refused(json.dump());
-  };
-  const auto without = [&](const char* object, const char* field) {
-    auto json = nlohmann::ordered_json::parse(camera_json(sample_camera()));
-    (*object != 0 ? json[object] : json).erase(field);
-    return refused(json.dump());
-  };
-  EXPECT_EQ(changed("/disparity/packMode", "256"),
-            "c.json: disparity.packMode: is 256; expected a whole number from 0 to 255");
-  EXPECT_EQ(changed("/disparity/packMode", "-1"),
-            "c.json: disparity.packMode: is -1; expected a whole number from 0 to 255");
-  EXPECT_EQ(changed("/disparity/bitSize", "12.5"),
-            "c.json: disparity.bitSize: is 12.5; expected a whole number from 0 to 255");
-  EXPECT_EQ(changed("/disparity/fx", "\"500\""), "c.json: disparity.fx: is \"500\"; expected a number");
-  EXPECT_EQ(changed("/disparity/unit", "1e39"),
-            "c.json: disparity.unit: is 1e+39; expected a number of 32 bits");
-  EXPECT_EQ(changed("/valueScale", "null"), "c.json: valueScale: is null; expected a number of 32 bits");
-  EXPECT_EQ(changed("/intrinsics/width", "32768"),
-            "c.json: intrinsics.width: is 32768; expected a whole number from -32768 to 32767");
-  EXPECT_EQ(
-      changed("/metadata/32", "9223372036854775808"),
-      "c.json: metadata.32: is 9223372036854775808; expected a whole number from -9223372036854775808 "
-      "to 9223372036854775807");
-  EXPECT_EQ(changed("/metadata/x", "1"), "c.json: metadata.x: is no metadata item; expected its number");
-  EXPECT_EQ(changed("/disparity", "[]"), "c.json: disparity: is an array; expected an object");
-  EXPECT_EQ(changed("/disparity/packmode", "1"),
-            "c.json: disparity.packmode: is unknown; did you mean packMode?");
-  EXPECT_EQ(changed("/intrinsic", "{}"), "c.json: intrinsic: is unknown; did you mean intrinsics?");
-  EXPECT_EQ(without("disparity", "zpd"), "c.json: disparity.zpd: is missing; expected a number");
-  EXPECT_EQ(without("", "metadata"), "c.json: metadata: is missing; expected an object");
-  EXPECT_EQ(without("", "bits"), "c.json: bits: is missing; expected a whole number from 0 to 255");
-
+  using Json = nlohmann::ordered_json;
+  const Json sample = Json::parse(camera_json(sample_camera()));
+  const std::tuple<const char*, const char*, const char*> changes[] = {
+      {"/disparity/packMode", "256", "is 256; expected a whole number from 0 to 255"},
+      {"/disparity/packMode", "-1", "is -1; expected a whole number from 0 to 255"},
+      {"/disparity/bitSize", "12.5", "is 12.5; expected a whole number from 0 to 255"},
+      {"/disparity/fx", "\"500\"", "is \"500\"; expected a number"},
+      {"/disparity/unit", "1e39", "is 1e+39; expected a number of 32 bits"},
+      {"/valueScale", "null", "is null; expected a number of 32 bits"},
+      {"/intrinsics/width", "32768", "is 32768; expected a whole number from -32768 to 32767"},
+      {"/metadata/32", "9223372036854775808",
+       "is 9223372036854775808; expected a whole number from -9223372036854775808 to "
+       "9223372036854775807"},
+      {"/metadata/x", "1", "is no metadata item; expected its number"},
+      {"/disparity", "[]", "is an array; expected an object"},
+      {"/disparity/packmode", "1", "is unknown; did you mean packMode?"},
+      {"/intrinsic", "{}", "is unknown; did you mean intrinsics?"}};
+  for (const auto& [pointer, value, complaint] : changes) {
+    Json json = sample;
+    json[Json::json_pointer(pointer)] = Json::parse(value);
+    std::string field = pointer + 1;
+    std::replace(field.begin(), field.end(), '/', '.');
+    EXPECT_EQ(refused(json.dump()), concat("c.json: ", field, ": ", complaint));
+  }
+  EXPECT_EQ(refused(R"({"disparity": {"fx": 500}})"),
+            "c.json: disparity.baseline: is missing; expected a number");
+  EXPECT_EQ(refused(R"({"bits": 12, "bits": 12})"), "c.json: bits: is given twice");
+  EXPECT_EQ(refused(R"({"bits": 17})"), "c.json: bits: is 17; expected 1 to 16");
+  EXPECT_EQ(refused(R"({"valueScale": 0})"), "c.json: valueScale: is 0; expected a number above 0");
+  EXPECT_EQ(refused(R"({"pixelType": "dept"})"),
+            "c.json: pixelType: is \"dept\"; expected depth, disparity, linear or the host's number");
   EXPECT_EQ(refused("[]"), "c.json: is no JSON object");
   EXPECT_EQ(refused(std::string(60000, '[')), "c.json: is nested more than 8 deep");
   EXPECT_EQ(refused(std::string(65537, ' ')), "c.json: has 65537 bytes; at most 65536 are read");
@@ -118,6 +111,17 @@ TEST(CameraFile, IsRefusedByField) {
     EXPECT_TRUE(line.starts_with("c.json: is no JSON: ")) << line;
     EXPECT_EQ(line.find('\n'), std::string::npos);
   }
+}
+
+TEST(CameraFile, MaySayLittle) {
+  const Input nothing = parse_camera_json("{}", "c.json");
+  EXPECT_FALSE(nothing.has_geometry);
+  EXPECT_EQ(nothing.traits.bits, 16);
+  const Input stereo =
+      parse_camera_json(R"({"bits": 12, "disparity": {"baseline": 40, "fx": 500}})", "c.json");
+  EXPECT_TRUE(stereo.has_geometry);
+  EXPECT_EQ(+stereo.traits.disparity.bitSize, 12);
+  EXPECT_EQ(+stereo.traits.disparity.dispIntPlace, 8);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <sys/syscall.h>
 
 #include "kit/common/files.h"
+#include "kit/common/natural_order.h"
 #include "refusal.h"
 
 namespace {
@@ -120,6 +121,34 @@ TEST(Printable, EscapesWhatATerminalWouldObey) {
   EXPECT_EQ(printable("\xc0\x8a\xe0\x80\x8a"), "\\xc0\\x8a\\xe0\\x80\\x8a");
   EXPECT_EQ(printable("\xed\xa0\x80\xf4\x90\x80\x80"), "\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80");
   EXPECT_STREQ(Error(Error::Kind::failed_run, std::string("a\0b", 3)).what(), "a\\x00b");
+}
+
+TEST(NaturalOrder, CountsDigitsAndNothingElse) {
+  const std::vector<std::string_view> ordered = {"",
+                                                 "0",
+                                                 "00",
+                                                 "1",
+                                                 "02",
+                                                 "2",
+                                                 "2a",
+                                                 "10",
+                                                 "A1",
+                                                 "a",
+                                                 "a-1",
+                                                 "a0b",
+                                                 "a0b1",
+                                                 "a1",
+                                                 "a01b",
+                                                 "a1c",
+                                                 "a2b10",
+                                                 "a10b2",
+                                                 "a99999999999999999999998",
+                                                 "a99999999999999999999999",
+                                                 "b"};
+  for (std::size_t i = 0; i < ordered.size(); ++i) {
+    for (std::size_t j = 0; j < ordered.size(); ++j)
+      EXPECT_EQ(natural_less(ordered[i], ordered[j]), i < j) << ordered[i] << " and " << ordered[j];
+  }
 }
 
 }  // namespace

@@ -1,8 +1,15 @@
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <limits>
+#include <stdlib.h>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
-#include "kit/image/codec.h"
+#include "kit/image/image_files.h"
+#include "kit/image/image_stream.h"
 #include "refusal.h"
 
 namespace kit {
@@ -54,7 +61,7 @@ TEST_P(EveryCodec, RefusesEveryTruncation) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Images, EveryCodec, testing::Values("png", "pgm", "npy", "raw"));
+INSTANTIATE_TEST_SUITE_P(Images, EveryCodec, testing::Values("png", "pgm", "npy", "raw", "tiff"));
 
 TEST(Png, RefusesDamage) {
   Bytes file = encode_png(sample_image());
@@ -86,17 +93,18 @@ TEST(Pgm, ReadsCommentsAndBigEndianSamples) {
 }
 
 TEST(Pgm, RefusesOtherKindsAndSizes) {
-  EXPECT_MENTIONS(refusal("pgm", bytes_of("P2\n1 1\n65535\n7\n")), "no binary PGM");
-  EXPECT_MENTIONS(refusal("pgm", bytes_of("P5\n1 1\n255\nab")), "is 8-bit (maximum value 255)");
-  EXPECT_MENTIONS(refusal("pgm", bytes_of("P5\n1 1\n65536\nab")), "expected at most 65535");
-  EXPECT_MENTIONS(refusal("pgm", bytes_of("P5\n0 1\n65535\n")), "has no pixels");
-  EXPECT_MENTIONS(refusal("pgm", bytes_of("P5\n99999 99999\n65535\nab")), "at most");
-  EXPECT_MENTIONS(refusal("pgm", bytes_of("P5\n4294967297 1\n65535\nab")), "impossible width");
-  EXPECT_MENTIONS(refusal("pgm", bytes_of("P5\n1 x\n65535\nab")), "no height");
-  EXPECT_MENTIONS(refusal("pgm", bytes_of("P5\n2 1\n65535\nabc")),
-                  "3 bytes of pixels, expected 4 for 2x1");
-  EXPECT_MENTIONS(refusal("pgm", bytes_of("P5\n1 1\n65535\nabc")), "is too long");
-  EXPECT_MENTIONS(refusal("pgm", bytes_of("P5\n1 1\n300\n\x7f\x7f")), "above its maximum value 300");
+  const std::pair<const char*, const char*> cases[] = {
+      {"P2\n1 1\n65535\n7\n", "no binary PGM"},
+      {"P5\n1 1\n255\nab", "is 8-bit (maximum value 255)"},
+      {"P5\n1 1\n65536\nab", "expected at most 65535"},
+      {"P5\n0 1\n65535\n", "has no pixels"},
+      {"P5\n99999 99999\n65535\nab", "at most"},
+      {"P5\n4294967297 1\n65535\nab", "impossible width"},
+      {"P5\n1 x\n65535\nab", "no height"},
+      {"P5\n2 1\n65535\nabc", "3 bytes of pixels, expected 4 for 2x1"},
+      {"P5\n1 1\n65535\nabc", "is too long"},
+      {"P5\n1 1\n300\n\x7f\x7f", "above its maximum value 300"}};
+  for (const auto& [file, part] : cases) EXPECT_MENTIONS(refusal("pgm", bytes_of(file)), part);
 }
 
 Bytes npy_file(int version, const std::string& header, std::string_view samples) {
@@ -130,17 +138,19 @@ TEST(Npy, RefusesOtherArrays) {
     return refusal("npy", npy_file(1, header, "abcd"));
   };
   EXPECT_EQ(with("'<u2'", "False", "(2, 1)"), "");
-  EXPECT_MENTIONS(with("'<f4'", "False", "(1, 1)"), "elements of type '<f4'; expected 16-bit unsigned");
-  EXPECT_MENTIONS(with("'|u1'", "False", "(2, 2)"), "'|u1'");
-  EXPECT_MENTIONS(with("[('a', '<u2')]", "False", "(1, 2)"), "structured type");
-  EXPECT_MENTIONS(with("'<u2'", "True", "(1, 2)"), "column order");
-  EXPECT_MENTIONS(with("'<u2'", "False", "(2,)"), "the shape (2); expected (height, width)");
-  EXPECT_MENTIONS(with("'<u2'", "False", "(1, 1, 2)"), "(1, 1, 2)");
-  EXPECT_MENTIONS(with("'<u2'", "False", "(0, 2)"), "no pixels");
-  EXPECT_MENTIONS(with("'<u2'", "False", "(3, 2)"), "is truncated");
-  EXPECT_MENTIONS(with("'<u2'", "False", "(1, 1)"), "is too long");
-  EXPECT_MENTIONS(with("'<u2'", "Maybe", "(1, 2)"), "malformed");
-  EXPECT_MENTIONS(with("'<u2'", "False", "(-1, 2)"), "malformed");
+  const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
+      {"'<f4'", "False", "(1, 1)", "or --metres if it holds metres"},
+      {"'|u1'", "False", "(2, 2)", "'|u1'"},
+      {"[('a', '<u2')]", "False", "(1, 2)", "structured type"},
+      {"'<u2'", "True", "(1, 2)", "column order"},
+      {"'<u2'", "False", "(2,)", "the shape (2); expected (height, width)"},
+      {"'<u2'", "False", "(1, 1, 2)", "(1, 1, 2)"},
+      {"'<u2'", "False", "(0, 2)", "no pixels"},
+      {"'<u2'", "False", "(3, 2)", "is truncated"},
+      {"'<u2'", "False", "(1, 1)", "is too long"},
+      {"'<u2'", "Maybe", "(1, 2)", "malformed"},
+      {"'<u2'", "False", "(-1, 2)", "malformed"}};
+  for (const auto& [type, order, shape, part] : cases) EXPECT_MENTIONS(with(type, order, shape), part);
   EXPECT_MENTIONS(refusal("npy", npy_file(1, "{'shape': (1, 2)}", "abcd")), "malformed");
   EXPECT_MENTIONS(refusal("npy", bytes_of({"\x93NUMPY\2\0\0\0\1\0{", 13})),
                   "has a header of 65536 bytes");
@@ -152,6 +162,223 @@ TEST(Raw, HasExactlyTheBytesOfItsSize) {
   EXPECT_EQ(decode_raw(bytes_of("abcd"), {1, 2}), (Image{1, 2, {0x6261, 0x6463}}));
   EXPECT_MENTIONS(refusal("raw", bytes_of("abcd"), {3, 1}), "4 bytes of pixels, expected 6 for 3x1");
   EXPECT_MENTIONS(refusal("raw", bytes_of("abcd"), {1, 1}), "is too long");
+}
+
+namespace fs = std::filesystem;
+
+/// Files in a folder of their own.
+class ImageFiles : public testing::Test {
+ protected:
+  ImageFiles() {
+    std::string pattern = (fs::temp_directory_path() / "images_test_XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+  }
+  ~ImageFiles() override { fs::remove_all(folder_); }
+  fs::path put(const std::string& name, const Bytes& bytes = {}) const {
+    write_whole(folder_ / name, bytes, Durability::buffered);
+    return folder_ / name;
+  }
+  /// The images of a file, as often as it has some.
+  std::vector<Image> read_all(const fs::path& file, const ReadOptions& options) const {
+    const ImageFile images(file, options);
+    std::vector<Image> all;
+    for (std::size_t i = images.count(); i-- > 0;) all.insert(all.begin(), images.read(i));
+    return all;
+  }
+  std::string refused(const fs::path& file, const ReadOptions& options) const {
+    return refusal(Error::Kind::failed_run, [&] { read_all(file, options); });
+  }
+  std::vector<std::string> names(const Selection& selection) const {
+    std::vector<std::string> all;
+    for (const fs::path& file : collect_images({folder_.string()}, selection))
+      all.push_back(file.filename().string());
+    return all;
+  }
+  std::string refused_folder(const Selection& selection = {}) const {
+    return refusal(Error::Kind::failed_run, [&] { collect_images({folder_.string()}, selection); });
+  }
+
+  fs::path folder_;
+};
+
+using Names = std::vector<std::string>;
+
+TEST_F(ImageFiles, KeepTheImagesOfStacksInTheirOrder) {
+  Image second = sample_image();
+  std::reverse(second.pixels.begin(), second.pixels.end());
+  const std::vector<Image> images = {sample_image(), second, make_image(5, 3)};
+  for (const char* name : {"a.npy", "a.raw", "a.tif"}) {
+    for (const ByteOrder order : {ByteOrder::little, ByteOrder::big}) {
+      const fs::path file = folder_ / name;
+      const ReadOptions options{.size = {5, 3}, .raw_order = order};
+      ImageFileWriter writer(file, {codec_of(file), images.size(), true, order});
+      for (const Image& image : images) writer.write(image);
+      EXPECT_FALSE(fs::exists(file)) << "before all of it is written";
+      writer.publish(Durability::buffered);
+      EXPECT_EQ(read_all(file, options), images) << name;
+      EXPECT_TRUE(ImageFile(file, options).is_stack());
+
+      Bytes cut = read_whole(file, 10000);
+      cut.resize(cut.size() - 7);
+      put(name, cut);
+      EXPECT_MENTIONS(refused(file, options), "truncated") << name;
+      fs::remove(file);
+    }
+  }
+}
+
+TEST_F(ImageFiles, SayWhatIsWrongWithAStack) {
+  const auto npy = [&](const std::string& shape, std::size_t bytes) {
+    return npy_file(1, "{'descr': '<u2', 'fortran_order': False, 'shape': (" + shape + ")}",
+                    std::string(bytes, 'x'));
+  };
+  const std::tuple<const char*, Bytes, const char*> cases[] = {
+      {"a.npy", npy("0, 2, 2", 0), "a.npy: holds no image"},
+      {"a.npy", npy("3, 2, 2", 16), "16 bytes of pixels, expected 24 for 3 images of 2x2"},
+      {"a.npy", npy("1, 2, 2", 16), "is too long"},
+      {"a.npy", npy("18446744073709551615, 2, 2", 16), "at most 1048576 are read"},
+      {"a.npy", npy("2, 4294967296, 4294967296", 16), "claims 4294967296x4294967296 pixels"},
+      {"a.raw", Bytes(21), "is truncated: its frame 2 has 5 of 8 bytes"},
+      {"a.raw", Bytes(), "0 bytes of pixels, expected 8 for 2x2"},
+      {"a.raw", Bytes(std::size_t{8} << 20 | 8), "claims 1048577 images; at most 1048576 are read"},
+  };
+  for (const auto& [name, file, part] : cases)
+    EXPECT_MENTIONS(refused(put(name, file), {.size = {2, 2}}), part);
+}
+
+TEST_F(ImageFiles, TakeMetresWhenTheyAreAskedFor) {
+  const auto floats = [](const char* type, auto... metres) {
+    std::string bytes;
+    (bytes.append(reinterpret_cast<const char*>(&metres), sizeof metres), ...);
+    const std::string header =
+        concat("{'descr': '", type, "', 'fortran_order': False, 'shape': (1, ", sizeof...(metres), ")}");
+    return npy_file(1, header, bytes);
+  };
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN(),
+                  inf = std::numeric_limits<float>::infinity();
+  const fs::path file = put("a.npy", floats("<f4", 1.5f, 0.0625f, nan, inf, -2.0f, 0.0f));
+  EXPECT_EQ(read_all(file, {.units_a_metre = 1000}), (std::vector{Image{6, 1, {1500, 63, 0, 0, 0, 0}}}));
+  EXPECT_EQ(read_all(put("b.npy", floats("<f8", 2.0, 65.535)), {.units_a_metre = 1000}),
+            (std::vector{Image{2, 1, {2000, 65535}}}));
+  EXPECT_MENTIONS(refused(file, {}), "or --metres if it holds metres");
+  EXPECT_MENTIONS(refused(put("c.npy", floats("<f8", 1.0, 65.536)), {.units_a_metre = 1000}),
+                  "has 65.536 m in row 0, column 1, which is 65536 units; 16 bits hold at most 65535");
+  EXPECT_MENTIONS(refused(put("d.npy", encode_npy(sample_image())), {.units_a_metre = 1000}),
+                  "which are units already");
+  const auto shorts = [](const char* samples) {
+    return npy_file(1, "{'descr': '>i2', 'fortran_order': False, 'shape': (1, 2)}",
+                    std::string_view(samples, 4));
+  };
+  EXPECT_EQ(read_all(put("e.npy", shorts("\x7f\xff\0\1")), {}), (std::vector{Image{2, 1, {32767, 1}}}));
+  EXPECT_MENTIONS(refused(put("e.npy", shorts("\0\1\xff\xfb")), {}),
+                  "has the negative value -5 in row 0, column 1");
+}
+
+TEST_F(ImageFiles, ComeFromFoldersInTheOrderAskedFor) {
+  for (const char* name :
+       {"f_10.png", "f_2.png", "f_02.png", ".hidden.png", "notes.txt", "f_2_preview.png"})
+    put(name, encode_png(sample_image()));
+  put("f_10_preview.png", encode_png(ColorImage{1, 1, {{1, 2, 3}}}));
+  const auto now = fs::last_write_time(folder_ / "f_2.png");
+  for (const auto& [name, seconds] : {std::pair("f_10.png", 0), {"f_02.png", 5}, {"f_2.png", 5}})
+    fs::last_write_time(folder_ / name, now + std::chrono::seconds(seconds));
+  const Names all = {"f_02.png", "f_2.png", "f_2_preview.png", "f_10.png"};
+  EXPECT_EQ(names({}), all) << "a grey image is a frame, whatever its name";
+  const Selection frames{.include = {"f_*.png"}, .exclude = {"*_preview*"}};
+  const std::pair<FileOrder, Names> orders[] = {{FileOrder::natural, {"f_02.png", "f_2.png", "f_10.png"}},
+                                                {FileOrder::name, {"f_02.png", "f_10.png", "f_2.png"}},
+                                                {FileOrder::time, {"f_10.png", "f_02.png", "f_2.png"}}};
+  for (const auto& [order, expected] : orders) {
+    Selection selection = frames;
+    selection.order = order;
+    EXPECT_EQ(names(selection), expected);
+  }
+}
+
+TEST_F(ImageFiles, AreNamedWhereTheyCannotBeTaken) {
+  EXPECT_MENTIONS(refused_folder(), ": holds no image; expected files ending in .png");
+  put("notes.txt"), put("camera.json");
+  EXPECT_MENTIONS(refused_folder(), ": holds no image, only camera.json, notes.txt; expected");
+  put("a.png", encode_png(sample_image()));
+  EXPECT_EQ(names({}), Names{"a.png"});
+  fs::create_symlink("gone.png", folder_ / "b.png");
+  EXPECT_MENTIONS(refused_folder(), "b.png: is a broken link to gone.png");
+  EXPECT_EQ(names({.exclude = {"b*"}}), Names{"a.png"});
+  fs::remove(folder_ / "b.png");
+  fs::create_directory(folder_ / "c.png");
+  EXPECT_MENTIONS(refused_folder(), "c.png: is a folder");
+  fs::remove(folder_ / "c.png");
+  put("d.pgm");
+  EXPECT_MENTIONS(refused_folder(), ": holds images of two formats, a.png and d.pgm");
+  put("d.JPG");
+  EXPECT_MENTIONS(refused_folder(), "d.JPG: is an image of a format that is not read");
+}
+
+/// The images of a stream of these bytes, and what it ends with.
+std::string streamed(const char* codec, const Bytes& bytes, const ReadOptions& options,
+                     std::vector<Image>& images) {
+  ViewStream stream(bytes);
+  ImageStreamReader reader(stream, *codec_named(codec), options, "stream");
+  return refusal(Error::Kind::failed_run, [&] {
+    while (auto image = reader.next()) images.push_back(*std::move(image));
+  });
+}
+
+TEST(Streams, GiveFramesUntilTheyEndAndSayWhatTheLastOneLacks) {
+  const Image image = sample_image();
+  for (const char* format : {"raw", "pgm", "npy"}) {
+    SCOPED_TRACE(format);
+    Bytes stream;
+    for (int i = 0; i < 3; ++i) {
+      const Bytes frame = encode_for_stream(*codec_named(format), image, ByteOrder::little);
+      stream.insert(stream.end(), frame.begin(), frame.end());
+    }
+    const std::size_t one = stream.size() / 3;
+    for (std::size_t size = 0; size <= stream.size(); ++size) {
+      std::vector<Image> images;
+      const Bytes start(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(size));
+      const std::string problem = streamed(format, start, {.size = {5, 3}}, images);
+      EXPECT_EQ(images, std::vector<Image>(size / one, image));
+      EXPECT_EQ(problem.empty(), size % one == 0) << size << ": " << problem;
+    }
+    std::vector<Image> images;
+    stream.resize(stream.size() - 1);
+    EXPECT_EQ(streamed(format, stream, {.size = {5, 3}}, images),
+              "stream frame 2: is truncated: 29 of 30 bytes came for 5x3 pixels");
+  }
+}
+
+TEST(Streams, TakeStacksAndRefuseOtherSizes) {
+  const Bytes stack = npy_file(1, "{'descr': '<u2', 'fortran_order': False, 'shape': (2, 1, 1)}", "abcd");
+  std::vector<Image> images;
+  EXPECT_EQ(streamed("npy", stack, {}, images), "");
+  EXPECT_EQ(images, (std::vector{Image{1, 1, {0x6261}}, Image{1, 1, {0x6463}}}));
+  EXPECT_EQ(streamed("npy", stack, {.size = {2, 1}}, images),
+            "stream frame 0: has 1x1 pixels; expected 2x1");
+  const Bytes large =
+      npy_file(1, "{'descr': '<u2', 'fortran_order': False, 'shape': (16384, 16384)}", "abcd");
+  EXPECT_MENTIONS(streamed("npy", large, {}, images), "4 of 536870912 bytes came");
+}
+
+TEST(Tiff, RefusesOtherKinds) {
+  EXPECT_MENTIONS(refusal("tiff", bytes_of("P5 1 1 65535 ab")), "is no TIFF file or is damaged: ");
+  const auto with = [](std::uint16_t tag, std::uint16_t value) {
+    Bytes file = encode_tiff(sample_image());
+    // The directory, all little-endian: its place at byte 4, a count, entries of tag, type, count and value.
+    for (std::size_t at = file[4] + 256u * file[5] + 2; at + 12 <= file.size(); at += 12) {
+      if (file[at] + 256u * file[at + 1] != tag) continue;
+      file[at + 8] = static_cast<unsigned char>(value & 0xFF);
+      file[at + 9] = static_cast<unsigned char>(value >> 8);
+      return refusal("tiff", file);
+    }
+    return std::string("the tag is not there");
+  };
+  const std::tuple<std::uint16_t, std::uint16_t, const char*> cases[] = {
+      {258, 8, "has 1 sample of 8 bits a pixel; expected a 16-bit grayscale TIFF file"},
+      {262, 0, "is no grayscale from black up"},
+      {259, 34925, "is compressed in way 34925; expected none, PackBits, LZW or Deflate"},
+      {256, 65535, "truncated"}};
+  for (const auto& [tag, value, part] : cases) EXPECT_MENTIONS(with(tag, value), part);
 }
 
 }  // namespace

@@ -1,87 +1,220 @@
 // Chains at work, with the filters of the probe plug-in, which print what they are given.
-#include "kit/pipeline/pipeline.h"
+#include "kit/chain/pipeline.h"
+
+#include <algorithm>
+#include <atomic>
+#include <numeric>
 
 #include <gtest/gtest.h>
 
 #include "kit/frame/frame_attributes.h"
 #include "kit/pipeline/sequence.h"
+#include "kit/pipeline/workers.h"
+#include "kit/plugin/plugin.h"
 #include "refusal.h"
 
 namespace kit {
 namespace {
 
-const Plugin& probe() {
-  static const Plugin plugin(KIT_PROBE_PLUGIN);
-  return plugin;
+const FilterLibrary& probe() {
+  static const FilterLibrary library = load_plugin(KIT_PROBE_PLUGIN);
+  return library;
 }
 
 Frame sample() { return describe_frame({2, 3, {1, 2, 3, 4, 5, 6}}, {}); }
 
-TEST(Pipeline, HandsOutEveryStage) {
-  Pipeline pipeline(probe(), {{"EchoFilter", {}}, {"CroppingFilter", {}}, {"ConvertingFilter", {}}});
+Pipeline pipeline_of(const Chain& chain) {
+  Pipeline pipeline(probe(), chain);
+  pipeline.set_input(describe_input({2, 3}, {}));
+  return pipeline;
+}
+
+/// The result's size.
+std::pair<std::uint32_t, std::uint32_t> run(Pipeline& pipeline, Handover handover = Handover::frame) {
+  const Frame frame = sample();
+  const framehost::Frame result = pipeline.run({frame.pixels.data(), 4}, nullptr, handover);
+  const hosts::FrameTraits& traits = framehost::traits_of(result.get());
+  return {traits.width, traits.height};
+}
+
+TEST(Sequence, HandsOutEveryStage) {
+  Pipeline pipeline = pipeline_of({{"EchoFilter"}, {"CroppingFilter"}, {"ConvertingFilter"}});
   std::vector<std::size_t> numbers, heights;
-  const Frame result = pipeline.run(sample(), [&](const Stage& stage) {
-    numbers.push_back(stage.number);
-    heights.push_back(stage.frame.height);
-    EXPECT_EQ(stage.before.height, stage.number < 3 ? 3u : 1u);
-    EXPECT_GE(stage.milliseconds, 0);
-  });
+  SequenceVisitor visitor;
+  visitor.on_passage = [&](const SourceFrame&, const Passage& passage) {
+    numbers.push_back(passage.number);
+    heights.push_back(passage.frame.height);
+    EXPECT_EQ(passage.before.height, passage.number < 3 ? 3u : 1u);
+    EXPECT_GE(passage.milliseconds, 0);
+  };
+  visitor.on_result = [&](std::size_t, const SourceFrame&, const FrameView& result) {
+    EXPECT_EQ(frame_of(result).pixels, (std::vector<std::uint16_t>{1, 2}));
+  };
+  run_sequence({{{"one", "one", ".png", {}}},
+                [](std::size_t) {
+                  return SourceFrame{sample(), {}};
+                }},
+               pipeline, {}, visitor);
   EXPECT_EQ(numbers, (std::vector<std::size_t>{0, 1, 2, 3}));
   EXPECT_EQ(heights, (std::vector<std::size_t>{3, 3, 1, 1}));
-  EXPECT_EQ(result.pixels, (std::vector<std::uint16_t>{1, 2}));
+}
+
+/// Frames 0 to count - 1, each with its number in every pixel; those in `bad` do not load.
+FrameSource numbered(std::size_t count, const std::vector<std::size_t>& bad = {}) {
+  FrameSource source;
+  for (std::size_t i = 0; i < count; ++i) source.names.push_back({concat("frame ", i), "", ".png", {}});
+  source.load = [bad](std::size_t index) {
+    if (std::count(bad.begin(), bad.end(), index) > 0) fail("frame ", index, ": is bad");
+    return SourceFrame{describe_frame({1, 1, {static_cast<std::uint16_t>(index)}}, {}), {}};
+  };
+  return source;
+}
+
+TEST(Sequence, KeepsOrderAndBoundsWhatIsUnderWay) {
+  constexpr std::size_t count = 500, most = 6;
+  FrameSource source = numbered(count);
+  std::atomic<std::size_t> under_way = 0, peak = 0;
+  source.load = [&, load = source.load](std::size_t index) {
+    const std::size_t now = ++under_way;
+    for (std::size_t seen = peak; now > seen && !peak.compare_exchange_weak(seen, now);) {
+    }
+    return load(index);
+  };
+  std::vector<std::uint16_t> measured;
+  std::vector<std::size_t> done;
+  std::vector<std::atomic<int>> delivered(count);
+  SequenceVisitor visitor;
+  visitor.on_passage = [&](const SourceFrame&, const Passage& passage) {
+    if (passage.number == 1) measured.push_back(passage.frame.pixels[0]);
+  };
+  visitor.on_result = [&](std::size_t index, const SourceFrame&, const FrameView& result) {
+    delivered[index] += result.pixels[0] == index;
+  };
+  visitor.on_done = [&](std::size_t index) {
+    done.push_back(index);
+    --under_way;
+  };
+  Pipeline pipeline = pipeline_of({{"CroppingFilter"}});
+  Workers(4).for_each(1, [&](std::size_t) {
+    run_sequence(source, pipeline, {Handover::frame, most, {}}, visitor);
+  });
+  EXPECT_LE(peak, most);
+  std::vector<std::size_t> all(count);
+  std::iota(all.begin(), all.end(), std::size_t{0});
+  EXPECT_EQ(done, all);
+  EXPECT_TRUE(std::equal(measured.begin(), measured.end(), all.begin(), all.end()));
+  EXPECT_EQ(std::count(delivered.begin(), delivered.end(), 1), static_cast<std::ptrdiff_t>(count));
+}
+
+class SequenceFailures : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(SequenceFailures, AreThoseOfTheFirstFrameInOrderOrOfAll) {
+  const Workers workers(GetParam());
+  const std::size_t in_flight = GetParam() == 1 ? 1 : 8;
+  for (const bool keep_going : {false, true}) {
+    std::vector<std::size_t> done;
+    std::vector<std::string> problems;
+    SequenceVisitor visitor;
+    visitor.on_result = [](std::size_t index, const SourceFrame&, const FrameView&) {
+      if (index == 20) fail("frame 20: cannot be written");
+    };
+    visitor.on_done = [&](std::size_t index) { done.push_back(index); };
+    if (keep_going)
+      visitor.on_problem = [&](const Error& problem) { problems.emplace_back(problem.what()); };
+    Pipeline pipeline = pipeline_of({{"CroppingFilter"}});
+    const std::string failure = refusal(Error::Kind::failed_run, [&] {
+      workers.for_each(1, [&](std::size_t) {
+        run_sequence(numbered(40, {22, 23, 30}), pipeline, {Handover::frame, in_flight, {}}, visitor);
+      });
+    });
+    EXPECT_EQ(failure, keep_going ? "" : "frame 20: cannot be written");
+    EXPECT_EQ(done.size(), keep_going ? 36u : 20u);
+    if (keep_going) {
+      EXPECT_EQ(problems, (std::vector<std::string>{"frame 20: cannot be written", "frame 22: is bad",
+                                                    "frame 23: is bad", "frame 30: is bad"}));
+    }
+  }
+}
+
+TEST_P(SequenceFailures, AreNoneWhenItIsStopped) {
+  const Workers workers(GetParam());
+  std::size_t done = 0;
+  std::atomic<bool> stop = false;
+  SequenceVisitor visitor;
+  visitor.on_done = [&](std::size_t index) {
+    EXPECT_EQ(index, done++);
+    if (index == 10) stop = true;
+  };
+  Pipeline pipeline = pipeline_of({{"CroppingFilter"}});
+  const std::size_t in_flight = GetParam() == 1 ? 1 : 8;
+  workers.for_each(1, [&](std::size_t) {
+    run_sequence(numbered(100), pipeline, {Handover::frame, in_flight, [&] { return stop.load(); }},
+                 visitor);
+  });
+  EXPECT_GE(done, 11u);
+  EXPECT_LE(done, 11u + in_flight);
+}
+
+INSTANTIATE_TEST_SUITE_P(Threads, SequenceFailures, testing::Values(1, 4));
+
+TEST(FilterStatistics, GiveTheMedianOfAllDurations) {
+  FilterStatistics statistics;
+  for (const double duration : {9.0, 1.0, 3.0}) statistics.add(sample(), sample(), duration);
+  EXPECT_EQ(statistics.median_milliseconds(), 3);
+  statistics.add(sample(), sample(), 4);
+  EXPECT_EQ(statistics.median_milliseconds(), 3.5);
 }
 
 TEST(Pipeline, PassesOverStepsThatAreSwitchedOff) {
-  Pipeline pipeline(probe(), {{"CroppingFilter", {}, false}, {"EchoFilter", {}}});
-  ChainResults results(pipeline.chain());
-  const auto add = [&](const Stage& stage) { results.add(stage, std::nullopt); };
-  EXPECT_EQ(pipeline.run(sample(), add).height, 3u);
-  EXPECT_EQ(results.filters[0].median_milliseconds(), std::nullopt);
+  Pipeline pipeline = pipeline_of({{"CroppingFilter", {}, false}, {"EchoFilter"}});
+  EXPECT_EQ(run(pipeline), (std::pair{2u, 3u}));
+  EXPECT_EQ(pipeline.stage(0).milliseconds, 0);
   pipeline.enable(0, true);
-  EXPECT_EQ(pipeline.run(sample(), add).height, 1u);
-  EXPECT_EQ(results.filters[0].frames, 1u);
-  EXPECT_EQ(results.filters[1].frames, 2u);
+  EXPECT_EQ(run(pipeline), (std::pair{2u, 1u}));
+  EXPECT_EQ(pipeline.output().traits.height, 1u);
 }
 
 TEST(Pipeline, TakesOtherValuesBetweenFramesAndKeepsThemWhenOthersAreWrong) {
-  std::vector<std::string> warnings;
-  const auto on_warning = [&](const std::string& line) { warnings.push_back(line); };
   testing::internal::CaptureStdout();
-  Pipeline pipeline(probe(), {{"EchoFilter", Values{{"count", "7"}}}}, on_warning);
-  pipeline.configure(0, {{"ratio", "1"}, {"count", "12"}}, on_warning);
+  Pipeline pipeline(probe(), {{"EchoFilter", Values{{"count", "7"}}}});
+  pipeline.configure(0, {{"ratio", "1"}, {"count", "9"}});
   EXPECT_EQ(refusal(Error::Kind::bad_request,
                     [&] {
-                      pipeline.configure(0, {{"count", "x"}});
+                      pipeline.configure(0, {{"count", "12"}});
                     }),
-            "EchoFilter: count=x is not a whole number of at most 32 bits");
+            "step 1 (EchoFilter): count=12 is out of range; expected 0 to 10");
   std::fflush(stdout);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "configured: 7 0.5 1\nconfigured: 12 1 1\n");
-  EXPECT_EQ(pipeline.chain()[0].values->at("count"), "12");
-  ASSERT_EQ(warnings.size(), 1u);
-  EXPECT_TRUE(warnings[0].starts_with("EchoFilter: count=12 is outside"));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "configured: 7 0.5 1\nconfigured: 9 1 1\n");
+  EXPECT_EQ(pipeline.chain()[0].values->at("count"), "9");
 }
 
-TEST(Pipeline, ForgetsFramesWhenItIsReset) {
+TEST(Pipeline, MakesItsFiltersAnewWhenItIsReset) {
   testing::internal::CaptureStdout();
-  Pipeline pipeline(probe(), {{"EchoFilter", {}}});
-  pipeline.run(sample());
-  pipeline.run(sample(), {}, Handover::frame_set);
+  Pipeline pipeline = pipeline_of({{"EchoFilter", Values{}}});
+  run(pipeline);
+  run(pipeline, Handover::frame_set);
   pipeline.reset();
-  pipeline.run(sample());
+  run(pipeline);
   std::fflush(stdout);
-  std::string frames;
-  std::istringstream lines(testing::internal::GetCapturedStdout());
-  for (std::string line; std::getline(lines, line);) frames += line.substr(0, line.find(',')) + '\n';
-  EXPECT_EQ(frames, "frame 1: set 0\nframe 2: set 1\nframe 1: set 0\n");
+  std::string lines;
+  std::istringstream printed(testing::internal::GetCapturedStdout());
+  for (std::string line; std::getline(printed, line);) lines += line.substr(0, line.find(',')) + '\n';
+  // An empty frame is tried before the first one, on a filter of its own.
+  const std::string trial = "configured: 3 0.5 1\nframe 1: set 0\n";
+  EXPECT_EQ(lines, "configured: 3 0.5 1\n" + trial +
+                       "frame 1: set 0\nframe 2: set 1\nconfigured: 3 0.5 1\n" + trial +
+                       "frame 1: set 0\n");
 }
 
 TEST(Sequence, NamesTheFrameThatFails) {
-  Pipeline pipeline(probe(), {{"FailingFilter", {}}});
+  Pipeline pipeline(probe(), {{"FailingFilter"}});
   const FrameSource source =
       camera_source(make_camera_request(parse_camera_input("camera:size=64x48")), {});
   const std::string line =
-      refusal(Error::Kind::failed_run, [&] { run_sequence(source, pipeline, Handover::frame, {}); });
-  EXPECT_TRUE(line.starts_with("camera: frame 0: FailingFilter failed: \"out of order\"")) << line;
+      refusal(Error::Kind::failed_run, [&] { run_sequence(source, pipeline, {}, {}); });
+  EXPECT_TRUE(
+      line.starts_with("camera: frame 0: step 1 (FailingFilter): FailingFilter failed: \"out of order\""))
+      << line;
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // A plug-in whose filters show what is done with them and how their faults are taken.
+#include <csignal>
 #include <cstdio>
 
 #include "filterprocessor/filter_processor.h"
@@ -10,8 +11,8 @@ struct zv_priv_filter_t {
 
 namespace {
 
-const char* const kNames[] = {"MissingFilter", "FailingFilter",  "SilentFilter",
-                              "EchoFilter",    "CroppingFilter", "ConvertingFilter"};
+const char* const kNames[] = {"MissingFilter",  "FailingFilter",    "SilentFilter",  "EchoFilter",
+                              "CroppingFilter", "ConvertingFilter", "StoppingFilter"};
 
 void destroy(PrivFilterContext* context) {
   delete context->filter;
@@ -66,6 +67,11 @@ zv_frame_t* process(zv_priv_filter_t* filter, const zv_frame_t* frame, zv_error*
   if (filter->index == 1) *error = zv_create_error(1, "out of order", "filter_process", "a frame", 7);
   if (filter->index <= 2) return nullptr;
   if (filter->index == 4) return crop(frame, error);
+  if (filter->index == 6) {
+    constexpr uint16_t mark = 4242;
+    if (*static_cast<const uint16_t*>(zv_frame_get_data(frame, error)) == mark) std::raise(SIGTERM);
+    return zv_create_frame_from_other_frame(frame, true, error);
+  }
   describe(filter, frame, error);
   zv_frame_t* output = zv_create_frame_from_other_frame(frame, true, error);
   if (filter->index == 5) zv_video_frame_set_pixel_type(output, ZV_PIXEL_TYPE_DEPTH, error);
@@ -76,7 +82,7 @@ zv_frame_t* process(zv_priv_filter_t* filter, const zv_frame_t* frame, zv_error*
 
 extern "C" {
 
-int32_t zv_get_filter_count() { return 6; }
+int32_t zv_get_filter_count() { return 7; }
 const char* zv_get_filter_name(int32_t index) { return kNames[index]; }
 
 PrivFilterContext* zv_create_filter(int32_t index) {

@@ -37,7 +37,11 @@ try registry plugin.cpp framework/registry/filter_factory.h kit/plugin/plugin.h
 try kit_common text.cpp kit/common/text.h kit/image/image.h
 try kit_image pgm.cpp kit/image/image.h kit/frame/frame.h
 try kit_frame pixel_reader.cpp kit/frame/pixel_reader.h kit/plugin/plugin.h
-try kit_measure accuracy.cpp kit/measure/accuracy.h kit/pipeline/pipeline.h
-try kit_plugin plugin.cpp kit/plugin/plugin.h kit/pipeline/pipeline.h
-try kit_pipeline pipeline.cpp kit/pipeline/pipeline.h kernels/kernel_set.h
+try kit_measure accuracy.cpp kit/measure/accuracy.h kit/chain/pipeline.h
+try kit_plugin plugin.cpp kit/plugin/plugin.h kit/chain/pipeline.h
+try kit_texts filter_texts.cpp kit/texts/presets.h kit/json/json.h
+try kit_filter filter_library.cpp kit/filter/filter_library.h kit/chain/chain.h
+try kit_chain pipeline.cpp kit/chain/pipeline.h kernels/kernel_set.h
+try kit_pipeline sequence.cpp kit/chain/pipeline.h kit/plugin/plugin.h
+try kit_report report.cpp kit/measure/accuracy.h kit/chain/pipeline.h
 exit $status

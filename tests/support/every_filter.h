@@ -47,7 +47,7 @@ inline devhost::FrameTraits lively_frame(std::uint32_t width, std::uint32_t heig
   traits.width = width;
   traits.height = height;
   traits.pixel_type = pixel_type;
-  traits.metadata = {{32, 2}};
+  traits.metadata = {{ZV_METADATA_DISPARITY_CORRECTION, 25}};  // empty disparities come out as 1200
   traits.disparity.fx = 600;
   traits.disparity.baseline = 50;
   traits.disparity.unit = 1;

@@ -61,7 +61,21 @@ class FilterDriver {
   }
   devhost::Frame process(const devhost::Frame& frame) { return process(frame.get()); }
 
+  /// The pixels that a frame, which has to be taken, becomes.
+  Pixels filtered(const devhost::FrameTraits& traits) {
+    const devhost::Frame output = process(devhost::make_frame(traits));
+    EXPECT_EQ(last_error_, ErrorTexts{});
+    return output ? devhost::inspect(output.get()).pixels : Pixels{};
+  }
+  /// The error for a frame, which has to be refused.
+  ErrorTexts refused(const devhost::FrameTraits& traits) {
+    printed_ = output_of([&] { EXPECT_FALSE(process(devhost::make_frame(traits))); });
+    return last_error_;
+  }
+
   const ErrorTexts& last_error() const { return last_error_; }
+  /// What was written to standard output with the last refusal.
+  const std::string& printed() const { return printed_; }
 
   /// Runs `action` and returns what was written to standard output.
   template <typename Action>
@@ -78,12 +92,29 @@ class FilterDriver {
  private:
   devhost::FilterHandle context_;
   ErrorTexts last_error_;
+  std::string printed_;
 };
+
+/// A depth frame of these pixels in rows of the same length.
+inline devhost::FrameTraits frame_of(Pixels pixels, std::uint32_t height = 1) {
+  devhost::FrameTraits traits;
+  traits.width = static_cast<std::uint32_t>(pixels.size()) / height;
+  traits.height = height;
+  traits.pixels = std::move(pixels);
+  return traits;
+}
 
 inline const ErrorTexts kNoError = {};
 inline const ErrorTexts kBadFrameType = {"invalid frame type error", "filter_process", "frameType", 4};
 inline const ErrorTexts kBadCount = {"the number of params error", "update_filter_config", "argc", 4};
 inline const ErrorTexts kBadFrame = {"invalid params", "filter_process", "frame", 4};
+inline ErrorTexts out_of_range(const std::string& parameter) {
+  return {"params out of range", "update_filter_config", parameter, 4};
+}
+/// For a frame that a filter cannot be configured for.
+inline ErrorTexts invalid(const std::string& field) {
+  return {"invalid params", "updateConfig", field, 4};
+}
 
 }  // namespace filterprocessor
 

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "kernels/kernel_set.h"
+#include "cases/kernel_cases.h"
 
 namespace filterprocessor {
 
@@ -22,6 +22,15 @@ class LevelTest : public testing::TestWithParam<const KernelSet*> {
   }
   static const KernelSet& kernels() { return *GetParam(); }
   static const KernelSet& plain() { return kernel_sets().front(); }
+
+  /// So many cases of a family end as in the plain form.
+  static void expect_plain(KernelCase (*make)(Source&), std::uint32_t cases) {
+    for (std::uint32_t seed = 0; seed < cases; ++seed) {
+      Source source(seed);
+      const KernelCase run = make(source);
+      ASSERT_EQ(difference(run, kernels(), source.number<std::uint32_t>()), "") << "seed " << seed;
+    }
+  }
 };
 
 inline auto levels_from(std::size_t first) {

@@ -4,11 +4,6 @@
 #include <functional>
 #include <thread>
 
-#include "filterprocessor/hole_filling.h"
-#include "filterprocessor/margin.h"
-#include "filterprocessor/spatial.h"
-#include "filterprocessor/speckle.h"
-#include "filterprocessor/temporal.h"
 #include "support/every_filter.h"
 #include "support/filter_driver.h"
 
@@ -38,12 +33,8 @@ std::vector<Pixels> outputs(const FilterUse& use) {
   FilterDriver filter(use.name);
   EXPECT_EQ(filter.update(use.configuration), kNoError);
   std::vector<Pixels> all;
-  for (unsigned n = 0; n < kFrames; ++n) {
-    const devhost::Frame result =
-        filter.process(devhost::make_frame(lively_frame(kWidth, kHeight, use.pixel_type, n)));
-    EXPECT_TRUE(result) << use.name << ": " << filter.last_error();
-    if (result) all.push_back(devhost::inspect(result.get()).pixels);
-  }
+  for (unsigned n = 0; n < kFrames; ++n)
+    all.push_back(filter.filtered(lively_frame(kWidth, kHeight, use.pixel_type, n)));
   return all;
 }
 
@@ -85,56 +76,25 @@ TEST(Threads, FiltersWithALockAreConfiguredWhileTheyWork) {
         name == "HardwareD2DCorrectionFilter") {
       continue;  // these have no lock
     }
-    const devhost::Frame frame = devhost::make_frame(lively_frame(kWidth, kHeight, use.pixel_type, 0));
+    const devhost::FrameTraits frame = lively_frame(kWidth, kHeight, use.pixel_type, 0);
+    FilterDriver filter(name);
     std::vector<Pixels> expected;
-    for (const auto& configuration : {use.configuration, use.other}) {
-      FilterDriver filter(use.name);
+    for (const auto& configuration : {use.other, use.configuration}) {
       filter.update(configuration);
-      expected.push_back(devhost::inspect(filter.process(frame).get()).pixels);
+      expected.push_back(filter.filtered(frame));
     }
-    FilterDriver filter(use.name);
-    filter.update(use.configuration);
     int torn = 0;
     at_once({[&] {
                for (int n = 0; n < 200; ++n) filter.update(n % 2 == 0 ? use.other : use.configuration);
              },
              [&] {
-               PrivFilterContext* context = filter.context();
                for (int n = 0; n < 200; ++n) {
-                 zv_error* error = nullptr;
-                 const devhost::Frame result(context->process(context->filter, frame.get(), &error));
-                 const Pixels pixels = result ? devhost::inspect(result.get()).pixels : Pixels{};
-                 if (pixels != expected[0] && pixels != expected[1]) ++torn;
+                 const Pixels pixels = filter.filtered(frame);
+                 torn += pixels != expected[0] && pixels != expected[1];
                }
              }});
     EXPECT_EQ(torn, 0) << name << ": frames of both configurations or none";
   }
-}
-
-TEST(Threads, KernelsKeepNothingBetweenImages) {
-  const auto filtered = [](unsigned seed) {
-    Pixels image = lively_frame(kWidth, kHeight, 0, seed).pixels;
-    Pixels history(image.size(), 1800);
-    std::vector<std::uint8_t> buffer(9 * image.size() + 1);
-    std::uint16_t table[] = {20, 40, 80, 160, 320, 640, 1280};
-    const int w = kWidth;
-    const int h = kHeight;
-    depth_api_softfilter(buffer.data(), image.data(), nullptr, w, h, table, 9, 7, 64, 20, 4, 4, 0, 1);
-    depth_api_margin_filter(image.data(), w, h, 3, 3, 20, 20);
-    depth_api_spatial_filter_origin_lut(image.data(), kWidth, kHeight, table, 9, 7, 1, 4, 1, 1, 0.3f);
-    depth_api_temporal_filter(image.data(), w, h, history.data(), 0.1f, 0.4f);
-    depth_api_hole_filling_filter(image.data(), w, kHeight, 2);
-    return image;
-  };
-  std::vector<Pixels> results(6);
-  std::vector<std::function<void()>> work;
-  for (unsigned i = 0; i < results.size(); ++i) {
-    work.push_back([&, i] {
-      for (int n = 0; n < 20; ++n) results[i] = filtered(i);
-    });
-  }
-  at_once(work);
-  for (unsigned i = 0; i < results.size(); ++i) EXPECT_EQ(results[i], filtered(i));
 }
 
 }  // namespace

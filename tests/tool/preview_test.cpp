@@ -1,27 +1,109 @@
 #include "preview.h"
 
+#include <map>
+
 #include <gtest/gtest.h>
 
 #include "kit/frame/frame_attributes.h"
-#include "kit/image/color_map.h"
+#include "kit/image/canvas.h"
 
 namespace zvfilter {
 namespace {
 
-TEST(Preview, PaintsBothFramesInOneRange) {
-  const kit::Frame before = kit::describe_frame({2, 2, {0, 100, 200, 300}}, {});
-  const kit::Frame after = kit::describe_frame({3, 1, {100, 300, 65535}}, {});
-  const kit::ColorImage picture = preview(before, after);
-  const auto at = [&](std::size_t x, std::size_t y) { return picture.pixels[y * picture.width + x]; };
-  ASSERT_EQ(picture.width, 2u + 8u + 3u);
-  ASSERT_EQ(picture.height, 2u);
-  const kit::Rgb black{};
-  EXPECT_EQ(at(0, 0), black);
-  EXPECT_EQ(at(5, 0), black);
-  EXPECT_EQ(at(10, 1), black);
-  EXPECT_EQ(at(1, 0), kit::rainbow(0));
-  EXPECT_EQ(at(1, 0), at(10, 0));
-  EXPECT_EQ(at(12, 0), kit::rainbow(1));
+using kit::ColorMap;
+using kit::Rgb;
+
+constexpr std::uint32_t kGap = 6, kTop = 2 * kGap + kit::kTextHeight, kPanel = 150;
+
+kit::Frame frame(std::uint32_t width, std::uint32_t height, std::vector<std::uint16_t> pixels) {
+  return kit::describe_frame({width, height, std::move(pixels)}, {});
+}
+
+/// The picture of the next frame of a sequence.
+kit::ColorImage drawn(Preview& preview, const kit::Frame& before, const kit::Frame& after) {
+  return preview.draw(preview.scale_of(before, after), before, after);
+}
+
+/// The pixel of one of the panels, which begin at even distances.
+Rgb at(const kit::ColorImage& picture, std::size_t panel, std::size_t x, std::size_t y) {
+  return picture.pixels[(kTop + y) * picture.width + kGap + panel * (kPanel + kGap) + x];
+}
+
+TEST(Preview, PaintsBeforeAfterAndTheChange) {
+  Preview preview({ColorMap::viridis, kit::DepthRange{100, 300}});
+  const kit::ColorImage picture =
+      drawn(preview, frame(3, 2, {0, 0, 100, 200, 300, 9}), frame(3, 2, {0, 50, 0, 210, 280, 9}));
+  EXPECT_EQ(picture.width, kGap + 3 * (kPanel + kGap));
+  const auto color = [](double part) { return kit::color_of(ColorMap::viridis, part); };
+  const Rgb hole = kit::hole_color(ColorMap::viridis);
+  EXPECT_EQ(at(picture, 0, 0, 0), hole);
+  EXPECT_EQ(at(picture, 0, 2, 0), color(0));
+  EXPECT_EQ(at(picture, 0, 1, 1), color(1));
+  EXPECT_EQ(at(picture, 0, 2, 1), color(0));
+  EXPECT_EQ(at(picture, 1, 2, 0), hole);
+  EXPECT_EQ(at(picture, 1, 0, 1), color(0.55));
+  const kit::HoleColors holes;
+  EXPECT_EQ(at(picture, 2, 0, 0), holes.hole);
+  EXPECT_EQ(at(picture, 2, 1, 0), holes.filled);
+  EXPECT_EQ(at(picture, 2, 2, 0), holes.removed);
+  EXPECT_EQ(at(picture, 2, 0, 1), kit::signed_color(1));
+  EXPECT_EQ(at(picture, 2, 1, 1), kit::signed_color(-1));
+  EXPECT_EQ(at(picture, 2, 2, 1), kit::signed_color(0));
+}
+
+TEST(Preview, KeepsTheRangeOfTheFirstFrameThatHasOne) {
+  Preview preview({});
+  const kit::Frame first = frame(2, 1, {1000, 2000}), second = frame(2, 1, {2000, 4000});
+  const kit::Frame empty = frame(2, 1, {0, 0});
+  EXPECT_EQ(at(drawn(preview, empty, empty), 0, 0, 0), kit::hole_color(ColorMap::turbo));
+  const Rgb far = at(drawn(preview, first, first), 0, 1, 0);
+  EXPECT_EQ(far, kit::color_of(ColorMap::turbo, 1));
+  EXPECT_EQ(at(drawn(preview, second, second), 0, 0, 0), far);
+}
+
+TEST(Preview, LeavesTheChangeOutWhereTheSizeChanges) {
+  Preview preview({});
+  const kit::ColorImage picture = drawn(preview, frame(2, 2, {1000, 0, 1000, 2000}), frame(1, 1, {2000}));
+  EXPECT_EQ(picture.width, kGap + 2 * (kPanel + kGap));
+  EXPECT_EQ(at(picture, 1, 0, 0), at(picture, 0, 1, 1));
+}
+
+TEST(Preview, ShowsDisparityInTheRangeOfItsDepth) {
+  kit::FrameAttributes disparity;
+  disparity.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
+  disparity.baseline = 50;
+  disparity.fx = 600;
+  const kit::Frame before = kit::describe_frame({2, 1, {2560, 5120}}, disparity);  // 10 and 20 pixels
+  Preview preview({});
+  const kit::ColorImage picture = drawn(preview, before, frame(2, 1, {3000, 1500}));
+  EXPECT_EQ(at(picture, 0, 0, 0), at(picture, 1, 0, 0));
+  EXPECT_EQ(at(picture, 0, 1, 0), at(picture, 1, 1, 0));
+  EXPECT_EQ(at(picture, 2, 0, 0), kit::signed_color(0));
+}
+
+TEST(Preview, NumbersTheLegend) {
+  Preview preview({ColorMap::grey, kit::DepthRange{950, 2500}});
+  const kit::ColorImage picture = drawn(preview, frame(1, 1, {1000}), frame(1, 1, {1000}));
+  // The text "1000" somewhere under the first panel, and "500" nowhere.
+  const auto found = [&](const char* text) {
+    kit::Canvas canvas({kit::text_width(text), kit::kTextHeight}, {24, 24, 24});
+    canvas.write(text, 0, 0, {225, 225, 225}, 1);
+    const kit::ColorImage wanted = canvas.take();
+    for (std::uint32_t top = kTop; top + wanted.height <= picture.height; ++top) {
+      for (std::uint32_t left = 0; left + wanted.width <= kGap + kPanel; ++left) {
+        bool same = true;
+        for (std::uint32_t y = 0; same && y < wanted.height; ++y) {
+          const auto row = wanted.pixels.begin() + y * wanted.width;
+          same = std::equal(row, row + wanted.width,
+                            picture.pixels.begin() + (top + y) * picture.width + left);
+        }
+        if (same) return true;
+      }
+    }
+    return false;
+  };
+  for (const char* there : {"1000", "2000", "mm", "hole"}) EXPECT_TRUE(found(there)) << there;
+  EXPECT_FALSE(found("950"));
 }
 
 }  // namespace

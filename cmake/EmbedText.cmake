@@ -1,0 +1,17 @@
+# embed_text(layer name file...): gives the sources of a layer a header NAME.h that holds the text of each file as a constant
+# kit::NAME::FILE_EXTENSION.
+function(embed_text layer name)
+  string(TOUPPER ${name} guard)
+  set(constants)
+  foreach(file IN LISTS ARGN)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+    get_filename_component(constant ${file} NAME)
+    string(REPLACE "." "_" constant ${constant})
+    file(READ ${file} text)
+    string(APPEND constants "inline constexpr std::string_view ${constant} = R\"~~~(${text})~~~\";\n")
+  endforeach()
+  set(folder ${PROJECT_BINARY_DIR}/generated/${name})
+  file(CONFIGURE OUTPUT ${folder}/${name}.h @ONLY NEWLINE_STYLE UNIX CONTENT
+    "#ifndef KIT_@guard@_H\n#define KIT_@guard@_H\n#include <string_view>\nnamespace kit::@name@ {\n@constants@}\n#endif\n")
+  target_include_directories(filterprocessor_${layer} PRIVATE ${folder})
+endfunction()

@@ -1,0 +1,37 @@
+#ifndef KIT_REPORT_MEASURES_H
+#define KIT_REPORT_MEASURES_H
+
+#include <optional>
+#include <vector>
+
+#include "kit/measure/accuracy.h"
+
+namespace kit {
+
+/// A frame at one place of a chain.
+struct ReportStage {
+  std::size_t number = 0;  ///< 0: as it came; n: as the chain's n-th step made it
+  Frame frame = {};
+  double milliseconds = 0;  ///< that the step took
+};
+
+/// What is measured of a stage of one frame. What cannot be measured is nothing.
+struct StageMeasures {
+  std::size_t number = 0;
+  double milliseconds = 0;
+  double coverage = 0;  ///< share of the pixels that are valid
+  std::optional<double> changed =
+      std::nullopt;               ///< share of the pixels that differ from the stage before
+  AccuracySummary accuracy = {};  ///< of this frame alone
+};
+
+/// @param before the stage before; null for the first
+/// @param truth depth in millimetres; may be null
+StageMeasures measure(const ReportStage& stage, const Frame* before, const Image* truth);
+
+/// Share of the pixels that differ; nothing between sizes or units.
+std::optional<double> changed_share(const Frame& before, const Frame& after);
+
+}  // namespace kit
+
+#endif

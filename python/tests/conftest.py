@@ -1,0 +1,47 @@
+import os
+from pathlib import Path
+
+import numpy as np
+import pytest
+
+import zvfilter
+
+REPOSITORY = Path(__file__).resolve().parents[2]
+
+#: What remembers, what changes sizes, and a tag.
+STEPS = ["DisparityTransform:", "NoiseRemovalFilter:max_size=60,min_diff=64", "smooth=SpatialAdvancedFilter:alpha=0.4",
+         "TemporalFilter:weight=0.3", "HoleFillingFilter:hole_filling_mode=1", "DepthResize:scale=0.5"]
+
+
+@pytest.fixture(scope="session")
+def camera():
+    return zvfilter.VirtualCamera((320, 200), frames=6, seed=7)
+
+
+@pytest.fixture(scope="session")
+def disparity(camera):
+    return [frame.disparity for frame in camera]
+
+
+@pytest.fixture
+def chain(camera):
+    return zvfilter.Chain(STEPS, input=camera.input)
+
+
+@pytest.fixture
+def noise():
+    """Depth with holes, by seed."""
+    def make(shape=(48, 64), seed=1):
+        random = np.random.default_rng(seed)
+        frame = random.integers(900, 1100, shape).astype(np.uint16)
+        frame[random.random(shape) < 0.1] = 0
+        return frame
+    return make
+
+
+@pytest.fixture(scope="session")
+def tool():
+    path = Path(os.environ.get("ZVFILTER_TOOL", REPOSITORY / "build/release/bin/zvfilter"))
+    if not path.exists():
+        pytest.skip("the tool is not built; ZVFILTER_TOOL may name it")
+    return path

@@ -1,0 +1,211 @@
+// What the program takes its frames from, and that it never takes them for something else.
+#include <unistd.h>
+
+#include "program.h"
+
+namespace kit {
+namespace {
+
+const Image kHoles{3, 3, {5, 6, 7, 0, 8, 0, 9, 0, 1}};
+const Image kFilled{3, 3, {5, 6, 7, 5, 8, 7, 9, 8, 1}};
+const std::string kFill = "run -f HoleFillingFilter ";
+
+class Inputs : public Program {
+ protected:
+  /// The images of these bytes of 3x3 frames, back to back.
+  static Bytes frames(std::initializer_list<Image> images) {
+    Bytes all;
+    for (const Image& image : images) append_samples(image, ByteOrder::little, all);
+    return all;
+  }
+  Bytes bytes_of(const std::string& name) const { return read_whole(folder_ / name, kMostBytes); }
+};
+
+TEST_F(Inputs, AreSeenInNaturalOrder) {
+  for (const int number : {0, 1, 2, 10, 11})
+    put(concat("in/f_", number, ".png"), Image{1, 1, {static_cast<std::uint16_t>(number + 1)}});
+  const std::string start = "run --overwrite -f EchoFilter in -o out --baseline 1 --fx 1";
+  const auto order = [&](const std::string& arguments) {
+    std::string seen;
+    const std::string out = run_probe(start + arguments).out;
+    // The first is an empty frame that tries the chain.
+    for (auto at = out.find("first pixel ", out.find("first pixel ") + 1); at != std::string::npos;
+         at = out.find("first pixel ", at + 1))
+      seen += out.substr(at + 12, out.find(',', at) - at - 12) + ' ';
+    return seen;
+  };
+  EXPECT_EQ(order(""), "1 2 3 11 12 ");
+  EXPECT_EQ(order(" --order name"), "1 2 11 12 3 ");
+  EXPECT_EQ(order(" --include 'f_1*' --exclude '*11*'"), "2 11 ");
+  expect_refused(2, kFill + "-o none ",
+                 {{"in --order size", "--order: size: expected name, natural or time"},
+                  {"in/f_0.png --include '*'", "--include and --exclude choose from folders"}});
+}
+
+TEST_F(Inputs, OfMixedSizesAreRefusedAtTheFrame) {
+  put("in/a.png", kHoles);
+  put("in/b.png", make_image(2, 2));
+  EXPECT_EQ(run(kFill + "in -o out").err,
+            "zvfilter: in/b.png: has 2x2 pixels; the frames before it have 3x3\n");
+  put("in/a.npy", kHoles);
+  put("in/b.npy", make_image(2, 2));
+  expect_refused(run(kFill + "in --include '*.npy' -o results"), 1,
+                 "in/b.npy: has 2x2 pixels; the frames before it have 3x3");
+}
+
+TEST_F(Inputs, UseTheCameraFileBesideThem) {
+  ASSERT_EQ(run("camera -o cam --frames 1 --size 64x48").status, 0);
+  const std::string chain = "run -f DisparityTransform: ";
+  const Outcome found = run(chain + "cam -o a");
+  EXPECT_EQ(found.status, 0);
+  EXPECT_EQ(found.err, "zvfilter: note: using cam/camera.json\n");
+  EXPECT_EQ(run(chain + "cam/disparity_0000.png -o b").err, found.err);
+  EXPECT_EQ(run(chain + "cam --camera cam/camera.json -o c").err, "");
+  EXPECT_EQ(get("a/disparity_0000.png"), get("c/disparity_0000.png"));
+  EXPECT_EQ(
+      run(chain + "cam --camera none -o d").err,
+      "zvfilter: note: step 1 (DisparityTransform): these are depth frames, which it hands through; "
+      "give --camera or --pixel-type disparity\n");
+  EXPECT_EQ(get("d/disparity_0000.png"), get("cam/disparity_0000.png"));
+
+  put("cam/camera.json", Bytes{'{', '}', '}'});
+  EXPECT_MENTIONS(run(chain + "cam -o results").err, "\nzvfilter: cam/camera.json: is no JSON: ");
+  fs::remove(folder_ / "cam/camera.json");
+  fs::create_symlink("gone", folder_ / "cam/camera.json");
+  EXPECT_MENTIONS(run(chain + "cam -o results").err, "cam/camera.json: cannot be read: ");
+}
+
+TEST_F(Inputs, OfSeveralImagesGiveAFileOfAsMany) {
+  put("a.raw", frames({kHoles, make_image(3, 3), kHoles}));
+  const Bytes filled = frames({kFilled, make_image(3, 3), kFilled});
+  ASSERT_EQ(run(kFill + "a.raw --size 3x3 -o raw").status, 0);
+  EXPECT_EQ(bytes_of("raw/a.raw"), filled);
+  for (const char* format : {"npy", "tiff"}) {
+    ASSERT_EQ(run(concat(kFill, "a.raw --size 3x3 -o stacks --format ", format)).status, 0);
+    const std::string file = std::string(format) == "npy" ? "stacks/a.npy" : "stacks/a.tif";
+    ASSERT_EQ(run(concat(kFill, file, " -o again_", format, " --format raw")).status, 0);
+    EXPECT_EQ(bytes_of(concat("again_", format, "/a.raw")), filled);
+  }
+  ASSERT_EQ(run(kFill + "a.raw --size 3x3 -o single --format png").status, 0);
+  EXPECT_EQ(listing("single"), (Names{"a_0.png", "a_1.png", "a_2.png"}));
+  EXPECT_EQ(get("single/a_2.png"), kFilled);
+
+  put("in/big.raw", Bytes{1, 2, 3, 4});
+  ASSERT_EQ(
+      run("run -f EchoFilter --plugin '" ZVFILTER_PROBE_PLUGIN "' in --size 2x1 --endian big -o big")
+          .status,
+      0);
+  EXPECT_EQ(bytes_of("big/big.raw"), (Bytes{1, 2, 3, 4}));
+  EXPECT_MENTIONS(
+      run("run -f EchoFilter --plugin '" ZVFILTER_PROBE_PLUGIN "' in --size 2x1 --endian big -o big").out,
+      "first pixel 258,");
+
+  put("cut.raw", Bytes(20));
+  expect_refused(run(kFill + "cut.raw --size 3x3 -o results"), 1,
+                 "cut.raw: is truncated: its frame 1 has 2 of 18 bytes");
+  expect_refused(2, kFill,
+                 {{"a.raw --size 3x3 -o results --preview", "--preview is for images in files"},
+                  {"raw -o raw --size 3x3", "would replace the input raw/a.raw"}});
+  EXPECT_EQ(listing("raw"), Names{"a.raw"}) << "nothing is left of what was refused";
+}
+
+TEST_F(Inputs, StreamFromStandardInputToStandardOutput) {
+  const auto as_text = [](const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); };
+  put("in.raw", frames({kHoles, kHoles}));
+  const Outcome raw = run(kFill + "- -o - --size 3x3 --format raw", "", "in.raw");
+  EXPECT_EQ(raw.status, 0);
+  EXPECT_EQ(raw.out, as_text(frames({kFilled, kFilled})));
+  EXPECT_MENTIONS(raw.err, "HoleFillingFilter       2            12           18        6");
+  EXPECT_FALSE(fs::exists(folder_ / "-"));
+
+  const Outcome pgm = run(kFill + "- -o - --size 3x3 --input-format raw --format pgm", "", "in.raw");
+  EXPECT_EQ(pgm.out, as_text(encode_pgm(kFilled)) + as_text(encode_pgm(kFilled)));
+  put("in.pgm", Bytes(pgm.out.begin(), pgm.out.end()));
+  EXPECT_EQ(run(kFill + "- -o files --format npy --input-format pgm", "", "in.pgm").status, 0);
+  EXPECT_EQ(listing("files"), (Names{"frame_0000.npy", "frame_0001.npy"}));
+  EXPECT_EQ(get("files/frame_0001.npy"), kFilled);
+  EXPECT_EQ(run(kFill + "files -o -").out, as_text(encode_npy(kFilled)) + as_text(encode_npy(kFilled)));
+
+  // What a plug-in prints is not a frame's.
+  const Outcome probe =
+      run("run -f EchoFilter --plugin '" ZVFILTER_PROBE_PLUGIN "' - -o - --size 3x3 --format raw", "",
+          "in.raw");
+  EXPECT_EQ(probe.out, as_text(frames({kHoles, kHoles})));
+  EXPECT_MENTIONS(probe.err, "frame 2: set 0, first pixel 5,");
+}
+
+TEST_F(Inputs, ThatStreamAreRefusedWhereTheyAreNotWhole) {
+  put("cut.raw", Bytes(20));
+  put("empty.raw", Bytes());
+  const std::string start = kFill + "- -o - --format raw ";
+  const Outcome cut = run(start + "--size 3x3", "", "cut.raw");
+  EXPECT_EQ(cut.status, 1);
+  EXPECT_EQ(cut.out.size(), 18u) << "the whole frame";
+  EXPECT_EQ(cut.err,
+            "zvfilter: standard input frame 1: is truncated: 2 of 18 bytes came for 3x3 pixels\n");
+  expect_refused(run(start + "--size 3x3", "", "empty.raw"), 1, "standard input: holds no frame");
+  expect_refused(run(start + "--size 3x3", "exec > /dev/full; ", "cut.raw"), 1,
+                 "standard output: cannot be written: ");
+  put("in/a.png", kHoles);
+  expect_refused(2, kFill,
+                 {{"- -o - --format raw", "raw frames do not say their size"},
+                  {"- -o -", "standard input has no name to tell its format"},
+                  {"- -o results --format png", "choose with --input-format"},
+                  {"in/a.png -o -", "standard output takes raw, pgm or npy, not png"},
+                  {"- in/a.png -o - --format raw", "- is standard input and has to be the only input"},
+                  {"in/a.png -o results --input-format raw", "--input-format is for standard input"},
+                  {"in/a.png -o results --metres", "--metres is for .npy files"},
+                  {"in/a.png -o results --endian big", "--endian is for raw images"}});
+}
+
+TEST_F(Inputs, SayOnceWhatHasNoEffectOnThem) {
+  put("in/a.raw", frames({Image{3, 3, {40000, 40000, 65535, 1, 1, 1, 1, 1, 1}}, kHoles}));
+  const std::string end = " in -o results --size 3x3 --baseline 50 --fx 600";
+  const std::pair<const char*, const char*> cases[] = {
+      {"DisparityTransform", "these are depth frames, which it hands through"},
+      {"HardwareD2DCorrectionFilter",
+       "carry no disparity correction (metadata item 32), so it hands them through"},
+      {"EdgeNoiseRemovalFilter:margin_y_th=3,limit_y_th=9,width=3,height=3",
+       "margin_y_th and limit_y_th have no effect without enable_vertical_direction=1"},
+      {"SpatialAdvancedFilter:",
+       "16 % of the pixels have values from 32768 up, which are left as they are"},
+      {"HoleFillingFilter:hole_filling_mode=1",
+       "5 % of the pixels have values from 65535 up, which are taken"},
+      {"OpenNIDisparityTransform:x_cut=2 --pixel-type disparity", "x_cut has no effect unless dst_width"},
+      {"SpatialAdvancedFilter:magnitude=2 --pixel-type disparity --bits 12",
+       "magnitude has no effect on disparity frames, which it goes over once"}};
+  for (const auto& [filter, part] : cases) {
+    const std::string err = run(concat("run -f ", filter, end)).err;
+    const auto at = err.find(part);
+    EXPECT_NE(at, std::string::npos) << err;
+    EXPECT_EQ(err.find(part, at + 1), std::string::npos) << err;
+  }
+  EXPECT_EQ(
+      run("run -f EdgeNoiseRemovalFilter:margin_y_th=3,enable_vertical_direction=1,width=3,height=3 -f "
+          "HoleFillingFilter" +
+          end)
+          .err,
+      "");
+}
+
+TEST_F(Inputs, AreNamedWithTheCauseWhereAKernelFails) {
+  put("in/a.png", kHoles);
+  const std::string camera =
+      R"({"pixelType": "disparity", "disparity": {"baseline": 50, "fx": 600, "packMode": 5}})";
+  put("five.json", Bytes(camera.begin(), camera.end()));
+  const std::pair<const char*, const char*> cases[] = {
+      {"EdgeNoiseRemovalFilter in/a.png",
+       "; frames of 3x3 are too small beside its width and height, 1280x800"},
+      {"EdgeNoiseRemovalFilter:margin_x_th=640,width=3,height=3 in/a.png",
+       "; margin_x_th 640 exceeds its limit, limit_x_th 70"},
+      {"EdgeNoiseRemovalFilter:margin_y_th=31,enable_vertical_direction=1,width=3,height=3 in/a.png",
+       "; margin_y_th 31 exceeds its limit, limit_y_th 30"},
+      {"DepthResize:dst_width=7,scale=2 in/a.png", "both truncated: 6 and 6 for frames of 3x3"},
+      {"DisparityTransform in/a.png --camera five.json",
+       "; the camera's packMode is 5; expected 1 to 3 for two"}};
+  for (const auto& [arguments, part] : cases)
+    EXPECT_MENTIONS(run(concat("run -o results -f ", arguments)).err, part);
+}
+
+}  // namespace
+}  // namespace kit

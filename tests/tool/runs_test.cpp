@@ -1,0 +1,216 @@
+// Runs from their first frame to their last: threads, what is there already, what fails, what is stopped.
+#include <gtest/gtest.h>
+
+#include "program.h"
+
+namespace kit {
+namespace {
+
+/// A run over images in folders of the test, frame_000 and so on.
+class Runs : public Program {
+ protected:
+  void put_frames(const std::string& folder, std::size_t count) const {
+    fs::create_directories(folder_ / folder);
+    for (std::size_t i = 0; i < count; ++i) {
+      Image image = make_image(16, 8);
+      for (std::size_t at = 0; at < image.pixels.size(); ++at) {
+        image.pixels[at] = static_cast<std::uint16_t>((at * 37 + i * 11) % 900 * (at % 7 != 0));
+      }
+      put(name(folder, i), image);
+    }
+  }
+  static std::string name(const std::string& folder, std::size_t index) {
+    return concat(folder, "/frame_", std::setfill('0'), std::setw(3), index, ".png");
+  }
+  void expect_same(const std::string& a, const std::string& b) const {
+    ASSERT_EQ(listing(a), listing(b));
+    for (const std::string& file : listing(a)) {
+      if (!fs::is_directory(folder_ / a / file)) {
+        EXPECT_EQ(text_of(folder_ / a / file), text_of(folder_ / b / file)) << file;
+      }
+    }
+  }
+  /// The tables without their last column, which is a time.
+  static std::string without_times(const std::string& out) {
+    std::string text;
+    for (const std::string_view line : split(out, '\n')) text.append(line, 0, line.rfind(' ')) += '\n';
+    return text;
+  }
+};
+
+const std::string kChain = " -f TemporalFilter: -f HoleFillingFilter:hole_filling_mode=1 ";
+
+TEST_F(Runs, GiveTheSameWithAnyNumberOfThreads) {
+  put_frames("in", 30);
+  const Outcome one = run("run in -o one --preview --jobs 1" + kChain);
+  const Outcome four = run("run in -o four --preview --jobs 4" + kChain);
+  ASSERT_EQ(one.status + four.status, 0) << one.err << four.err;
+  expect_same("one", "four");
+  EXPECT_EQ(without_times(one.out), without_times(four.out));
+  EXPECT_TRUE(four.out.ends_with("\n30 of 30 frames written to four\n")) << four.out;
+  EXPECT_EQ(one.err, four.err);
+
+  put(name("in", 17), Bytes{'x'});
+  for (const char* jobs : {"1", "4"}) {
+    const Outcome failed = run(concat("run in -o failed", jobs, " --jobs ", jobs, kChain));
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_EQ(failed.err, "zvfilter: in/frame_017.png: is no PNG file\n");
+    EXPECT_MENTIONS(failed.out, "17 of 30 frames written to ");
+    for (std::size_t i = 0; i < 17; ++i) {
+      EXPECT_EQ(text_of(folder_ / name(concat("failed", jobs), i)), text_of(folder_ / name("one", i)));
+    }
+  }
+}
+
+TEST_F(Runs, TakeSeveralFoldersAsSequencesOfTheirOwn) {
+  put_frames("day/left", 5);
+  put_frames("day/right", 9);
+  for (const std::string folder : {"left", "right"}) {
+    ASSERT_EQ(run(concat("run day/", folder, " -o alone/", folder, kChain)).status, 0);
+  }
+  const Outcome both = run("run day/left day/right/ -o both --jobs 3" + kChain);
+  ASSERT_EQ(both.status, 0) << both.err;
+  EXPECT_EQ(listing("both"), (Names{"left", "right"}));
+  expect_same("alone/left", "both/left");
+  expect_same("alone/right", "both/right");
+  EXPECT_MENTIONS(both.out, "left:\n");
+  EXPECT_MENTIONS(both.out, "\nall:\n");
+  EXPECT_MENTIONS(both.out, "\n14 of 14 frames written to both\n");
+
+  put(name("day/right", 1), Bytes{'x'});
+  put(name("day/left", 4), Bytes{'x'});
+  for (const char* jobs : {"1", "4"}) {
+    EXPECT_EQ(run(concat("run day/left day/right -o d", jobs, " --jobs ", jobs, kChain)).err,
+              "zvfilter: day/left/frame_004.png: is no PNG file\n");
+  }
+  put_frames("night/left", 1);
+  const std::string start = "run -o results -f HoleFillingFilter ";
+  expect_refused(2, start,
+                 {{"day/left night/left", "day/left and night/left have one name, left"},
+                  {"day/left day/../day/left", "have one name, left"},
+                  {"day/left night/left in/a.png", "several folders and files together"}});
+}
+
+TEST_F(Runs, ReplaceResultsOnlyWhenTheyAreAskedTo) {
+  put_frames("in", 3);
+  put_frames("other", 5);
+  ASSERT_EQ(run("run other -o out -f HoleFillingFilter").status, 0);
+  const std::string before = text_of(folder_ / name("out", 0));
+  const Outcome refused = run("run in -o out" + kChain);
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_MENTIONS(refused.err, "out/frame_000.png: is there already; --overwrite replaces it");
+  EXPECT_EQ(text_of(folder_ / name("out", 0)), before);
+  EXPECT_EQ(run("run in -o out --overwrite" + kChain).status, 0);
+  EXPECT_NE(text_of(folder_ / name("out", 0)), before);
+}
+
+TEST_F(Runs, GoOnWhereTheyEnded) {
+  put_frames("in", 12);
+  ASSERT_EQ(run("run in -o whole" + kChain).status, 0);
+  ASSERT_EQ(run("run in -o part" + kChain).status, 0);
+  for (const std::size_t lost : {4u, 9u}) fs::remove(folder_ / name("part", lost));
+  put(name("part", 2), Bytes{'k', 'e', 'p', 't'});
+  const Outcome resumed = run("run in -o part --resume" + kChain);
+  ASSERT_EQ(resumed.status, 0) << resumed.err;
+  EXPECT_MENTIONS(resumed.out, "\n2 of 2 frames written to part; 10 were there\n");
+  // The frames before the lost ones are filtered again, for what the filters remember.
+  EXPECT_MENTIONS(resumed.out, "\nTemporalFilter         10 ");
+  EXPECT_EQ(text_of(folder_ / name("part", 2)), "kept");
+  fs::copy_file(folder_ / name("whole", 2), folder_ / name("part", 2),
+                fs::copy_options::overwrite_existing);
+  expect_same("whole", "part");
+
+  ASSERT_EQ(run("run in -o plain -f HoleFillingFilter:").status, 0);
+  fs::remove(folder_ / name("plain", 7));
+  EXPECT_MENTIONS(run("run in -o plain -f HoleFillingFilter: --resume").out,
+                  "\nHoleFillingFilter       1 ");
+
+  fs::remove(folder_ / name("part", 3));
+  put_frames("other", 12);
+  const std::map<std::string, std::string> others = {
+      {"run in -o part --resume -f TemporalFilter:", "were made with other chain"},
+      {"run in --bits 12 -o part --resume" + kChain, "were made with other frames"},
+      {"run other -o part --resume" + kChain, "were made with other inputs"}};
+  for (const auto& [arguments, part] : others) {
+    const Outcome refused = run(arguments);
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_MENTIONS(refused.err, part);
+  }
+  EXPECT_FALSE(fs::exists(folder_ / name("part", 3)));
+  fs::remove(folder_ / "part/.zvfilter.json");
+  EXPECT_MENTIONS(run("run in -o part --resume" + kChain).err,
+                  "is not there to say what made the results");
+}
+
+TEST_F(Runs, PassOverBadFramesWhenTheyAreAskedTo) {
+  put_frames("in", 8);
+  put(name("in", 2), Bytes{'x'});
+  put(name("in", 5), Image{1, 1, {0}});
+  fs::create_directories(folder_ / name("out", 6) / "taken");
+  for (const char* jobs : {"1", "4"}) {
+    const Outcome outcome = run(concat("run in -o out --overwrite --keep-going --jobs ", jobs, kChain));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_MENTIONS(outcome.out, "\n5 of 8 frames written to out\n");
+    EXPECT_TRUE(outcome.err.starts_with(
+        "zvfilter: in/frame_002.png: is no PNG file\n"
+        "zvfilter: in/frame_005.png: has 1x1 pixels; the frames before it have 16x8\n"
+        "zvfilter: out/frame_006.png: cannot be written: "))
+        << outcome.err;
+    EXPECT_TRUE(outcome.err.ends_with("\nzvfilter: 3 frames failed\n")) << outcome.err;
+  }
+}
+
+TEST_F(Runs, EndAfterWholeFramesWhenTheyAreStoppedAndGoOnLater) {
+  put_frames("in", 40);
+  const Image plain = get(name("in", 10));
+  Image marked = plain;
+  marked.pixels[0] = 4242;  // at which the filter asks for an end
+  for (const char* jobs : {"1", "4"}) {
+    const std::string folder = concat("out", jobs);
+    const std::string command =
+        concat("run -f StoppingFilter in -o ", folder, " --baseline 50 --fx 600 --jobs ", jobs);
+    put(name("in", 10), marked);
+    const Outcome stopped = run_probe(command);
+    EXPECT_EQ(stopped.status, 130);
+    const std::size_t written = listing(folder).size();
+    EXPECT_GE(written, 11u);
+    EXPECT_LE(written, *jobs == '1' ? 11u : 21u);
+    EXPECT_EQ(stopped.err,
+              concat("zvfilter: stopped; ", written, " of 40 frames written to ", folder, '\n'));
+
+    put(name("in", 10), plain);
+    const Outcome resumed = run_probe(command + " --resume");
+    ASSERT_EQ(resumed.status, 0) << resumed.err;
+    EXPECT_MENTIONS(resumed.out, concat(40 - written, " of ", 40 - written, " frames written to ", folder,
+                                        "; ", written, " were there\n"));
+    for (std::size_t i = 0; i < 40; ++i)
+      EXPECT_EQ(get(name(folder, i)), i == 10 ? marked : get(name("in", i)));
+  }
+}
+
+TEST_F(Runs, AreMeasuredByStage) {
+  put_frames("in", 4);
+  const Outcome outcome = run("bench in --jobs 2" + kChain);
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  for (const char* row :
+       {"4 frames; frames a second:\n", " 1 thread ", " 2 threads\n", "\ndecode ",
+        "\nstep 1 (TemporalFilter) ", "\nstep 2 (HoleFillingFilter) ", "\nencode ", "\nwhole "}) {
+    EXPECT_MENTIONS(outcome.out, row);
+  }
+}
+
+TEST_F(Runs, WriteSmallerFilesWhenTheyAreAskedTo) {
+  put("in/a.npy", [] {
+    Image image = make_image(200, 100);
+    for (std::size_t i = 0; i < image.pixels.size(); ++i)
+      image.pixels[i] = static_cast<std::uint16_t>(1000 + i % 200 * (i % 3));
+    return image;
+  }());
+  ASSERT_EQ(run("run in -o fast --format png -f HoleFillingFilter").status, 0);
+  ASSERT_EQ(run("run in -o small --format png --compression small -f HoleFillingFilter").status, 0);
+  EXPECT_EQ(get("fast/a.png"), get("small/a.png"));
+  EXPECT_LT(fs::file_size(folder_ / "small/a.png"), fs::file_size(folder_ / "fast/a.png"));
+}
+
+}  // namespace
+}  // namespace kit

@@ -1,0 +1,175 @@
+// What the library makes of frames is what the plug-in makes of them, however the pixels come and go.
+#include <atomic>
+#include <thread>
+
+#include "support/every_filter.h"
+#include "support/filter_driver.h"
+#include "zvfilter/chain_handle.h"
+
+namespace zvfilter {
+
+namespace {
+
+constexpr std::uint32_t kWidth = 97, kHeight = 41;
+constexpr unsigned kFrames = 4;
+
+using filterprocessor::FilterUse;
+
+devhost::FrameTraits frame_of(const FilterUse& use, unsigned number) {
+  return filterprocessor::lively_frame(kWidth, kHeight, use.pixel_type, number);
+}
+
+zvf_input input_of(const devhost::FrameTraits& traits) {
+  zvf_input input = zvf_input_of(traits.width, traits.height);
+  zvf_input_set_stereo(&input, traits.disparity.baseline, traits.disparity.fx);
+  input.pixel_type = traits.pixel_type;
+  input.has_correction = true;
+  input.correction = traits.metadata.at(ZV_METADATA_DISPARITY_CORRECTION);
+  return input;
+}
+
+/// The step that configures the filter with these values.
+std::string step_of(const FilterUse& use) {
+  std::string text = use.name;
+  text += ':';
+  for (std::size_t filter = 0; filter < zvf_filter_count(); ++filter) {
+    if (zvf_filter_name(filter) != std::string(use.name)) continue;
+    zvf_parameter parameter;
+    for (std::size_t i = 0; zvf_parameter_at(filter, i, &parameter); ++i) {
+      text += text.back() == ':' ? "" : ",";
+      text.append(parameter.name).append("=").append(use.configuration[i]);
+    }
+  }
+  return text;
+}
+
+std::vector<Pixels> made_by_plug_in(const FilterUse& use) {
+  filterprocessor::FilterDriver driver(use.name);
+  driver.update(use.configuration);
+  std::vector<Pixels> results;
+  for (unsigned i = 0; i < kFrames; ++i) {
+    const devhost::Frame made = driver.process(devhost::make_frame(frame_of(use, i)));
+    results.push_back(devhost::inspect(made.get()).pixels);
+  }
+  return results;
+}
+
+ChainHandle chain_of(const FilterUse& use) {
+  ChainHandle chain = parse(step_of(use));
+  const zvf_input input = input_of(frame_of(use, 0));
+  zvf_error error = {};
+  EXPECT_EQ(zvf_chain_set_input(chain.get(), &input, &error), ZVF_OK) << error.message;
+  return chain;
+}
+
+/// Rows with a gap of `gap` samples after each.
+Pixels with_gaps(const Pixels& pixels, std::size_t width, std::size_t gap) {
+  Pixels result(pixels.size() / width * (width + gap), 0x5555);
+  for (std::size_t i = 0; i < pixels.size(); ++i)
+    result[i / width * (width + gap) + i % width] = pixels[i];
+  return result;
+}
+
+class EveryFilter : public testing::TestWithParam<FilterUse> {};
+
+TEST_P(EveryFilter, EqualsThePlugIn) {
+  const std::vector<Pixels> expected = made_by_plug_in(GetParam());
+  const ChainHandle chain = chain_of(GetParam());
+  for (unsigned i = 0; i < kFrames; ++i)
+    EXPECT_EQ(run(chain, frame_of(GetParam(), i).pixels), expected[i]);
+}
+
+TEST_P(EveryFilter, TakesAndGivesRowsWithGaps) {
+  const std::vector<Pixels> expected = made_by_plug_in(GetParam());
+  const ChainHandle chain = chain_of(GetParam());
+  for (unsigned i = 0; i < kFrames; ++i) {
+    const Pixels frame = with_gaps(frame_of(GetParam(), i).pixels, kWidth, 3);
+    Pixels result = with_gaps(Pixels(expected[i].size()), kWidth, 5);
+    ASSERT_EQ(zvf_chain_run(chain.get(), frame.data(), (kWidth + 3) * 2, result.data(), (kWidth + 5) * 2,
+                            nullptr),
+              ZVF_OK);
+    EXPECT_EQ(result, with_gaps(expected[i], kWidth, 5));
+  }
+}
+
+TEST_P(EveryFilter, WorksInPlace) {
+  const std::vector<Pixels> expected = made_by_plug_in(GetParam());
+  const ChainHandle chain = chain_of(GetParam());
+  for (unsigned i = 0; i < kFrames; ++i) {
+    Pixels frame = frame_of(GetParam(), i).pixels;
+    ASSERT_EQ(zvf_chain_run(chain.get(), frame.data(), 0, frame.data(), 0, nullptr), ZVF_OK);
+    EXPECT_EQ(frame, expected[i]);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Filters, EveryFilter,
+                         testing::ValuesIn(filterprocessor::every_filter(kWidth, kHeight)),
+                         [](const auto& each) { return std::string(each.param.name); });
+
+constexpr const char* kLongChain =
+    "DisparityTransform:; clean=NoiseRemovalFilter:min_diff=64; SpatialAdvancedFilter:; TemporalFilter:; "
+    "HoleFillingFilter:hole_filling_mode=1; DepthResize:scale=0.5";
+
+ChainHandle long_chain() {
+  ChainHandle chain = parse(kLongChain);
+  const zvf_input input = input_of(filterprocessor::lively_frame(kWidth, kHeight, ZVF_DISPARITY, 0));
+  EXPECT_EQ(zvf_chain_set_input(chain.get(), &input, nullptr), ZVF_OK);
+  return chain;
+}
+
+Pixels disparity(unsigned number) {
+  return filterprocessor::lively_frame(kWidth, kHeight, ZVF_DISPARITY, number).pixels;
+}
+
+TEST(Stages, AreTheFramesAfterEachStep) {
+  const ChainHandle chain = long_chain();
+  zvf_chain_keep_stages(chain.get(), true);
+  const Pixels result = run(chain, disparity(0));
+  Pixels last;
+  for (std::size_t i = 0; i < zvf_chain_size(chain.get()); ++i) {
+    zvf_view view;
+    ASSERT_EQ(zvf_chain_stage(chain.get(), i, &view, nullptr), ZVF_OK);
+    ASSERT_NE(view.pixels, nullptr);
+    EXPECT_EQ(view.pixel_type, ZVF_DEPTH);
+    EXPECT_GT(view.milliseconds, 0);
+    last.assign(view.pixels, view.pixels + std::size_t{view.width} * view.height);
+    if (i > 0) continue;
+    EXPECT_EQ(last, run(chain_of({"DisparityTransform", {"10000", "100", "1"}, {}, ZVF_DISPARITY}),
+                        disparity(0)));
+  }
+  EXPECT_EQ(last, result);
+  EXPECT_EQ(last.size(), std::size_t{kWidth / 2} * (kHeight / 2));
+}
+
+TEST(Frames, OutliveTheirChainOnAnyThread) {
+  ChainHandle chain = long_chain();
+  const Pixels expected = run(long_chain(), disparity(0));
+  zvf_frame* const frame = zvf_chain_run_frame(chain.get(), disparity(0).data(), 0, nullptr);
+  ASSERT_NE(frame, nullptr);
+  chain.reset();
+  std::thread([&] {
+    const zvf_view view = zvf_frame_view(frame);
+    EXPECT_EQ(Pixels(view.pixels, view.pixels + std::size_t{view.width} * view.height), expected);
+    zvf_frame_release(frame);
+  }).join();
+}
+
+TEST(Chains, OfDifferentThreadsAreIndependent) {
+  std::vector<Pixels> expected;
+  const ChainHandle chain = long_chain();
+  for (unsigned i = 0; i < kFrames; ++i) expected.push_back(run(chain, disparity(i)));
+  std::atomic<int> wrong = 0;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&] {
+      const ChainHandle own = long_chain();
+      for (unsigned i = 0; i < kFrames; ++i) wrong += run(own, disparity(i)) != expected[i];
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(wrong, 0);
+}
+
+}  // namespace
+
+}  // namespace zvfilter

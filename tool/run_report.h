@@ -1,0 +1,36 @@
+#ifndef ZVFILTER_RUN_REPORT_H
+#define ZVFILTER_RUN_REPORT_H
+
+#include <string>
+#include <vector>
+
+#include "kit/pipeline/sequence.h"
+#include "kit/report/report.h"
+#include "options.h"
+
+namespace zvfilter {
+
+/// The page about a run, fed as the run goes on.
+class RunReport {
+ public:
+  /// @throws kit::Error when a frame asked for isn't in the source or the other run lacks a result
+  RunReport(const RunOptions& options, const kit::Pipeline& pipeline, const kit::FrameSource& source);
+
+  void add(const kit::Passage& passage);
+  void end_frame(std::size_t index, const kit::SourceFrame& input);
+  void write() const;
+
+ private:
+  std::filesystem::path file_;
+  kit::Report report_;
+  std::vector<kit::FrameName> names_;
+  std::vector<std::filesystem::path> others_;  ///< the other run's results; may be empty
+  std::vector<kit::ReportStage> stages_;       ///< of the frame on its way
+};
+
+/// The words as a shell takes them.
+std::string command_text(const std::vector<std::string>& words);
+
+}  // namespace zvfilter
+
+#endif
