@@ -31,6 +31,7 @@ Sides any_sides(Source& source, std::size_t smallest) {
 namespace {
 
 Pixels any_scene(Source& source, const Sides& sides) {
+  if (sides.area() == 0) return {};
   const auto make = source.pick({+[](int w, int h) { return bench::stereo_scene(w, h); }, bench::comb,
                                  bench::spiral, bench::checkerboard});
   return make(static_cast<int>(sides.width), static_cast<int>(sides.height)).pixels;
