@@ -23,7 +23,8 @@ class BuildWithCMake(build_ext):
         build = Path(configured or self.build_temp).resolve()
         if not configured:
             subprocess.run(["cmake", "-S", ROOT, "-B", build, "-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF",
-                            "-DFILTERPROCESSOR_PYTHON=ON", f"-DPython_EXECUTABLE={sys.executable}"], check=True)
+                            "-DFILTERPROCESSOR_TOOLS=OFF", "-DFILTERPROCESSOR_ZVFILTER=ON", "-DFILTERPROCESSOR_PYTHON=ON",
+                            f"-DPython_EXECUTABLE={sys.executable}"], check=True)
         subprocess.run(["cmake", "--build", build, "--target", "zvfilter_python", "--parallel"], check=True)
         package = Path(self.get_ext_fullpath(ext.name)).parent
         package.mkdir(parents=True, exist_ok=True)
