@@ -57,14 +57,13 @@ class Chain {
 
  public:
   explicit Chain(const std::string& text)
-      : Chain([&](zvf_error* error) { return zvf_chain_parse(text.c_str(), error); },
-              [&] { return kit::parse_chain(text.c_str(), "chain").input; }) {}
+      : Chain(ChainHandle(
+            checked([&](zvf_error* error) { return zvf_chain_parse(text.c_str(), error); }))) {}
 
   static std::unique_ptr<Chain> load(const std::string& file) {
     const py::gil_scoped_release others_run;
-    return std::unique_ptr<Chain>(
-        new Chain([&](zvf_error* error) { return zvf_chain_load(file.c_str(), error); },
-                  [&] { return kit::read_chain_file(file).input; }));
+    return std::unique_ptr<Chain>(new Chain(
+        ChainHandle(checked([&](zvf_error* error) { return zvf_chain_load(file.c_str(), error); }))));
   }
 
   std::unique_ptr<Chain> copy() {
@@ -190,13 +189,9 @@ class Chain {
   Chain(ChainHandle chain, const zvf_input& input, bool has_input)
       : chain_(std::move(chain)), input_(input), has_input_(has_input) {}
 
-  /// @param input reads the same text again, for an input without a size, of which the library takes no notice
-  template <typename Make, typename ReadInput>
-  Chain(const Make& make, const ReadInput& input) : chain_(checked(make)) {
-    if (const std::optional<kit::Input> given = input()) {
-      input_ = input_record(*given);
-      has_input_ = true;
-    }
+  explicit Chain(ChainHandle chain) : chain_(std::move(chain)) {
+    has_input_ = zvf_chain_input(chain_.get(), &input_);
+    input_.width = input_.height = 0;
   }
 
   std::unique_ptr<Chain> copy_now() const {

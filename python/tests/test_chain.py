@@ -3,11 +3,12 @@
 import json
 import pickle
 
+import jsonschema
 import numpy as np
 import pytest
 
 import zvfilter
-from conftest import STEPS
+from conftest import REPOSITORY, STEPS
 
 
 def test_steps_by_number_tag_filter_and_slice(chain):
@@ -122,3 +123,25 @@ def test_output_is_known_before_and_disturbs_nothing(chain, disparity):
     assert output.shape == results[0].shape and output.input.pixel_type == "depth"
     with pytest.raises(zvfilter.InvalidError):
         chain.output_for((0, 5))
+
+
+def test_the_schema_file_takes_what_the_library_takes(chain):
+    schema = json.loads((REPOSITORY / "library/chain.schema.json").read_text())
+    validator = jsonschema.validators.validator_for(schema)
+    validator.check_schema(schema)
+    valid = validator(schema).is_valid
+    texts = [file.read_text() for file in sorted((REPOSITORY / "presets").glob("*.json"))]
+    assert len(texts) > 3
+    for text in [*texts, chain.to_json(), '{"version": 1, "steps": []}']:
+        assert valid(json.loads(text)) and zvfilter.Chain.parse(text).to_json()
+
+    def chain_of(filter="TemporalFilter", version=1, **fields):
+        return {"version": version, "steps": [{"filter": filter, **fields}]}
+
+    assert valid(chain_of(values={"weight": 0.3}, tag="calm", enabled=False))
+    for wrong in [chain_of(version=2), chain_of("TemporalFilters"), chain_of(values={"wait": 0.3}), chain_of(values={"weight": 1.5}),
+                  chain_of("HoleFillingFilter", values={"hole_filling_mode": 0.5}), chain_of(tags="calm"),
+                  {"version": 1}, {"steps": []}, {**chain_of(), "input": {"pixel_typ": "depth"}}]:
+        assert not valid(wrong), wrong
+        with pytest.raises(ValueError):
+            zvfilter.Chain.parse(json.dumps(wrong))
