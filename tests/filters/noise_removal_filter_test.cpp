@@ -141,6 +141,18 @@ TEST(NoiseRemovalFilter, AFailedConfigurationIsNotRetriedForTheSameKindOfFrame) 
   }
 }
 
+TEST(NoiseRemovalFilter, DepthOfAnotherSizeThanConfiguredNeedsGeometry) {
+  const ErrorTexts no_table = {"update depth diff lut error", "updateConfig", "updateDepthDiffLut()", 4};
+  for (const auto& [width, height] : {std::pair{424, 240}, {848, 240}, {424, 480}, {848, 480}}) {
+    FilterDriver filter(kName);
+    devhost::FrameTraits traits = room(width, height);
+    traits.disparity.baseline = 0;
+    const bool as_configured = width == 848 && height == 480;
+    EXPECT_EQ(filter.refused(traits), as_configured ? no_table : invalid("frame_info.bxf"))
+        << width << " x " << height;
+  }
+}
+
 TEST(NoiseRemovalFilter, AfterAFailedConfigurationAnOlderBufferServesIfItIsLargeEnough) {
   struct Case {
     std::uint32_t width, height;
