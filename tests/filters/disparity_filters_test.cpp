@@ -374,8 +374,13 @@ TEST(OpenNIDisparityTransform, RewritesTheIntrinsicsOfTheSampledProfile) {
     FilterDriver filter(kOpenNI);
     ASSERT_EQ(filter.update(open_ni(c.width, c.height, "0.5")), kNoError);
     const devhost::LiveObjects before = devhost::live_objects();
-    const devhost::Frame set = filter.process(devhost::make_frame_set(devhost::make_frame(positions())));
+    const devhost::Frame input = devhost::make_frame_set(devhost::make_frame(positions()));
+    devhost::start_call_log();
+    const devhost::Frame set = filter.process(input);
+    const std::vector<std::string> calls = devhost::stop_call_log();
     ASSERT_TRUE(set);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "zv_frame_update_data"), 1)
+        << "a host that keeps pixels elsewhere is told of them";
     EXPECT_EQ(devhost::inspect(set.get()).type, ZV_FRAME_TYPE_SET);
     const devhost::Frame depth = devhost::depth_frame_of(set.get());
     EXPECT_EQ(devhost::inspect(depth.get()).type, ZV_FRAME_TYPE_SET) << "the type handed in";
