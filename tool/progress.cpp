@@ -7,7 +7,7 @@
 namespace zvfilter {
 
 Progress::Progress(std::size_t total)
-    : total_(total), visible_(total > 1 && ::isatty(STDERR_FILENO) == 1) {}
+    : total_(total), visible_(total != 1 && ::isatty(STDERR_FILENO) == 1) {}
 
 void Progress::clear() {
   if (visible_) std::fputs("\r\x1b[K", stderr);
@@ -17,12 +17,16 @@ void Progress::clear() {
 void Progress::show(std::size_t done) {
   const Clock::time_point now = Clock::now();
   constexpr std::chrono::milliseconds pause(50);  // a terminal is slower than the filters
-  if (!visible_ || (now - shown_ < pause && done < total_)) return;
+  if (!visible_ || (now - shown_ < pause && done != total_)) return;
   shown_ = now;
+  const double rate = static_cast<double>(done) / std::chrono::duration<double>(now - start_).count();
+  if (total_ == 0) {
+    std::fprintf(stderr, "\r%zu frames  %.1f/s\x1b[K", done, rate);
+    return;
+  }
   constexpr std::size_t width = 30;
   const std::size_t filled = width * done / total_;
   const std::string bar = std::string(filled, '#') + std::string(width - filled, '.');
-  const double rate = static_cast<double>(done) / std::chrono::duration<double>(now - start_).count();
   const auto left = static_cast<unsigned long>(static_cast<double>(total_ - done) / rate + 0.5);
   std::fprintf(stderr, "\r[%s] %zu/%zu  %.1f/s  %lu:%02lu left\x1b[K", bar.c_str(), done, total_, rate,
                left / 60, left % 60);

@@ -9,6 +9,7 @@ namespace zvfilter {
 /// A bar on standard error with the rate and the time left, when that is a terminal; it leaves with the object.
 class Progress {
  public:
+  /// @param total 0: it is not known
   explicit Progress(std::size_t total);
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
