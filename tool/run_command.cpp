@@ -77,7 +77,7 @@ class Runs {
 
   void work();
   /// Says what was done and how it went.
-  void report(std::ostream& out, std::ostream& notes) const;
+  void report(std::ostream& out, std::ostream& notes);
 
  private:
   void work(std::size_t number, std::size_t frames_in_flight);
@@ -166,9 +166,9 @@ void Runs::work(std::size_t number, std::size_t frames_in_flight) {
 kit::SequenceVisitor Runs::visitor(Run& run) {
   kit::SequenceVisitor visitor;
   visitor.on_passage = [&run](const kit::SourceFrame& input, const kit::Passage& passage) {
-    run.results.add(passage, input.truth);
+    const kit::AccuracySummary accuracy = run.results.add(passage, input.truth);
     run.effects.add(passage);
-    if (run.page) run.page->add(passage);
+    if (run.page) run.page->add(passage, accuracy);
   };
   visitor.on_filtered = [&](std::size_t index, const kit::SourceFrame& input,
                             const kit::FrameView& result) {
@@ -203,7 +203,7 @@ void Runs::say_effects(std::ostream& notes) const {
   }
 }
 
-void Runs::report(std::ostream& out, std::ostream& notes) const {
+void Runs::report(std::ostream& out, std::ostream& notes) {
   std::size_t problems = 0;
   std::exception_ptr failure;
   for (const Run& run : runs_) {
@@ -220,8 +220,8 @@ void Runs::report(std::ostream& out, std::ostream& notes) const {
   say_effects(notes);
   if (stopped_ && !failure) throw Stopped(kit::printable("stopped; " + summary));
   if (!failure) {
-    for (const Run& run : runs_) {
-      if (run.page) run.page->write();
+    for (Run& run : runs_) {
+      if (run.page) run.page->write(run.results);
       if (!run.sequence.name.empty()) out << kit::printable(run.sequence.name) << ":\n";
       print_results(run.results, &run.steadiness, out);
       if (!run.sequence.name.empty()) out << '\n';

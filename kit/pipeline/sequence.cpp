@@ -211,12 +211,12 @@ ChainResults::ChainResults(const Chain& chain) : filters(chain.size()) {
   for (std::size_t i = 0; i < chain.size(); ++i) filters[i].name = chain[i].filter;
 }
 
-void ChainResults::add(const Passage& passage, const std::optional<Image>& truth) {
+AccuracySummary ChainResults::add(const Passage& passage, const std::optional<Image>& truth) {
   if (passage.number > 0)
     filters[passage.number - 1].add(passage.before, passage.frame, passage.milliseconds);
-  if (!truth) return;
+  if (!truth) return {};
   accuracy.resize(filters.size() + 1);
-  accuracy[passage.number].add(passage.frame, *truth);
+  return accuracy[passage.number].add(passage.frame, *truth);
 }
 
 void ChainResults::add(const ChainResults& other) {

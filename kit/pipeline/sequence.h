@@ -50,7 +50,8 @@ void run_sequence(const FrameSource& source, Pipeline& pipeline, const SequenceO
 /// What a chain did to the frames of a sequence.
 struct ChainResults {
   explicit ChainResults(const Chain& chain);
-  void add(const Passage& passage, const std::optional<Image>& truth);
+  /// @return how near the frame is to the truth, as Accuracy::add() says it
+  AccuracySummary add(const Passage& passage, const std::optional<Image>& truth);
   /// What the same chain did to another sequence.
   void add(const ChainResults& other);
 
