@@ -124,7 +124,7 @@ Bytes png_of_rows(std::uint32_t width, const std::vector<unsigned char>& filters
 
 TEST(Png, RestoresRowsOfEveryFilterAndSizeAsLibpngDoes) {
   for (std::uint32_t width = 1; width <= 40; ++width) {
-    for (const std::size_t height : {1, 2, 7, 8, 9, 15, 16, 17, 37}) {
+    for (const std::size_t height : {1u, 2u, 7u, 8u, 9u, 15u, 16u, 17u, 37u}) {
       for (unsigned char kind = 0; kind <= 6;
            ++kind) {  // one of the filters, those without Paeth, or all
         std::vector<unsigned char> filters(height, kind);
@@ -139,7 +139,7 @@ TEST(Png, RestoresRowsOfEveryFilterAndSizeAsLibpngDoes) {
 }
 
 TEST(Png, RefusesRowsOfNoFilter) {
-  for (const std::size_t row : {0, 20}) {
+  for (const std::size_t row : {0u, 20u}) {
     std::vector<unsigned char> filters(25, 4);
     filters[row] = 5;
     EXPECT_MENTIONS(refusal("png", png_of_rows(3, filters, 1)), "is damaged or truncated");
