@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <string>
 
 namespace zvfilter {
 
@@ -19,6 +20,9 @@ class Progress {
 
  private:
   using Clock = std::chrono::steady_clock;
+
+  /// Of the part that is done; empty where there is no room for it.
+  std::string bar(std::size_t done, std::size_t room) const;
 
   std::size_t total_;
   bool visible_;
