@@ -109,7 +109,8 @@ void describe_inputs(CLI::App& command, RunOptions& run) {
       .add_option_function<std::string>(
           "--endian",
           [&run](const std::string& order) {
-            run.raw_order = order == "big" ? kit::ByteOrder::big : kit::ByteOrder::little;
+            run.endian_said = true;
+            run.output.raw_order = order == "big" ? kit::ByteOrder::big : kit::ByteOrder::little;
           },
           "Byte order of raw images, read and written: little (default) or big")
       ->check(expect("little or big",

@@ -40,7 +40,7 @@ struct RunOptions {
   std::vector<std::string> inputs;
   kit::Selection selection;                   ///< from folders
   const kit::Codec* stream_format = nullptr;  ///< of standard input; null: the output's
-  std::optional<kit::ByteOrder> raw_order;
+  bool endian_said = false;
   bool metres = false;                             ///< floating-point files hold them
   std::optional<kit::CameraRequest> camera_input;  ///< what the input asks of the virtual camera
   std::optional<std::string> truth;
