@@ -68,6 +68,19 @@ TEST_F(Inputs, UseTheCameraFileBesideThem) {
       "give --camera or --pixel-type disparity\n");
   EXPECT_EQ(get("d/disparity_0000.png"), get("cam/disparity_0000.png"));
 
+  put("in/disparity_0000.png", get("cam/disparity_0000.png"));
+  const auto put_chain = [&](const std::string& input) {
+    const std::string file =
+        concat(R"({"version": 1, "steps": [{"filter": "DisparityTransform"}], "input": )", input, "}");
+    put("chain.json", Bytes(file.begin(), file.end()));
+  };
+  put_chain(text_of(folder_ / "cam/camera.json"));
+  EXPECT_EQ(run("run --chain chain.json in -o e").err, "");
+  put_chain(R"({"pixelType": "depth"})");
+  EXPECT_EQ(run("run --chain chain.json in -o f --camera cam/camera.json").err, "");
+  for (const char* result : {"e/disparity_0000.png", "f/disparity_0000.png"})
+    EXPECT_EQ(get(result), get("a/disparity_0000.png"));
+
   put("cam/camera.json", Bytes{'{', '}', '}'});
   EXPECT_MENTIONS(run(chain + "cam -o results").err, "\nzvfilter: cam/camera.json: is no JSON: ");
   fs::remove(folder_ / "cam/camera.json");
