@@ -15,7 +15,7 @@ constexpr const char* kLabel = "standard input";
 class StandardInput {
  public:
   StandardInput(const Codec& codec, const ReadOptions& options, FrameAttributes attributes,
-        std::function<bool()> stop)
+                std::function<bool()> stop)
       : reader_(stream_, codec, options, kLabel),
         attributes_(std::move(attributes)),
         stop_(std::move(stop)) {}
