@@ -12,6 +12,6 @@ function(embed_text layer name)
   endforeach()
   set(folder ${PROJECT_BINARY_DIR}/generated/${name})
   file(CONFIGURE OUTPUT ${folder}/${name}.h @ONLY NEWLINE_STYLE UNIX CONTENT
-    "#ifndef KIT_@guard@_H\n#define KIT_@guard@_H\n#include <string_view>\nnamespace kit::@name@ {\n@constants@}\n#endif\n")
+    "#ifndef KIT_@guard@_H\n#define KIT_@guard@_H\n#include <string_view>\n#ifdef __clang__\n#pragma clang diagnostic ignored \"-Woverlength-strings\"\n#endif\nnamespace kit::@name@ {\n@constants@}\n#endif\n")
   target_include_directories(filterprocessor_${layer} PRIVATE ${folder})
 endfunction()
