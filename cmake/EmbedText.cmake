@@ -8,7 +8,9 @@ function(embed_text layer name)
     get_filename_component(constant ${file} NAME)
     string(REPLACE "." "_" constant ${constant})
     file(READ ${file} text)
-    string(APPEND constants "inline constexpr std::string_view ${constant} = R\"~~~(${text})~~~\";\n")
+    # The size is given, since counting a long text takes more steps than a compiler allows.
+    string(APPEND constants "inline constexpr char ${constant}_text[] = R\"~~~(${text})~~~\";\n"
+      "inline constexpr std::string_view ${constant}(${constant}_text, sizeof ${constant}_text - 1);\n")
   endforeach()
   set(folder ${PROJECT_BINARY_DIR}/generated/${name})
   file(CONFIGURE OUTPUT ${folder}/${name}.h @ONLY NEWLINE_STYLE UNIX CONTENT

@@ -71,6 +71,23 @@ Json describe_colors() {
             {"hole", one(holes.hole)}}}};
 }
 
+/// The filters with what the schemas don't say: values that a filter refuses, and those that follow from the frames' size.
+Json describe_filters(const FilterLibrary& library, const Frame& frame) {
+  const std::vector<FilterDescription> filters = library.describe();
+  Json list = Json::parse(to_json(filters));
+  for (std::size_t i = 0; i < filters.size(); ++i) {
+    const auto derived = derived_values(filters[i].name, Values{}, frame.width, frame.height);
+    for (std::size_t k = 0; k < filters[i].parameters.size(); ++k) {
+      const SchemaParameter& parameter = filters[i].parameters[k];
+      Json& json = list[i]["parameters"][k];
+      const ValueRange range = value_range(filters[i].name, parameter);
+      if (parse_number(parameter.min) != range.min) json["min"] = range.min;
+      json["derived"] = derived && derived->contains(parameter.name);
+    }
+  }
+  return list;
+}
+
 Json describe_sequence(FrameCache& frames, const std::string& name) {
   const auto first = frames.frame(0);
   const DepthRange range = depth_range({first->frame}).value_or(DepthRange{0, 1000});
@@ -230,7 +247,7 @@ std::string describe(const FilterLibrary& library, const Settings& settings, Fra
     list.push_back(
         {{"name", preset.name}, {"description", file.description}, {"chain", steps_json(file.steps)}});
   }
-  return Json{{"filters", Json::parse(to_json(library.describe()))},
+  return Json{{"filters", describe_filters(library, frames.frame(0)->frame)},
               {"presets", std::move(list)},
               {"colors", describe_colors()},
               {"sequence", describe_sequence(frames, settings.input)},
