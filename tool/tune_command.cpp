@@ -101,6 +101,8 @@ void tune_command(const kit::FilterLibrary& library, TuneOptions options, std::o
       settings.chain.input = std::move(file.input);
     }
   }
+  settings.intrinsics = options.run.camera_input ||
+                        (options.run.attributes.camera && options.run.attributes.camera->has_intrinsics);
   settings.input = kit::join(options.run.inputs, " ");
   settings.command = [words = input_words(options.words)](const std::string& chain) {
     return run_command_text(words, chain);

@@ -88,16 +88,17 @@ Json describe_filters(const FilterLibrary& library, const Frame& frame) {
   return list;
 }
 
-Json describe_sequence(FrameCache& frames, const std::string& name) {
+Json describe_sequence(FrameCache& frames, const Settings& settings) {
   const auto first = frames.frame(0);
   const DepthRange range = depth_range({first->frame}).value_or(DepthRange{0, 1000});
   Json labels = Json::array();
   for (std::size_t i = 0; i < frames.size(); ++i) labels.push_back(frames.name(i).label);
-  return {{"name", name},
+  return {{"name", settings.input},
           {"labels", std::move(labels)},
           {"width", first->frame.width},
           {"height", first->frame.height},
           {"pixelType", pixel_type_name(first->frame.pixel_type)},
+          {"intrinsics", settings.intrinsics},
           {"truth", first->truth.has_value()},
           {"near", range.near},
           {"far", range.far}};
@@ -250,8 +251,7 @@ std::string describe(const FilterLibrary& library, const Settings& settings, Fra
   return Json{{"filters", describe_filters(library, frames.frame(0)->frame)},
               {"presets", std::move(list)},
               {"colors", describe_colors()},
-              {"sequence", describe_sequence(frames, settings.input)},
-              {"runUp", Session::kRunUp},
+              {"sequence", describe_sequence(frames, settings)},
               {"chain", steps_json(settings.chain.steps)},
               {"chainFile", settings.chain_file.string()}}
       .dump();

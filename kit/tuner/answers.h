@@ -17,6 +17,7 @@ struct Settings {
   ChainFile chain;                   ///< to begin with
   std::filesystem::path chain_file;  ///< where it is saved; empty: nowhere
   std::string input;                 ///< what the page calls the sequence
+  bool intrinsics = false;           ///< whether those of the frames are known
   /// The command that runs the chain with this text on the sequence.
   std::function<std::string(const std::string& chain)> command;
 };

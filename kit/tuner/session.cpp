@@ -11,13 +11,11 @@ namespace kit::tuner {
 
 namespace {
 
+/// The parameter of a filter with history that says what part a new frame has in the result.
+constexpr const char* kNewFrameWeight = "weight";
+
 std::string text_of(const NamedChain& chain) {
   return chain_json({"", std::nullopt, chain.steps}) + join(chain.names, "\n");
-}
-
-bool remembers(const Chain& chain) {
-  return std::any_of(chain.begin(), chain.end(),
-                     [](const Step& step) { return step.enabled && has_history(step.filter); });
 }
 
 /// Whether a filter at work can be made the other step without being made anew.
@@ -42,20 +40,17 @@ const ShownFrame& Session::show(std::size_t index, const NamedChain& chain) {
   const std::string text = text_of(chain);
   const bool stays = shown_ && index == shown_->index;
   const bool changed = !pipeline_ || text != chain_;
-  if (stays && !changed) {
-    shown_->restarted = false;
-    return *shown_;
-  }
+  if (stays && !changed) return *shown_;
   // What a filter refuses is said before anything changes.
   if (changed) static_cast<void>(Pipeline(library_, chain.steps));
   ShownFrame next;
   const bool goes_on = pipeline_ && shown_ && index == shown_->index + 1;
   next.restarted = !goes_on;
   next.first = goes_on ? shown_->first : index;
-  if (stays && remembers(chain.steps)) next.first = index - std::min(index, kRunUp);
   try {
     take(chain);
     if (!goes_on) pipeline_->reset();
+    if (stays) next.first = index - std::min(index, run_up());
     run(goes_on ? index : next.first, index, next);
   } catch (...) {
     pipeline_.reset();
@@ -97,10 +92,31 @@ void Session::take(const NamedChain& chain) {
   }
 }
 
+std::size_t Session::run_up() const {
+  constexpr double kShare = 0.05;
+  std::size_t most = 0;
+  for (std::size_t i = 0; i < pipeline_->chain().size(); ++i) {
+    const Step& step = pipeline_->chain()[i];
+    if (!step.enabled || !has_history(step.filter)) continue;
+    const std::vector<SchemaParameter>& parameters = pipeline_->parameters(i);
+    const bool weighs =
+        std::any_of(parameters.begin(), parameters.end(),
+                    [](const SchemaParameter& each) { return each.name == kNewFrameWeight; });
+    if (!weighs) return kMostRunUp;
+    double rest = 1;
+    const double others = 1 - value_of(*pipeline_, i, kNewFrameWeight);
+    std::size_t frames = 0;
+    for (; rest >= kShare && frames < kMostRunUp; ++frames) rest *= others;
+    most = std::max(most, frames);
+  }
+  return most;
+}
+
 void Session::run(std::size_t first, std::size_t last, ShownFrame& shown) {
   FrameSource part;
   for (std::size_t i = first; i <= last; ++i) part.names.push_back(frames_.name(i));
-  part.load = [&](std::size_t i) { return *frames_.frame(first + i); };
+  // The filters need no truth.
+  part.load = [&](std::size_t i) { return SourceFrame{frames_.frame(first + i)->frame, std::nullopt}; };
   shown.index = last;
   shown.input = frames_.frame(last);
   shown.steps.resize(pipeline_->chain().size());

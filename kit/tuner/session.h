@@ -43,10 +43,10 @@ struct ShownFrame {
 ///
 /// The filters see frames as a camera would give them: the frame after the last one continues the sequence, and whatever
 /// changed in the chain acts from it on. Any other frame starts it anew. For a change at the frame that is shown, the filters
-/// start kRunUp frames before it if any of them remembers frames.
+/// start so many frames before it that the first of them has less than a twentieth of the result, at most kMostRunUp.
 class Session {
  public:
-  static constexpr std::size_t kRunUp = 15;
+  static constexpr std::size_t kMostRunUp = 15;
 
   Session(const FilterLibrary& library, FrameCache& frames) : library_(library), frames_(frames) {}
 
@@ -58,6 +58,7 @@ class Session {
 
  private:
   void take(const NamedChain& chain);
+  std::size_t run_up() const;
   void run(std::size_t first, std::size_t last, ShownFrame& shown);
 
   const FilterLibrary& library_;

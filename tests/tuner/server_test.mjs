@@ -5,7 +5,7 @@ import {existsSync, readdirSync, readFileSync, writeFileSync} from "node:fs";
 import net from "node:net";
 import {join} from "node:path";
 import {after, before, test} from "node:test";
-import {makeClient, makeFolder, readNpy, startTuner} from "./tuner.mjs";
+import {makeClient, makeFolder, readNpy, startTuner, stopTuners} from "./tuner.mjs";
 
 let place, tuner;
 
@@ -16,7 +16,7 @@ before(async () => {
 });
 
 after(async () => {
-  await tuner?.stop();
+  await stopTuners();
   place.remove();
 });
 
@@ -149,12 +149,14 @@ test("frames continue, begin anew and are run up to as they are said to", async 
   shown = await show(20, weight(0.3));
   assert.deepEqual([shown.first, shown.restarted], [20, true]);
   assert.deepEqual(shown.after, made(0.3, 20, 20));
+  // The share of the first frame: 0.5 to the fifth is less than a twentieth.
   shown = await show(20, weight(0.5));
-  assert.deepEqual([shown.first, shown.restarted], [5, true]);
-  assert.deepEqual(shown.after, made(0.5, 5, 20));
+  assert.deepEqual([shown.first, shown.restarted], [15, true]);
+  assert.deepEqual(shown.after, made(0.5, 15, 20));
   shown = await show(21, weight(0.5));
-  assert.deepEqual([shown.first, shown.restarted], [5, false]);
-  assert.deepEqual(shown.after, made(0.5, 5, 21));
+  assert.deepEqual([shown.first, shown.restarted], [15, false]);
+  assert.deepEqual(shown.after, made(0.5, 15, 21));
+  for (const [value, first] of [[0.1, 6], [1, 20]]) assert.equal((await show(21, weight(value))).first, first, `weight ${value}`);
 });
 
 test("a changed chain acts from the next frame on, and its steps remember", async () => {

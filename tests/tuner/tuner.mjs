@@ -20,6 +20,9 @@ export function readNpy(file) {
   return new Uint16Array(bytes.buffer.slice(bytes.byteOffset + start, bytes.byteOffset + bytes.length));
 }
 
+const running = new Set();
+export const stopTuners = () => Promise.all([...running].map((stop) => stop()));
+
 export async function startTuner(folder, ...words) {
   const process = spawn(tool, ["tune", ...words], {cwd: folder});
   let said = "";
@@ -51,8 +54,13 @@ export async function startTuner(folder, ...words) {
     request.on("error", reject);
     request.end(body);
   });
-  return {address, origin, host, port: +port, token, headers, send, ended, process,
-          stop: () => { process.kill("SIGINT"); return ended; }};
+  const stop = () => {
+    process.kill("SIGINT");
+    return ended;
+  };
+  running.add(stop);
+  ended.then(() => running.delete(stop));
+  return {address, origin, host, port: +port, token, headers, send, stop};
 }
 
 // A page without a browser.

@@ -88,14 +88,18 @@ export class ChainPanel {
     const asMade = element("p", {className: "note"}, `Left as it is made. ${filter?.asMade ?? ""} A value that you change gives it all values.`);
     const figures = element("span", {className: "figures"});
     const handle = button("⠿", `Move ${name}: drag, or arrow keys up and down`, null, {className: "handle"});
-    const fold = element("details", {open: !this.#folded.has(step.name), ontoggle: () => {
-      this.#folded[fold.open ? "delete" : "add"](step.name);
-    }}, element("summary", {}, element("span", {className: "title"}, title), figures), element("p", {className: "note"}, filter?.summary ?? ""), asMade, grid);
+    const body = element("div", {className: "body", hidden: this.#folded.has(step.name)}, element("p", {className: "note"}, filter?.summary ?? ""), asMade, grid);
+    const fold = button(title, null, () => {
+      body.hidden = !body.hidden;
+      fold.setAttribute("aria-expanded", !body.hidden);
+      this.#folded[body.hidden ? "add" : "delete"](step.name);
+    }, {className: "title", title: "Show or hide the values"});
+    fold.setAttribute("aria-expanded", !body.hidden);
     const enabled = element("input", {type: "checkbox", checked: step.enabled, title: "On or off", onchange: () => this.#chain.enable(i, enabled.checked)});
     enabled.setAttribute("aria-label", `${name} is on`);
-    const root = element("li", {className: step.enabled ? "step" : "step off"}, handle, enabled, fold,
-        element("span", {className: "tools"}, button("⧉", `Duplicate ${name}`, () => this.#chain.duplicate(i)),
-                button("✕", `Remove ${name}`, () => this.#chain.remove(i))));
+    const root = element("li", {className: step.enabled ? "step" : "step off"}, handle, enabled, fold, figures,
+        element("span", {className: "tools"}, button("2×", `Duplicate ${name}`, () => this.#chain.duplicate(i)),
+                button("✕", `Remove ${name}`, () => this.#chain.remove(i))), body);
     this.#makeMovable(handle, root, i);
     return {root, controls, asMade, figures};
   }

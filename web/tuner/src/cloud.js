@@ -1,5 +1,5 @@
 // The frame as points in space, for frames with intrinsics.
-import {BufferAttribute, BufferGeometry, Color, PerspectiveCamera, Points, PointsMaterial, Scene, WebGLRenderer} from "three";
+import {BufferAttribute, BufferGeometry, Color, LinearSRGBColorSpace, PerspectiveCamera, Points, PointsMaterial, Scene, WebGLRenderer} from "three";
 import {OrbitControls} from "three/addons/controls/OrbitControls.js";
 
 export class Cloud {
@@ -18,6 +18,7 @@ export class Cloud {
     canvas.setAttribute("aria-label", "Points in space. Drag to turn, right drag or arrow keys to move, wheel to zoom.");
     canvas.setAttribute("role", "img");
     root.append(canvas);
+    this.#renderer.outputColorSpace = LinearSRGBColorSpace;  // the colours are those of the screen already
     this.#scene.background = new Color(0x16171a);
     this.#scene.add(this.#points);
     this.#controls = new OrbitControls(this.#camera, canvas);

@@ -9,10 +9,10 @@ export function makeControl(parameter, told) {
   const control = parameter.type === "bool" ? makeCheckBox(parameter, id, told)
       : parameter.choices ? makeChoice(parameter, id, told) : makeSlider(parameter, id, told);
   const reset = button("↺", `Reset ${parameter.name} to ${parameter.derived ? "automatic" : defaultText(parameter)}`, () => told(null, true), {className: "reset"});
-  const about = [parameter.meaning ?? parameter.description.trim(), parameter.direction && `${parameter.direction}.`].filter(Boolean).join(" ");
+  const about = [parameter.meaning ?? parameter.description.trim(), parameter.direction && `${parameter.direction[0].toUpperCase()}${parameter.direction.slice(1)}.`].filter(Boolean).join(" ");
   const root = element("div", {className: "parameter"},
       element("label", {htmlFor: id}, parameter.name, " ", element("small", {}, parameter.unit ?? "")), reset, control.root,
-      element("p", {className: "about", id: `${id}-about`}, about));
+      element("p", {className: "limits"}, control.limits ?? ""), element("p", {className: "about", id: `${id}-about`, title: about}, about));
   root.querySelector(`#${id}`).setAttribute("aria-describedby", `${id}-about`);
   root.dataset.key = parameter.name;
   return {root, show: (value) => {
@@ -49,7 +49,8 @@ function makeSlider(parameter, id, told) {
   slider.onchange = () => take(slider, true);
   field.onchange = () => take(field, true);
   return {
-    root: element("div", {className: "entry"}, slider, field, element("small", {className: "range"}, `${number(min, 6)} to ${number(max, 6)}`)),
+    root: element("div", {className: "entry"}, slider, field),
+    limits: `${number(min, 6)} to ${number(max, 6)}, step ${number(step, 6)}, default ${parameter.derived ? "automatic" : defaultText(parameter)}`,
     show(value) {
       const automatic = value === undefined && parameter.derived;
       if (document.activeElement !== slider || +slider.value !== value) slider.value = value ?? parameter.default;

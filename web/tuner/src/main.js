@@ -17,7 +17,7 @@ function complain(problem) {
 }
 
 function start(setup) {
-  const {sequence, runUp} = setup;
+  const {sequence} = setup;
   document.title = `${sequence.name} – tuner`;
   byId("input").textContent = sequence.name;
   const chain = new Chain(kept.chain ?? setup.chain);
@@ -28,15 +28,23 @@ function start(setup) {
 
   const keep = throttled(300, () => writeAddress({token: kept.token, ...view.state, frame: player.index, chain: chain.toFile()}));
   const figures = () => shown && showFigures(byId("figures"), shown, {truth: sequence.truth, accuracy, rate: player.playing ? player.rate : null, latency});
+  function tell() {
+    seek.value = shown.frame;
+    place.textContent = `${shown.frame} / ${player.count - 1}`;
+    tellState(shown);
+    figuresSoon();
+  }
   const figuresSoon = throttled(150, () => {
     figures();
     panel.showFigures(shown.steps);
   });
+  // Laying the page out anew takes longer than a frame.
+  const tellSoon = throttled(250, tell);
 
   function tellState({frame, first, restarted}) {
     const filters = chain.steps.some((step) => step.enabled);
     const from = first < frame ? `the filters have seen frames ${first} to ${frame}` : `the filters began anew at frame ${frame}`;
-    const why = restarted && first < frame ? `, run up to it for the change (${Math.min(runUp, frame)} frames before)` : "";
+    const why = restarted && first < frame ? `, run up to it for the change` : "";
     byId("status").textContent = `Frame ${frame} of 0 to ${player.count - 1}, ${sequence.labels[frame]}${filters ? `: ${from}${why}` : ""}.`;
   }
 
@@ -51,10 +59,8 @@ function start(setup) {
       changed = null;
       requestAnimationFrame(() => { latency = performance.now() - since; });
     }
-    seek.value = frame.frame;
-    place.textContent = `${frame.frame} / ${player.count - 1}`;
-    tellState(frame);
-    figuresSoon();
+    if (player.playing) tellSoon();
+    else tell();
     keep();
   });
   player.addEventListener("rest", ({detail: frame}) => {
@@ -65,9 +71,14 @@ function start(setup) {
     complain(problem);
     panel.showProblem(problem.step ?? -1, problem.key);
   });
+  let asked = JSON.stringify(chain.toFile());
   chain.addEventListener("change", () => {
-    changed ??= performance.now();
-    player.refresh();
+    const text = JSON.stringify(chain.toFile());
+    if (text !== asked) {
+      asked = text;
+      changed ??= performance.now();
+      player.refresh();
+    }
     undo.disabled = !chain.canUndo;
     redo.disabled = !chain.canRedo;
     keep();
@@ -126,7 +137,7 @@ function start(setup) {
   addEventListener("keydown", (event) => {
     const typing = event.target.matches("input:not([type=range], [type=checkbox], [type=radio]), select, textarea");
     const action = event.ctrlKey || event.metaKey ? withControl[event.key] : keys.find(([key]) => key === event.key.toLowerCase())?.[3];
-    if (!action || event.altKey || (typing && !(event.ctrlKey && event.key === "s")) || (event.key === " " && event.target.matches("button, input, summary"))) return;
+    if (!action || event.altKey || (typing && !(event.ctrlKey && event.key === "s")) || (event.key === " " && event.target.matches("button, summary, input[type=checkbox], input[type=radio]"))) return;
     event.preventDefault();
     action();
   });

@@ -12,6 +12,7 @@ export class Player extends EventTarget {
   #idle = null;
   index = 0;
   playing = false;
+  rested = false;  // whether all has been asked for and shown, the errors too
 
   constructor(count, ask) {
     super();
@@ -53,6 +54,7 @@ export class Player extends EventTarget {
 
   #go(index) {
     this.#wish = index;
+    this.rested = false;
     if (!this.#busy) this.#work();
   }
 
@@ -106,7 +108,8 @@ export class Player extends EventTarget {
         // The frame itself has said what is wrong.
       }
       this.#busy = false;
-      if (this.#wish !== null) this.#work();
+      this.rested = this.#wish === null;
+      if (!this.rested) this.#work();
     }, 200);
   }
 }

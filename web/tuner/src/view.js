@@ -15,7 +15,7 @@ export class View extends EventTarget {
   #fields;
   #stage = byId("stage");
   #cloudRoot = element("div", {className: "cloud", hidden: true});
-  #later = throttled(150, () => this.#showBeside());
+  #later = throttled(250, () => this.#showBeside());
 
   constructor(setup, kept) {
     super();
@@ -25,7 +25,8 @@ export class View extends EventTarget {
     this.renderer = new Renderer(canvas, setup.colors);
     this.viewport = new Viewport(this.#stage, canvas);
     this.#stage.append(this.#cloudRoot);
-    this.kind = choices.some(([name]) => name === kept.view) ? kept.view : "split";
+    this.#stage.style.aspectRatio = `${setup.sequence.width} / ${setup.sequence.height}`;
+    this.kind = choices.some(([name]) => name === kept.view) && (kept.view !== "cloud" || setup.sequence.intrinsics) ? kept.view : "split";
     this.renderer.map = setup.colors.maps.find(({name}) => name === kept.colors) ?? setup.colors.maps[0];
     const {near, far} = setup.sequence;
     this.renderer.range = kept.near !== null && kept.far > kept.near ? {near: kept.near, far: kept.far} : {near: Math.floor(near), far: Math.ceil(far)};
@@ -47,8 +48,6 @@ export class View extends EventTarget {
   show(frame) {
     const {width, height} = this.renderer.canvas;
     this.#frame = frame;
-    this.cloudRadio.disabled = !frame.after.intrinsics;
-    this.cloudRadio.closest("label").title = frame.after.intrinsics ? choices[4][2] : "These frames have no intrinsics, which points in space need";
     this.renderer.show(frame);
     if (this.renderer.canvas.width !== width || this.renderer.canvas.height !== height) this.viewport.place();
     if (this.kind === "cloud") this.#showCloud();
@@ -74,7 +73,9 @@ export class View extends EventTarget {
 
   #makeBar(setup) {
     this.kinds = radios("view", "What is shown", choices, this.kind, (kind) => this.choose(kind));
-    this.cloudRadio = this.kinds.querySelector("[value=cloud]");
+    const points = this.kinds.querySelector("[value=cloud]");
+    points.disabled = !setup.sequence.intrinsics;
+    if (points.disabled) points.closest("label").title = "Points in space need the camera's intrinsics, which nobody gave";
     const map = element("select", {id: "map", onchange: () => {
       this.renderer.map = setup.colors.maps.find(({name}) => name === map.value);
       this.#redraw();

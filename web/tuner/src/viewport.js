@@ -55,8 +55,8 @@ export class Viewport extends EventTarget {
     if (this.#center) this.#center = {x, y};
     this.origin = {x: clientWidth / 2 - x * scale, y: clientHeight / 2 - y * scale, scale};
     this.#canvas.style.transform = `translate(${this.origin.x}px, ${this.origin.y}px) scale(${scale})`;
-    const show = this.splits && !(this.#divider.hidden = !this.splits);
-    if (show) {
+    this.#divider.hidden = !this.splits;
+    if (this.splits) {
       this.#divider.style.left = `${clamp(this.origin.x + this.split * width * scale, 0, clientWidth)}px`;
       this.#divider.setAttribute("aria-valuenow", Math.round(100 * this.split));
     }
