@@ -75,7 +75,6 @@ export class ChainPanel {
 
   #makeCard(step, i) {
     const filter = this.#filters.get(step.filter);
-    const title = step.tag ? `${step.tag} · ${step.filter}` : step.filter;
     const name = `step ${i + 1}, ${step.filter}`;
     const controls = new Map();
     const grid = element("div", {className: "parameters"});
@@ -89,12 +88,13 @@ export class ChainPanel {
     const figures = element("span", {className: "figures"});
     const handle = button("⠿", `Move ${name}: drag, or arrow keys up and down`, null, {className: "handle"});
     const body = element("div", {className: "body", hidden: this.#folded.has(step.name)}, element("p", {className: "note"}, filter?.summary ?? ""), asMade, grid);
-    const fold = button(title, null, () => {
+    const fold = button(step.filter, null, () => {
       body.hidden = !body.hidden;
       fold.setAttribute("aria-expanded", !body.hidden);
       this.#folded[body.hidden ? "add" : "delete"](step.name);
     }, {className: "title", title: "Show or hide the values"});
     fold.setAttribute("aria-expanded", !body.hidden);
+    if (step.tag) fold.prepend(element("small", {}, step.tag));
     const enabled = element("input", {type: "checkbox", checked: step.enabled, title: "On or off", onchange: () => this.#chain.enable(i, enabled.checked)});
     enabled.setAttribute("aria-label", `${name} is on`);
     const root = element("li", {className: step.enabled ? "step" : "step off"}, handle, enabled, fold, figures,

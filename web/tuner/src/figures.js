@@ -10,7 +10,7 @@ export function showFigures(root, frame, {truth, accuracy, rate, latency}) {
   const head = element("thead", {}, element("tr", {}, element("td"), element("th", {scope: "col"}, "before"), element("th", {scope: "col"}, "after")));
   const rows = [row("coverage", percent(whole.before), percent(whole.after), "pixels with a depth")];
   if (truth) {
-    rows.push(errors("median error", "median", millimetres, "against the true depth"), errors("95th percentile", "p95", millimetres, "of the errors"),
+    rows.push(errors("median error", "median", millimetres, "against the true depth; not known of disparity frames"), errors("95th percentile", "p95", millimetres, "of the errors"),
               errors("off by over 5 %", "off", percent, "of the true depth"));
   }
   const fact = (name, value) => [element("dt", {}, name), element("dd", {}, value)];

@@ -25,6 +25,9 @@ export class View extends EventTarget {
     this.renderer = new Renderer(canvas, setup.colors);
     this.viewport = new Viewport(this.#stage, canvas);
     this.#stage.append(this.#cloudRoot);
+    // What is done to the points is not meant for the picture below them.
+    for (const type of ["pointerdown", "wheel", "dblclick"])
+      this.#cloudRoot.addEventListener(type, (event) => event.stopPropagation());
     this.#stage.style.aspectRatio = `${setup.sequence.width} / ${setup.sequence.height}`;
     this.kind = choices.some(([name]) => name === kept.view) && (kept.view !== "cloud" || setup.sequence.intrinsics) ? kept.view : "split";
     this.renderer.map = setup.colors.maps.find(({name}) => name === kept.colors) ?? setup.colors.maps[0];

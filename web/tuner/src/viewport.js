@@ -101,7 +101,7 @@ export class Viewport extends EventTarget {
   #move(event) {
     const last = this.#pointers.get(event.pointerId);
     if (!last) {
-      if (event.pointerType === "mouse") this.#probeAt(event);
+      if (event.pointerType === "mouse" && !event.target.closest(".cloud")) this.#probeAt(event);
       return;
     }
     this.#pointers.set(event.pointerId, {x: event.clientX, y: event.clientY});
