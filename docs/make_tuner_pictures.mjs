@@ -9,10 +9,12 @@ const place = makeFolder();
 place.zvfilter("camera", "-o", "camera", "--size", "640x400", "--frames", "30");
 const tuner = await startTuner(place.folder, "--preset", "still-scene", "camera", "--truth", "camera/truth");
 const browser = await launch();
-for (const [name, key, options] of [["tuner", "3", {viewport: {width: 1280, height: 860}}],
-                                    ["tuner_difference", "4", {viewport: {width: 1000, height: 700}, colorScheme: "dark"}],
-                                    ["tuner_points", "5", {viewport: {width: 1000, height: 700}}],
-                                    ["tuner_narrow", "3", {viewport: {width: 400, height: 860}}]]) {
+for (const [name, key, options] of [
+  ["tuner", "3", {viewport: {width: 1280, height: 860}}],
+  ["tuner_difference", "4", {viewport: {width: 1000, height: 700}, colorScheme: "dark"}],
+  ["tuner_points", "5", {viewport: {width: 1000, height: 700}}],
+  ["tuner_narrow", "3", {viewport: {width: 400, height: 860}}]
+]) {
   const {page, settled, close} = await open(browser, tuner, {hash: "&frame=12", ...options});
   await page.keyboard.press(key);
   if (name === "tuner_points") {

@@ -7,15 +7,21 @@ import {join} from "node:path";
 const modules = createRequire(new URL("../../web/package.json", import.meta.url));
 const {chromium} = modules("playwright-core");
 export const axe = modules.resolve("axe-core");
-const screens = process.env.SCREENSHOTS;  // a folder for pictures of the page, to look at
+const screens = process.env.SCREENSHOTS; // a folder for pictures of the page, to look at
 
-export const launch = () => chromium.launch({executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium", args: ["--no-sandbox"]});
+export const launch = () =>
+  chromium.launch({executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium", args: ["--no-sandbox"]});
 
 // A page in a new window. What it complains of on the console or asks for elsewhere fails the test that closes it.
 export async function open(browser, tuner, {hash = "", ready = true, ...options} = {}) {
-  const context = await browser.newContext({viewport: {width: 1280, height: 900}, permissions: ["clipboard-read", "clipboard-write"], ...options});
+  const context = await browser.newContext({
+    viewport: {width: 1280, height: 900},
+    permissions: ["clipboard-read", "clipboard-write"],
+    ...options
+  });
   const page = await context.newPage();
-  const complaints = [], requests = [];
+  const complaints = [],
+    requests = [];
   page.on("console", (message) => {
     // The software renderer of a machine without graphics says so when a picture is read back.
     if (!message.text().includes("GPU stall due to ReadPixels")) complaints.push(message.text());
@@ -23,7 +29,8 @@ export async function open(browser, tuner, {hash = "", ready = true, ...options}
   page.on("pageerror", (error) => complaints.push(error.stack));
   page.on("request", (request) => {
     requests.push(new URL(request.url()).pathname);
-    if (new URL(request.url()).origin !== tuner.origin && !/^(data|blob):/.test(request.url())) complaints.push(request.url());
+    if (new URL(request.url()).origin !== tuner.origin && !/^(data|blob):/.test(request.url()))
+      complaints.push(request.url());
   });
   await page.goto(tuner.address + hash);
   // When nothing is asked for any more.
@@ -31,19 +38,25 @@ export async function open(browser, tuner, {hash = "", ready = true, ...options}
     await page.waitForFunction(() => globalThis.tuner?.player.rested, null, {polling: 30});
   };
   if (ready) await settled();
-  return {page, requests, settled, complaints,
-          pixels: (side) => page.evaluate((name) => Array.from(tuner.pixels(name)), side).then((values) => Uint16Array.from(values)),
-          chain: () => page.evaluate(() => tuner.chain.toFile()),
-          status: () => page.locator("#status").textContent(),
-          picture: async (name) => {
-            if (!screens) return;
-            mkdirSync(screens, {recursive: true});
-            await page.screenshot({path: join(screens, `tuner_${name}.png`), fullPage: true});
-          },
-          close: async () => {
-            await context.close();
-            assert.deepEqual(complaints, []);
-          }};
+  return {
+    page,
+    requests,
+    settled,
+    complaints,
+    pixels: (side) =>
+      page.evaluate((name) => Array.from(tuner.pixels(name)), side).then((values) => Uint16Array.from(values)),
+    chain: () => page.evaluate(() => tuner.chain.toFile()),
+    status: () => page.locator("#status").textContent(),
+    picture: async (name) => {
+      if (!screens) return;
+      mkdirSync(screens, {recursive: true});
+      await page.screenshot({path: join(screens, `tuner_${name}.png`), fullPage: true});
+    },
+    close: async () => {
+      await context.close();
+      assert.deepEqual(complaints, []);
+    }
+  };
 }
 
 export async function addStep(page, filter) {
@@ -51,4 +64,5 @@ export async function addStep(page, filter) {
   await page.getByRole("button", {name: "Add this filter at the end"}).click();
 }
 
-export const control = (page, step, key, kind = "range") => page.locator("#steps > li").nth(step).locator(`.parameter[data-key=${key}] input[type=${kind}]`);
+export const control = (page, step, key, kind = "range") =>
+  page.locator("#steps > li").nth(step).locator(`.parameter[data-key=${key}] input[type=${kind}]`);

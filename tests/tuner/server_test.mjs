@@ -21,29 +21,46 @@ after(async () => {
 });
 
 // What is sent and comes back, byte by byte.
-const raw = (text, {wait = 2000, slow = 0} = {}) => new Promise((resolve) => {
-  const socket = net.connect(tuner.port, "127.0.0.1");
-  let answer = "";
-  socket.setTimeout(wait, () => socket.destroy());
-  socket.on("data", (part) => { answer += part.toString("latin1"); });
-  socket.on("error", () => {});
-  socket.on("close", () => resolve(answer));
-  if (!slow) { socket.write(text); return; }
-  const send = (at) => { if (at < text.length && !socket.destroyed) { socket.write(text[at]); setTimeout(send, slow, at + 1); } };
-  send(0);
-});
+const raw = (text, {wait = 2000, slow = 0} = {}) =>
+  new Promise((resolve) => {
+    const socket = net.connect(tuner.port, "127.0.0.1");
+    let answer = "";
+    socket.setTimeout(wait, () => socket.destroy());
+    socket.on("data", (part) => {
+      answer += part.toString("latin1");
+    });
+    socket.on("error", () => {});
+    socket.on("close", () => resolve(answer));
+    if (!slow) {
+      socket.write(text);
+      return;
+    }
+    const send = (at) => {
+      if (at < text.length && !socket.destroyed) {
+        socket.write(text[at]);
+        setTimeout(send, slow, at + 1);
+      }
+    };
+    send(0);
+  });
 
 test("who is not the page is refused, and told why", async () => {
   const {host, origin} = tuner;
   const elsewhere = `http://127.0.0.1:${tuner.port + 1}`;
   const cases = [
-    [{Host: "evil.example"}, /Host is not/], [{Host: `localhost:${tuner.port}`}, /Host is not/],
+    [{Host: "evil.example"}, /Host is not/],
+    [{Host: `localhost:${tuner.port}`}, /Host is not/],
     [{Host: `${host}, evil.example`}, /Host is not/],
-    [{Origin: "http://evil.example"}, /Origin is not/], [{Origin: elsewhere}, /Origin is not/], [{Origin: "null"}, /Origin is not/],
-    [{Origin: origin.replace("http", "https")}, /Origin is not/], [{Origin: undefined}, /no Origin/],
-    [{"X-Tuner-Token": undefined}, /no X-Tuner-Token/], [{"X-Tuner-Token": ""}, /X-Tuner-Token/],
-    [{"X-Tuner-Token": tuner.token.slice(0, -1)}, /not that/], [{"X-Tuner-Token": tuner.token.replace(/.$/, (c) => c === "0" ? "1" : "0")}, /not that/],
-    [{"X-Tuner-Token": [tuner.token, "x"]}, /not that/],
+    [{Origin: "http://evil.example"}, /Origin is not/],
+    [{Origin: elsewhere}, /Origin is not/],
+    [{Origin: "null"}, /Origin is not/],
+    [{Origin: origin.replace("http", "https")}, /Origin is not/],
+    [{Origin: undefined}, /no Origin/],
+    [{"X-Tuner-Token": undefined}, /no X-Tuner-Token/],
+    [{"X-Tuner-Token": ""}, /X-Tuner-Token/],
+    [{"X-Tuner-Token": tuner.token.slice(0, -1)}, /not that/],
+    [{"X-Tuner-Token": tuner.token.replace(/.$/, (c) => (c === "0" ? "1" : "0"))}, /not that/],
+    [{"X-Tuner-Token": [tuner.token, "x"]}, /not that/]
   ];
   for (const path of ["/api/setup", "/api/frame", "/api/texts", "/api/save", "/api/none"]) {
     for (const [headers, reason] of cases) {
@@ -62,8 +79,14 @@ test("who is not the page is refused, and told why", async () => {
 test("a form posted from another port is refused", async () => {
   const body = "chain=%5B%5D";
   for (const type of ["application/x-www-form-urlencoded", "text/plain", "multipart/form-data; boundary=x"]) {
-    const answer = await tuner.send("/api/save", {body, headers: {
-      Origin: `http://127.0.0.1:${tuner.port + 1}`, "X-Tuner-Token": undefined, "Content-Type": type}});
+    const answer = await tuner.send("/api/save", {
+      body,
+      headers: {
+        Origin: `http://127.0.0.1:${tuner.port + 1}`,
+        "X-Tuner-Token": undefined,
+        "Content-Type": type
+      }
+    });
     assert.equal(answer.status, 403, type);
   }
   assert.ok(!existsSync(join(place.folder, "chain.json")));
@@ -71,8 +94,22 @@ test("a form posted from another port is refused", async () => {
 
 test("only the page's own paths are there", async () => {
   writeFileSync(join(place.folder, "secret.txt"), "secret");
-  const tricks = ["/secret.txt", "/../secret.txt", "/..%2fsecret.txt", "//secret.txt", "/rec/camera.json", "/%2e%2e/%2e%2e/etc/passwd", "/./",
-                  "/tuner.js/../../etc/passwd", "/api", "/api/setup/", "/tuner.js%00.html", "/\\..\\secret.txt", "/index.html", "http://evil.example/"];
+  const tricks = [
+    "/secret.txt",
+    "/../secret.txt",
+    "/..%2fsecret.txt",
+    "//secret.txt",
+    "/rec/camera.json",
+    "/%2e%2e/%2e%2e/etc/passwd",
+    "/./",
+    "/tuner.js/../../etc/passwd",
+    "/api",
+    "/api/setup/",
+    "/tuner.js%00.html",
+    "/\\..\\secret.txt",
+    "/index.html",
+    "http://evil.example/"
+  ];
   for (const path of tricks) {
     for (const method of ["GET", "POST"]) {
       const answer = await tuner.send(path, {method});
@@ -92,13 +129,25 @@ test("bodies over the limit and odd ones are refused", async () => {
   const {Host, Origin} = tuner.headers;
   const head = `POST /api/frame HTTP/1.1\r\nHost: ${Host}\r\nOrigin: ${Origin}\r\nX-Tuner-Token: ${tuner.token}\r\n`;
   const chunk = "10000\r\n" + "x".repeat(65536) + "\r\n";
-  assert.match(await raw(head + "Transfer-Encoding: chunked\r\n\r\n" + chunk + chunk + "0\r\n\r\n"), /^HTTP\/1.1 4\d\d/);
+  assert.match(
+    await raw(head + "Transfer-Encoding: chunked\r\n\r\n" + chunk + chunk + "0\r\n\r\n"),
+    /^HTTP\/1.1 4\d\d/
+  );
   // A body that nobody may send is not taken for a request of its own.
   const inside = `GET / HTTP/1.1\r\nHost: ${Host}\r\n\r\n`;
-  const answers = await raw(`POST /api/save HTTP/1.1\r\nHost: evil.example\r\nContent-Length: ${inside.length}\r\n\r\n${inside}`);
+  const answers = await raw(
+    `POST /api/save HTTP/1.1\r\nHost: evil.example\r\nContent-Length: ${inside.length}\r\n\r\n${inside}`
+  );
   assert.equal(answers.match(/HTTP\/1.1 /g).length, 1, answers);
-  for (const [body, problem] of [["", /JSON|empty/], ["[]", /object/], ["{", /JSON/], ["{}", /client/], ["[".repeat(60000), /deep|JSON/],
-      ['{"client": 1}', /client/], ['{"client": "a", "number": 1, "frame": 24}', /frame: is 24; there are frames 0 to 23/]]) {
+  for (const [body, problem] of [
+    ["", /JSON|empty/],
+    ["[]", /object/],
+    ["{", /JSON/],
+    ["{}", /client/],
+    ["[".repeat(60000), /deep|JSON/],
+    ['{"client": 1}', /client/],
+    ['{"client": "a", "number": 1, "frame": 24}', /frame: is 24; there are frames 0 to 23/]
+  ]) {
     const answer = await tuner.send("/api/frame", {body});
     assert.equal(answer.status, 422, body.slice(0, 20));
     assert.match(answer.json.error, problem);
@@ -109,20 +158,27 @@ test("slow ones, cut ones and many at once do no harm", async () => {
   const {Host, Origin} = tuner.headers;
   const head = `POST /api/frame HTTP/1.1\r\nHost: ${Host}\r\nOrigin: ${Origin}\r\nX-Tuner-Token: ${tuner.token}\r\n`;
   const slow = Array.from({length: 20}, () => raw(head + "Content-Length: 5000\r\n\r\n{", {slow: 100, wait: 1500}));
-  const cut = Array.from({length: 20}, () => new Promise((resolve) => {
-    const socket = net.connect(tuner.port, "127.0.0.1", () => {
-      socket.write(head + "Content-Length: 5000\r\n\r\n{");
-      socket.resetAndDestroy();
-    });
-    socket.on("error", () => {});
-    socket.on("close", resolve);
-  }));
+  const cut = Array.from(
+    {length: 20},
+    () =>
+      new Promise((resolve) => {
+        const socket = net.connect(tuner.port, "127.0.0.1", () => {
+          socket.write(head + "Content-Length: 5000\r\n\r\n{");
+          socket.resetAndDestroy();
+        });
+        socket.on("error", () => {});
+        socket.on("close", resolve);
+      })
+  );
   const chain = [{filter: "TemporalFilter", values: {weight: 0.2}}];
-  const sequences = await Promise.all(Array.from({length: 12}, async (_, i) => {
-    const show = makeClient(tuner, `many ${i}`), frames = [];
-    for (let frame = 0; frame < 10; ++frame) frames.push(await show(frame, chain));
-    return frames;
-  }));
+  const sequences = await Promise.all(
+    Array.from({length: 12}, async (_, i) => {
+      const show = makeClient(tuner, `many ${i}`),
+        frames = [];
+      for (let frame = 0; frame < 10; ++frame) frames.push(await show(frame, chain));
+      return frames;
+    })
+  );
   await Promise.all([...slow, ...cut]);
   place.zvfilter("run", "-f", "TemporalFilter:weight=0.2", "rec", "-o", "temporal", "--format", "npy");
   const wanted = readNpy(join(place.folder, "temporal", "disparity_0009.npy"));
@@ -134,13 +190,39 @@ test("slow ones, cut ones and many at once do no harm", async () => {
 
 test("frames continue, begin anew and are run up to as they are said to", async () => {
   const show = makeClient(tuner, "flow");
-  const weight = (value) => [{filter: "DisparityTransform", values: {}}, {filter: "TemporalFilter", values: {weight: value}}];
+  const weight = (value) => [
+    {filter: "DisparityTransform", values: {}},
+    {filter: "TemporalFilter", values: {weight: value}}
+  ];
   // What the tool makes of frames first to last, and of the last one.
   const made = (value, first, last) => {
-    const files = Array.from({length: last - first + 1}, (_, i) => `rec/disparity_00${String(first + i).padStart(2, "0")}.png`);
+    const files = Array.from(
+      {length: last - first + 1},
+      (_, i) => `rec/disparity_00${String(first + i).padStart(2, "0")}.png`
+    );
     const folder = `flow_${value}_${first}_${last}`;
-    place.zvfilter("run", "-f", "DisparityTransform:", "-f", `TemporalFilter:weight=${value}`, ...files, "-o", folder, "--format", "npy");
-    return readNpy(join(place.folder, folder, readdirSync(join(place.folder, folder)).filter((name) => name.endsWith(".npy")).sort().at(-1)));
+    place.zvfilter(
+      "run",
+      "-f",
+      "DisparityTransform:",
+      "-f",
+      `TemporalFilter:weight=${value}`,
+      ...files,
+      "-o",
+      folder,
+      "--format",
+      "npy"
+    );
+    return readNpy(
+      join(
+        place.folder,
+        folder,
+        readdirSync(join(place.folder, folder))
+          .filter((name) => name.endsWith(".npy"))
+          .sort()
+          .at(-1)
+      )
+    );
   };
   let shown;
   for (let frame = 0; frame <= 3; ++frame) shown = await show(frame, weight(0.3));
@@ -156,12 +238,17 @@ test("frames continue, begin anew and are run up to as they are said to", async 
   shown = await show(21, weight(0.5));
   assert.deepEqual([shown.first, shown.restarted], [15, false]);
   assert.deepEqual(shown.after, made(0.5, 15, 21));
-  for (const [value, first] of [[0.1, 6], [1, 20]]) assert.equal((await show(21, weight(value))).first, first, `weight ${value}`);
+  for (const [value, first] of [
+    [0.1, 6],
+    [1, 20]
+  ])
+    assert.equal((await show(21, weight(value))).first, first, `weight ${value}`);
 });
 
 test("a changed chain acts from the next frame on, and its steps remember", async () => {
   const show = makeClient(tuner, "change");
-  const steady = {filter: "TemporalFilter", values: {weight: 0.2}}, fill = {filter: "HoleFillingFilter", values: {}};
+  const steady = {filter: "TemporalFilter", values: {weight: 0.2}},
+    fill = {filter: "HoleFillingFilter", values: {}};
   const resize = {filter: "DepthResize", values: {scale: 0.5}};
   await show(0, [steady], {names: ["t"]});
   await show(1, [fill, steady], {names: ["f", "t"]});
@@ -192,13 +279,37 @@ test("the chain is saved into its file, whole", async () => {
 
 test("Ctrl-C ends it at once, whoever is connected", async () => {
   const other = await startTuner(place.folder, "rec");
-  const sockets = await Promise.all(Array.from({length: 5}, () => new Promise((resolve) => {
-    const socket = net.connect(other.port, "127.0.0.1", () => resolve(socket));
-    socket.on("error", () => {});
-  })));
+  const sockets = await Promise.all(
+    Array.from(
+      {length: 5},
+      () =>
+        new Promise((resolve) => {
+          const socket = net.connect(other.port, "127.0.0.1", () => resolve(socket));
+          socket.on("error", () => {});
+        })
+    )
+  );
   sockets[0].write("POST /api/frame HTTP/1.1\r\n");
   const {code, signal} = await other.stop();
   assert.deepEqual([code, signal], [0, null]);
   const taken = await startTuner(place.folder, "--port", String(tuner.port), "rec").catch((error) => error.message);
   assert.match(taken, /"code":1.*another program/);
+});
+
+test("what the tuner cannot show is refused before it serves", async () => {
+  place.zvfilter("camera", "-o", "other", "--size", "160x100", "--frames", "1");
+  const cases = [
+    [["-"], 2, /-: the tuner goes back and forth/],
+    [["rec", "other"], 2, /2 folders are as many sequences/],
+    [["nothing"], 1, /nothing/],
+    [["--preset", "still", "rec"], 2, /did you mean still-scene/],
+    [["--set", "a.b=1", "rec"], 2, /there is no chain yet/],
+    [["--chain", "HoleFillingFilter:mode=1", "rec"], 2, /hole_filling_mode/],
+    [["--port", "70000", "rec"], 2, /port/]
+  ];
+  for (const [words, status, problem] of cases) {
+    const end = await startTuner(place.folder, ...words).catch((error) => error.message);
+    assert.match(end, new RegExp(`"code":${status}`), words.join(" "));
+    assert.match(end, problem);
+  }
 });

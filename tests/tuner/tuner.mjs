@@ -9,8 +9,11 @@ export const tool = process.env.ZVFILTER;
 
 export function makeFolder() {
   const folder = mkdtempSync(join(tmpdir(), "zvfilter_tuner_"));
-  return {folder, zvfilter: (...words) => execFileSync(tool, words, {cwd: folder, encoding: "utf8"}),
-          remove: () => rmSync(folder, {recursive: true, force: true})};
+  return {
+    folder,
+    zvfilter: (...words) => execFileSync(tool, words, {cwd: folder, encoding: "utf8"}),
+    remove: () => rmSync(folder, {recursive: true, force: true})
+  };
 }
 
 // Samples of a 16-bit .npy file.
@@ -26,7 +29,9 @@ export const stopTuners = () => Promise.all([...running].map((stop) => stop()));
 export async function startTuner(folder, ...words) {
   const process = spawn(tool, ["tune", ...words], {cwd: folder});
   let said = "";
-  process.stderr.on("data", (text) => { said += text; });
+  process.stderr.on("data", (text) => {
+    said += text;
+  });
   const ended = new Promise((resolve) => process.on("exit", (code, signal) => resolve({code, signal, said})));
   const address = await new Promise((resolve, reject) => {
     let output = "";
@@ -41,19 +46,34 @@ export async function startTuner(folder, ...words) {
   const token = new URLSearchParams(hash.slice(1)).get("token");
   const headers = {Host: host, Origin: origin, "X-Tuner-Token": token};
   // Any request; a header that is undefined is not sent.
-  const send = (path, {method = "POST", body, ...changed} = {}) => new Promise((resolve, reject) => {
-    const all = {...headers, ...changed.headers};
-    for (const name of Object.keys(all)) if (all[name] === undefined) delete all[name];
-    const request = http.request({host: "127.0.0.1", port, path, method, headers: all, agent: changed.agent}, (answer) => {
-      const parts = [];
-      answer.on("data", (part) => parts.push(part));
-      answer.on("end", () => resolve({status: answer.statusCode, headers: answer.headers, bytes: Buffer.concat(parts),
-                                      get text() { return this.bytes.toString(); }, get json() { return JSON.parse(this.text); }}));
-      answer.on("error", reject);
+  const send = (path, {method = "POST", body, ...changed} = {}) =>
+    new Promise((resolve, reject) => {
+      const all = {...headers, ...changed.headers};
+      for (const name of Object.keys(all)) if (all[name] === undefined) delete all[name];
+      const request = http.request(
+        {host: "127.0.0.1", port, path, method, headers: all, agent: changed.agent},
+        (answer) => {
+          const parts = [];
+          answer.on("data", (part) => parts.push(part));
+          answer.on("end", () =>
+            resolve({
+              status: answer.statusCode,
+              headers: answer.headers,
+              bytes: Buffer.concat(parts),
+              get text() {
+                return this.bytes.toString();
+              },
+              get json() {
+                return JSON.parse(this.text);
+              }
+            })
+          );
+          answer.on("error", reject);
+        }
+      );
+      request.on("error", reject);
+      request.end(body);
     });
-    request.on("error", reject);
-    request.end(body);
-  });
   const stop = () => {
     process.kill("SIGINT");
     return ended;
@@ -68,12 +88,21 @@ export function makeClient(tuner, client) {
   let number = 0;
   const setup = tuner.send("/api/setup", {body: "{}"});
   return async (frame, chain, wishes = {}) => {
-    const body = {client, number: ++number, frame, chain: chain ?? (await setup).json.chain, input: true, accuracy: false,
-                  tables: [], ...wishes};
+    const body = {
+      client,
+      number: ++number,
+      frame,
+      chain: chain ?? (await setup).json.chain,
+      input: true,
+      accuracy: false,
+      tables: [],
+      ...wishes
+    };
     body.names ??= body.chain.map((_, i) => `s${i}`);
     const answer = await tuner.send("/api/frame", {body: JSON.stringify(body)});
     if (answer.status !== 200) return {status: answer.status, ...answer.json};
-    const length = answer.bytes.readUInt32LE(0), header = JSON.parse(answer.bytes.toString("utf8", 4, 4 + length));
+    const length = answer.bytes.readUInt32LE(0),
+      header = JSON.parse(answer.bytes.toString("utf8", 4, 4 + length));
     let at = 4 + length;
     const parts = {};
     for (const {name, bytes} of header.parts) {

@@ -2,7 +2,7 @@
 
 export function readAddress() {
   const kept = new URLSearchParams(location.hash.slice(1));
-  const number = (name) => kept.has(name) && Number.isFinite(+kept.get(name)) ? +kept.get(name) : null;
+  const number = (name) => (kept.has(name) && Number.isFinite(+kept.get(name)) ? +kept.get(name) : null);
   let chain = null;
   try {
     const steps = JSON.parse(kept.get("chain"));
@@ -10,7 +10,15 @@ export function readAddress() {
   } catch {
     // An address that somebody has cut short: the chain that the program was started with is there.
   }
-  return {token: kept.get("token") ?? "", chain, frame: number("frame"), view: kept.get("view"), colors: kept.get("colors"), near: number("near"), far: number("far")};
+  return {
+    token: kept.get("token") ?? "",
+    chain,
+    frame: number("frame"),
+    view: kept.get("view"),
+    colors: kept.get("colors"),
+    near: number("near"),
+    far: number("far")
+  };
 }
 
 export function writeAddress(state) {

@@ -5,24 +5,29 @@ let made = 0;
 export class Step {
   // `step` as a chain file has it.
   constructor(step, name = `s${++made}`) {
-    this.name = name;  // by which the program knows the step again
+    this.name = name; // by which the program knows the step again
     this.filter = step.filter;
     this.tag = step.tag;
     this.enabled = step.enabled ?? true;
-    this.values = step.values ? {...step.values} : null;  // null: the filter is left as it is made
+    this.values = step.values ? {...step.values} : null; // null: the filter is left as it is made
   }
 
   toFile() {
-    return {filter: this.filter, ...(this.tag && {tag: this.tag}), ...(!this.enabled && {enabled: false}), ...(this.values && {values: this.values})};
+    return {
+      filter: this.filter,
+      ...(this.tag && {tag: this.tag}),
+      ...(!this.enabled && {enabled: false}),
+      ...(this.values && {values: this.values})
+    };
   }
 }
 
 const copy = (steps) => steps.map((step) => new Step(step.toFile(), step.name));
 
 export class Chain extends EventTarget {
-  #done = [];    // earlier chains
-  #undone = [];  // later ones
-  #kept;         // the chain at its last commit
+  #done = []; // earlier chains
+  #undone = []; // later ones
+  #kept; // the chain at its last commit
   steps;
 
   constructor(steps) {
@@ -31,9 +36,15 @@ export class Chain extends EventTarget {
     this.#kept = copy(this.steps);
   }
 
-  get canUndo() { return this.#done.length > 0; }
-  get canRedo() { return this.#undone.length > 0; }
-  toFile() { return this.steps.map((step) => step.toFile()); }
+  get canUndo() {
+    return this.#done.length > 0;
+  }
+  get canRedo() {
+    return this.#undone.length > 0;
+  }
+  toFile() {
+    return this.steps.map((step) => step.toFile());
+  }
 
   // Other steps, or the same in another order.
   replace(steps) {
@@ -41,8 +52,12 @@ export class Chain extends EventTarget {
     this.commit("steps");
   }
 
-  insert(at, step) { this.replace([...this.steps.slice(0, at), step, ...this.steps.slice(at)]); }
-  remove(at) { this.replace(this.steps.filter((_, i) => i !== at)); }
+  insert(at, step) {
+    this.replace([...this.steps.slice(0, at), step, ...this.steps.slice(at)]);
+  }
+  remove(at) {
+    this.replace(this.steps.filter((_, i) => i !== at));
+  }
   move(from, to) {
     if (to < 0 || to >= this.steps.length || to === from) return;
     const steps = [...this.steps];
@@ -77,8 +92,12 @@ export class Chain extends EventTarget {
     this.#tell(what);
   }
 
-  undo() { this.#travel(this.#done, this.#undone); }
-  redo() { this.#travel(this.#undone, this.#done); }
+  undo() {
+    this.#travel(this.#done, this.#undone);
+  }
+  redo() {
+    this.#travel(this.#undone, this.#done);
+  }
 
   #travel(from, to) {
     if (from.length === 0) return;
@@ -88,5 +107,7 @@ export class Chain extends EventTarget {
     this.#tell("steps");
   }
 
-  #tell(what) { this.dispatchEvent(new CustomEvent("change", {detail: what})); }
+  #tell(what) {
+    this.dispatchEvent(new CustomEvent("change", {detail: what}));
+  }
 }

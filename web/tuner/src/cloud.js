@@ -1,5 +1,15 @@
 // The frame as points in space, for frames with intrinsics.
-import {BufferAttribute, BufferGeometry, Color, LinearSRGBColorSpace, PerspectiveCamera, Points, PointsMaterial, Scene, WebGLRenderer} from "three";
+import {
+  BufferAttribute,
+  BufferGeometry,
+  Color,
+  LinearSRGBColorSpace,
+  PerspectiveCamera,
+  Points,
+  PointsMaterial,
+  Scene,
+  WebGLRenderer
+} from "three";
 import {OrbitControls} from "three/addons/controls/OrbitControls.js";
 
 export class Cloud {
@@ -15,10 +25,13 @@ export class Cloud {
   constructor(root) {
     const canvas = this.#renderer.domElement;
     canvas.tabIndex = 0;
-    canvas.setAttribute("aria-label", "Points in space. Drag to turn, right drag or arrow keys to move, wheel to zoom.");
+    canvas.setAttribute(
+      "aria-label",
+      "Points in space. Drag to turn, right drag or arrow keys to move, wheel to zoom."
+    );
     canvas.setAttribute("role", "img");
     root.append(canvas);
-    this.#renderer.outputColorSpace = LinearSRGBColorSpace;  // the colours are those of the screen already
+    this.#renderer.outputColorSpace = LinearSRGBColorSpace; // the colours are those of the screen already
     this.#scene.background = new Color(0x16171a);
     this.#scene.add(this.#points);
     this.#controls = new OrbitControls(this.#camera, canvas);
@@ -29,20 +42,24 @@ export class Cloud {
   }
 
   // How many points are there.
-  get count() { return this.#geometry.drawRange.count; }
+  get count() {
+    return this.#geometry.drawRange.count;
+  }
 
   // `colors`: red, green, blue, 255 by pixel value; metres in the scene, y up.
   show({width, height, pixels, millimetres, intrinsics}, colors, range) {
     const {fx, fy, cx, cy} = intrinsics;
     this.#room(width * height);
-    const place = this.#geometry.attributes.position.array, color = this.#geometry.attributes.color.array;
+    const place = this.#geometry.attributes.position.array,
+      color = this.#geometry.attributes.color.array;
     let count = 0;
     for (let y = 0, i = 0; y < height; ++y) {
       for (let x = 0; x < width; ++x, ++i) {
-        const raw = pixels[i], depth = millimetres[raw] / 1000;
+        const raw = pixels[i],
+          depth = millimetres[raw] / 1000;
         if (depth === 0) continue;
-        place[3 * count] = (x - cx) / fx * depth;
-        place[3 * count + 1] = (cy - y) / fy * depth;
+        place[3 * count] = ((x - cx) / fx) * depth;
+        place[3 * count + 1] = ((cy - y) / fy) * depth;
         place[3 * count + 2] = -depth;
         for (let k = 0; k < 3; ++k) color[3 * count + k] = colors[4 * raw + k];
         ++count;
@@ -54,7 +71,7 @@ export class Cloud {
       this.#placed = true;
       this.#controls.target.set(0, 0, -(range.near + range.far) / 2000);
       this.#camera.position.set(0, 0, 0.05);
-      this.#camera.fov = 2 * Math.atan(height / 2 / fy) * 180 / Math.PI;
+      this.#camera.fov = (2 * Math.atan(height / 2 / fy) * 180) / Math.PI;
       this.#camera.updateProjectionMatrix();
       this.#controls.update();
     }

@@ -25,7 +25,13 @@ export function button(text, label, action, properties = {}) {
 export function radios(name, legend, choices, chosen, choose) {
   const group = element("fieldset", {className: "radios"}, element("legend", {className: "unseen"}, legend));
   for (const [value, text, title = ""] of choices) {
-    const input = element("input", {type: "radio", name, value, checked: value === chosen, onchange: () => choose(value)});
+    const input = element("input", {
+      type: "radio",
+      name,
+      value,
+      checked: value === chosen,
+      onchange: () => choose(value)
+    });
     group.append(element("label", {title}, input, element("span", {}, text)));
   }
   group.choose = (value) => {
@@ -39,14 +45,18 @@ export function radios(name, legend, choices, chosen, choose) {
 
 export const clamp = (value, low, high) => Math.min(Math.max(value, low), high);
 
-export const percent = (share) => share === null || share === undefined ? "–" : `${(100 * share).toFixed(1)} %`;
+export const percent = (share) => (share === null || share === undefined ? "–" : `${(100 * share).toFixed(1)} %`);
 
 // Whole below `digits` decimals only where they say something.
-export const number = (value, digits = 1) => value === null || value === undefined ? "–" : String(+value.toFixed(digits)).replace("-", "−");
+export const number = (value, digits = 1) =>
+  value === null || value === undefined ? "–" : String(+value.toFixed(digits)).replace("-", "−");
 
 export function throttled(pause, work) {
   let timer = null;
   return () => {
-    timer ??= setTimeout(() => { timer = null; work(); }, pause);
+    timer ??= setTimeout(() => {
+      timer = null;
+      work();
+    }, pause);
   };
 }

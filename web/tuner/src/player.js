@@ -1,18 +1,18 @@
-// Which frame is asked for, and when. One request is on its way at a time; what was wished meanwhile gives way to what was wished
-// last.
+// Which frame is asked for, and when. One request is on its way at a time; what was wished meanwhile gives way to what
+// was wished last.
 
 const frameMilliseconds = 1000 / 30;
 
 export class Player extends EventTarget {
-  #ask;           // (index, accuracy) => a promise of the frame
+  #ask; // (index, accuracy) => a promise of the frame
   #busy = false;
-  #wish = null;   // the frame to ask for next
+  #wish = null; // the frame to ask for next
   #due = 0;
-  #shown = [];    // times of the last frames that were shown
+  #shown = []; // times of the last frames that were shown
   #idle = null;
   index = 0;
   playing = false;
-  rested = false;  // whether all has been asked for and shown, the errors too
+  rested = false; // whether all has been asked for and shown, the errors too
 
   constructor(count, ask) {
     super();
@@ -21,13 +21,20 @@ export class Player extends EventTarget {
   }
 
   // The frame with whatever has changed since.
-  refresh() { if (!this.playing) this.#go(this.index); }
+  refresh() {
+    if (!this.playing) this.#go(this.index);
+  }
   seek(index) {
     this.pause();
     this.#go(Math.min(Math.max(index, 0), this.count - 1));
   }
-  step(by) { this.seek((this.index + by + this.count) % this.count); }
-  toggle() { if (this.playing) this.pause(); else this.play(); }
+  step(by) {
+    this.seek((this.index + by + this.count) % this.count);
+  }
+  toggle() {
+    if (this.playing) this.pause();
+    else this.play();
+  }
   play() {
     if (this.playing || this.count < 2) return;
     this.playing = true;
@@ -47,10 +54,12 @@ export class Player extends EventTarget {
   // Shown within the last second of playing.
   get rate() {
     const [first, last] = [this.#shown[0], this.#shown.at(-1)];
-    return this.#shown.length > 1 && last > first ? 1000 * (this.#shown.length - 1) / (last - first) : null;
+    return this.#shown.length > 1 && last > first ? (1000 * (this.#shown.length - 1)) / (last - first) : null;
   }
 
-  #tell(type, detail) { this.dispatchEvent(new CustomEvent(type, {detail})); }
+  #tell(type, detail) {
+    this.dispatchEvent(new CustomEvent(type, {detail}));
+  }
 
   #go(index) {
     this.#wish = index;
@@ -103,9 +112,9 @@ export class Player extends EventTarget {
       if (this.playing || this.#busy) return;
       this.#busy = true;
       try {
-        this.#tell("rest", await this.#ask(this.index, true));
-      } catch {
-        // The frame itself has said what is wrong.
+        this.#show(await this.#ask(this.index, true));
+      } catch (problem) {
+        this.#tell("problem", problem);
       }
       this.#busy = false;
       this.rested = this.#wish === null;

@@ -40,18 +40,30 @@ void main() {
   }
 }`;
 
-const samplers = ["beforePixels", "afterPixels", "beforeColors", "afterColors", "beforeDepths", "afterDepths", "signedColors"];
+const samplers = [
+  "beforePixels",
+  "afterPixels",
+  "beforeColors",
+  "afterColors",
+  "beforeDepths",
+  "afterDepths",
+  "signedColors"
+];
 export const modes = {before: 0, after: 1, split: 2, difference: 3};
 
 const rgb = (text) => [0, 2, 4].map((at) => parseInt(text.slice(at, at + 2), 16));
-const bytesOf = (text) => Uint8Array.from({length: text.length / 2}, (_, i) => parseInt(text.slice(2 * i, 2 * i + 2), 16));
+const bytesOf = (text) =>
+  Uint8Array.from({length: text.length / 2}, (_, i) => parseInt(text.slice(2 * i, 2 * i + 2), 16));
 
 // The colours of a map by pixel value, from near to far.
 export function colorTable(map, millimetres, near, far) {
-  const colors = bytesOf(map.colors), hole = rgb(map.hole), steps = colors.length / 3 - 1;
+  const colors = bytesOf(map.colors),
+    hole = rgb(map.hole),
+    steps = colors.length / 3 - 1;
   const table = new Uint8Array(4 * 65536);
   for (let raw = 0; raw < 65536; ++raw) {
-    const depth = millimetres[raw], at = 3 * Math.round(Math.min(Math.max((depth - near) / (far - near), 0), 1) * steps);
+    const depth = millimetres[raw],
+      at = 3 * Math.round(Math.min(Math.max((depth - near) / (far - near), 0), 1) * steps);
     for (let i = 0; i < 3; ++i) table[4 * raw + i] = depth === 0 ? hole[i] : colors[at + i];
     table[4 * raw + 3] = 255;
   }
@@ -62,13 +74,13 @@ export class Renderer {
   #gl;
   #uniforms = {};
   #textures = {};
-  #held = {};  // what each texture holds
+  #held = {}; // what each texture holds
   #frame = null;
   mode = "after";
-  divider = 0.5;  // of the width
-  limit = 100;    // millimetres at the ends of the difference's colours
+  divider = 0.5; // of the width
+  limit = 100; // millimetres at the ends of the difference's colours
   range = {near: 0, far: 1};
-  map;            // of setup.colors.maps
+  map; // of setup.colors.maps
 
   constructor(canvas, colors) {
     this.#gl = canvas.getContext("webgl2", {alpha: false, antialias: false, depth: false, stencil: false});
@@ -86,8 +98,12 @@ export class Renderer {
   }
 
   #prepare() {
-    const gl = this.#gl, program = gl.createProgram();
-    for (const [type, source] of [[gl.VERTEX_SHADER, vertexShader], [gl.FRAGMENT_SHADER, fragmentShader]]) {
+    const gl = this.#gl,
+      program = gl.createProgram();
+    for (const [type, source] of [
+      [gl.VERTEX_SHADER, vertexShader],
+      [gl.FRAGMENT_SHADER, fragmentShader]
+    ]) {
       const shader = gl.createShader(type);
       gl.shaderSource(shader, source);
       gl.compileShader(shader);
@@ -101,24 +117,31 @@ export class Renderer {
       this.#uniforms[name] = gl.getUniformLocation(program, name);
     samplers.forEach((name, unit) => {
       gl.activeTexture(gl.TEXTURE0 + unit);
-      gl.bindTexture(gl.TEXTURE_2D, this.#textures[name] = gl.createTexture());
-      for (const option of [gl.TEXTURE_MIN_FILTER, gl.TEXTURE_MAG_FILTER]) gl.texParameteri(gl.TEXTURE_2D, option, gl.NEAREST);
-      for (const option of [gl.TEXTURE_WRAP_S, gl.TEXTURE_WRAP_T]) gl.texParameteri(gl.TEXTURE_2D, option, gl.CLAMP_TO_EDGE);
+      gl.bindTexture(gl.TEXTURE_2D, (this.#textures[name] = gl.createTexture()));
+      for (const option of [gl.TEXTURE_MIN_FILTER, gl.TEXTURE_MAG_FILTER])
+        gl.texParameteri(gl.TEXTURE_2D, option, gl.NEAREST);
+      for (const option of [gl.TEXTURE_WRAP_S, gl.TEXTURE_WRAP_T])
+        gl.texParameteri(gl.TEXTURE_2D, option, gl.CLAMP_TO_EDGE);
       gl.uniform1i(this.#uniforms[name], unit);
     });
     gl.pixelStorei(gl.UNPACK_ALIGNMENT, 1);
     for (const name of ["filled", "removed", "hole"])
-      gl.uniform3fv(this.#uniforms[name], rgb(this.colors.difference[name]).map((part) => part / 255));
+      gl.uniform3fv(
+        this.#uniforms[name],
+        rgb(this.colors.difference[name]).map((part) => part / 255)
+      );
     const signed = bytesOf(this.colors.difference.colors);
     this.#fill("signedColors", "signed", 256, 1, gl.RGB8, gl.RGB, gl.UNSIGNED_BYTE, () => signed);
   }
 
   // Unless it holds just this already.
   #fill(name, what, width, height, internal, format, type, make) {
-    const held = this.#held[name], gl = this.#gl;
+    const held = this.#held[name],
+      gl = this.#gl;
     if (held?.what === what) return;
     gl.activeTexture(gl.TEXTURE0 + samplers.indexOf(name));
-    if (held?.width === width && held.height === height) gl.texSubImage2D(gl.TEXTURE_2D, 0, 0, 0, width, height, format, type, make());
+    if (held?.width === width && held.height === height)
+      gl.texSubImage2D(gl.TEXTURE_2D, 0, 0, 0, width, height, format, type, make());
     else gl.texImage2D(gl.TEXTURE_2D, 0, internal, width, height, 0, format, type, make());
     this.#held[name] = {what, width, height};
   }
@@ -128,19 +151,33 @@ export class Renderer {
     this.draw();
   }
 
-  get side() { return this.mode === "before" ? this.#frame.before : this.#frame.after; }
+  get side() {
+    return this.mode === "before" ? this.#frame.before : this.#frame.after;
+  }
 
   // What the mode shows is brought up to date, the rest is left.
   draw() {
     if (!this.#frame) return;
-    const gl = this.#gl, frame = this.#frame, {near, far} = this.range;
+    const gl = this.#gl,
+      frame = this.#frame,
+      {near, far} = this.range;
     const sides = {before: ["before"], after: ["after"]}[this.mode] ?? ["before", "after"];
     for (const side of sides) {
       const {width, height, pixels, millimetres, table} = frame[side];
       this.#fill(`${side}Pixels`, pixels, width, height, gl.R16UI, gl.RED_INTEGER, gl.UNSIGNED_SHORT, () => pixels);
-      if (this.mode === "difference") this.#fill(`${side}Depths`, table, 256, 256, gl.R32F, gl.RED, gl.FLOAT, () => millimetres);
-      else this.#fill(`${side}Colors`, [table, this.map.name, near, far].join(), 256, 256, gl.RGBA8, gl.RGBA, gl.UNSIGNED_BYTE,
-                      () => colorTable(this.map, millimetres, near, far));
+      if (this.mode === "difference")
+        this.#fill(`${side}Depths`, table, 256, 256, gl.R32F, gl.RED, gl.FLOAT, () => millimetres);
+      else
+        this.#fill(
+          `${side}Colors`,
+          [table, this.map.name, near, far].join(),
+          256,
+          256,
+          gl.RGBA8,
+          gl.RGBA,
+          gl.UNSIGNED_BYTE,
+          () => colorTable(this.map, millimetres, near, far)
+        );
     }
     const {width, height} = this.side;
     if (this.canvas.width !== width || this.canvas.height !== height) Object.assign(this.canvas, {width, height});
@@ -154,8 +191,10 @@ export class Renderer {
 
   // The samples that the texture of a side holds, read back.
   readTexture(side) {
-    const gl = this.#gl, {width, height} = this.#held[`${side}Pixels`];
-    const buffer = gl.createFramebuffer(), values = new Uint32Array(4 * width * height);
+    const gl = this.#gl,
+      {width, height} = this.#held[`${side}Pixels`];
+    const buffer = gl.createFramebuffer(),
+      values = new Uint32Array(4 * width * height);
     gl.bindFramebuffer(gl.FRAMEBUFFER, buffer);
     gl.framebufferTexture2D(gl.FRAMEBUFFER, gl.COLOR_ATTACHMENT0, gl.TEXTURE_2D, this.#textures[`${side}Pixels`], 0);
     gl.readPixels(0, 0, width, height, gl.RGBA_INTEGER, gl.UNSIGNED_INT, values);

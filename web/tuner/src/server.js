@@ -12,9 +12,15 @@ export class Refusal extends Error {
 async function call(path, token, body) {
   let answer;
   try {
-    answer = await fetch(path, {method: "POST", headers: {"X-Tuner-Token": token, "Content-Type": "application/json"}, body: JSON.stringify(body)});
+    answer = await fetch(path, {
+      method: "POST",
+      headers: {"X-Tuner-Token": token, "Content-Type": "application/json"},
+      body: JSON.stringify(body)
+    });
   } catch {
-    throw new Error("The program does not answer: it has ended, or the connection is cut. Start it again and open its new address.");
+    throw new Error(
+      "The program does not answer: it has ended, or the connection is cut. Start it again and open its new address."
+    );
   }
   if (!answer.ok) throw new Refusal(await answer.json(), answer.status);
   return answer;
@@ -40,25 +46,44 @@ export class Server {
   #token;
   #client = crypto.randomUUID();
   #number = 0;
-  #tables = new Map();  // millimetres by pixel value
-  #inputs = new Map();  // frames before the chain, by number
+  #tables = new Map(); // millimetres by pixel value
+  #inputs = new Map(); // frames before the chain, by number
 
-  constructor(token) { this.#token = token; }
+  constructor(token) {
+    this.#token = token;
+  }
 
-  async setup() { return (await call("/api/setup", this.#token, {})).json(); }
-  async texts(chain) { return (await call("/api/texts", this.#token, {chain})).json(); }
-  async save(chain) { return (await call("/api/save", this.#token, {chain})).json(); }
+  async setup() {
+    return (await call("/api/setup", this.#token, {})).json();
+  }
+  async texts(chain) {
+    return (await call("/api/texts", this.#token, {chain})).json();
+  }
+  async save(chain) {
+    return (await call("/api/save", this.#token, {chain})).json();
+  }
 
   // A frame before and after the chain: {width, height, pixels, millimetres, ...} each, with what is known of it.
   async frame(index, steps, accuracy) {
     const answer = await call("/api/frame", this.#token, {
-      client: this.#client, number: ++this.#number, frame: index, chain: steps.map((step) => step.toFile()), names: steps.map((step) => step.name),
-      input: !this.#inputs.has(index), accuracy, tables: [...this.#tables.keys()]});
+      client: this.#client,
+      number: ++this.#number,
+      frame: index,
+      chain: steps.map((step) => step.toFile()),
+      names: steps.map((step) => step.name),
+      input: !this.#inputs.has(index),
+      accuracy,
+      tables: [...this.#tables.keys()]
+    });
     const {header, parts} = decode(await answer.arrayBuffer());
     for (const [name, values] of parts) if (name.startsWith("table ")) this.#tables.set(name.slice(6), values);
     if (parts.has("before")) this.#keep(index, parts.get("before"));
     const side = (about, pixels) => ({...about, pixels, millimetres: this.#tables.get(about.table)});
-    return {...header, before: side(header.before, this.#inputs.get(index)), after: side(header.after, parts.get("after"))};
+    return {
+      ...header,
+      before: side(header.before, this.#inputs.get(index)),
+      after: side(header.after, parts.get("after"))
+    };
   }
 
   #keep(index, pixels) {

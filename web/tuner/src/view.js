@@ -5,9 +5,13 @@ import {showProbe} from "./probe.js";
 import {colorTable, Renderer} from "./renderer.js";
 import {Viewport} from "./viewport.js";
 
-const choices = [["before", "Before", "The frame as it came (key 1)"], ["after", "After", "What the chain makes of it (2)"],
-                 ["split", "Split", "Before on the left of a divider, after on the right (3)"], ["difference", "Difference", "After − before (4)"],
-                 ["cloud", "Points", "The result as points in space (5)"]];
+const choices = [
+  ["before", "Before", "The frame as it came (key 1)"],
+  ["after", "After", "What the chain makes of it (2)"],
+  ["split", "Split", "Before on the left of a divider, after on the right (3)"],
+  ["difference", "Difference", "After − before (4)"],
+  ["cloud", "Points", "The result as points in space (5)"]
+];
 
 export class View extends EventTarget {
   #frame = null;
@@ -29,10 +33,16 @@ export class View extends EventTarget {
     for (const type of ["pointerdown", "wheel", "dblclick"])
       this.#cloudRoot.addEventListener(type, (event) => event.stopPropagation());
     this.#stage.style.aspectRatio = `${setup.sequence.width} / ${setup.sequence.height}`;
-    this.kind = choices.some(([name]) => name === kept.view) && (kept.view !== "cloud" || setup.sequence.intrinsics) ? kept.view : "split";
+    this.kind =
+      choices.some(([name]) => name === kept.view) && (kept.view !== "cloud" || setup.sequence.intrinsics)
+        ? kept.view
+        : "split";
     this.renderer.map = setup.colors.maps.find(({name}) => name === kept.colors) ?? setup.colors.maps[0];
     const {near, far} = setup.sequence;
-    this.renderer.range = kept.near !== null && kept.far > kept.near ? {near: kept.near, far: kept.far} : {near: Math.floor(near), far: Math.ceil(far)};
+    this.renderer.range =
+      kept.near !== null && kept.far > kept.near
+        ? {near: kept.near, far: kept.far}
+        : {near: Math.floor(near), far: Math.ceil(far)};
     this.renderer.limit = Math.max(1, Math.round((far - near) / 40));
     this.#makeBar(setup);
     this.viewport.addEventListener("split", () => {
@@ -78,17 +88,38 @@ export class View extends EventTarget {
     this.kinds = radios("view", "What is shown", choices, this.kind, (kind) => this.choose(kind));
     const points = this.kinds.querySelector("[value=cloud]");
     points.disabled = !setup.sequence.intrinsics;
-    if (points.disabled) points.closest("label").title = "Points in space need the camera's intrinsics, which nobody gave";
-    const map = element("select", {id: "map", onchange: () => {
-      this.renderer.map = setup.colors.maps.find(({name}) => name === map.value);
-      this.#redraw();
-    }}, ...setup.colors.maps.map(({name}) => element("option", {value: name, selected: name === this.renderer.map.name}, name)));
-    const field = (label) => element("input", {type: "number", min: 0, step: "any", "aria-label": label, onchange: () => this.#takeRange()});
-    this.#fields = {near: field("Colours from, mm"), far: field("Colours to, mm"), limit: field("Largest change in colours, mm")};
+    if (points.disabled)
+      points.closest("label").title = "Points in space need the camera's intrinsics, which nobody gave";
+    const map = element(
+      "select",
+      {
+        id: "map",
+        onchange: () => {
+          this.renderer.map = setup.colors.maps.find(({name}) => name === map.value);
+          this.#redraw();
+        }
+      },
+      ...setup.colors.maps.map(({name}) =>
+        element("option", {value: name, selected: name === this.renderer.map.name}, name)
+      )
+    );
+    const field = (label) =>
+      element("input", {type: "number", min: 0, step: "any", "aria-label": label, onchange: () => this.#takeRange()});
+    this.#fields = {
+      near: field("Colours from, mm"),
+      far: field("Colours to, mm"),
+      limit: field("Largest change in colours, mm")
+    };
     const {near, far, limit} = this.#fields;
-    byId("view-bar").append(this.kinds, element("label", {htmlFor: "map"}, "Colours"), map,
-        element("span", {className: "range depth"}, near, " to ", far, " mm"), element("span", {className: "range change"}, "± ", limit, " mm"),
-        button("Fit", "Fit the colours to this frame (A)", () => this.fitColors()), button("Whole", "Show the whole picture (0)", () => this.viewport.fit()));
+    byId("view-bar").append(
+      this.kinds,
+      element("label", {htmlFor: "map"}, "Colours"),
+      map,
+      element("span", {className: "range depth"}, near, " to ", far, " mm"),
+      element("span", {className: "range change"}, "± ", limit, " mm"),
+      button("Fit", "Fit the colours to this frame (A)", () => this.fitColors()),
+      button("Whole", "Show the whole picture (0)", () => this.viewport.fit())
+    );
   }
 
   #takeRange() {
@@ -116,12 +147,15 @@ export class View extends EventTarget {
     if (this.#frame) showHistogram(byId("histogram"), this.#frame, this.renderer.range);
   }
 
-  #showProbe() { if (this.#frame) showProbe(byId("probe"), this.#frame, this.renderer.side, this.viewport.probe); }
+  #showProbe() {
+    if (this.#frame) showProbe(byId("probe"), this.#frame, this.renderer.side, this.viewport.probe);
+  }
 
   async #showCloud() {
     // A bundle of its own, which is large.
     this.#cloud ??= import(new URL("cloud.js", document.baseURI).href).then(({Cloud}) => new Cloud(this.#cloudRoot));
-    const cloud = await this.#cloud, {after} = this.#frame ?? {};
+    const cloud = await this.#cloud,
+      {after} = this.#frame ?? {};
     if (!after?.intrinsics || this.kind !== "cloud") return;
     const {map, range} = this.renderer;
     cloud.show(after, colorTable(map, after.millimetres, range.near, range.far), range);
