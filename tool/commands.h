@@ -27,6 +27,11 @@ void presets_command(const std::string& name, std::ostream& out);
 void run_command(const kit::FilterLibrary& library, RunOptions options, std::ostream& out,
                  std::ostream& notes);
 void bench_command(const kit::FilterLibrary& library, RunOptions options, std::ostream& out);
+/// Serves the tuner's page until it is interrupted, and ends the program then.
+[[noreturn]] void tune_command(const kit::FilterLibrary& library, TuneOptions options, std::ostream& out,
+                               std::ostream& notes);
+/// Whether the command line names a file with a chain here, not its text.
+bool is_chain_file(const std::string& source);
 /// A chain as the command line gives it: the name of a file with one or its text.
 kit::ChainFile read_chain(const std::string& source);
 /// Changes what TAG.key=value names.
