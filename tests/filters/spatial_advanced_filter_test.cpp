@@ -81,6 +81,7 @@ TEST(SpatialAdvancedFilter, OnlyHolesChangeInFramesOfOtherPixelTypes) {
 
 TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
   FilterDriver filter(kName);
+  EXPECT_EQ(filter.update({"1", "0.5", "160", "1"}), kNoError);
   const Pixels result = filter.filtered(room());
   devhost::FrameTraits bad = room();
   bad.disparity.baseline = 0;

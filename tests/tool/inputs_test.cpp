@@ -246,6 +246,12 @@ TEST_F(Inputs, SayOnceWhatHasNoEffectOnThem) {
     EXPECT_NE(at, std::string::npos) << err;
     EXPECT_EQ(err.find(part, at + 1), std::string::npos) << err;
   }
+  fs::create_directory(folder_ / "all");
+  put("all/a.raw", frames({Image{1, 1, {40000}}}));
+  EXPECT_MENTIONS(
+      run("run -f SpatialAdvancedFilter: all -o results --overwrite --size 1x1 --baseline 50 --fx 600")
+          .err,
+      ": 100 % of the pixels have values from 32768 up");
   EXPECT_EQ(
       run("run -f EdgeNoiseRemovalFilter:margin_y_th=3,enable_vertical_direction=1,width=3,height=3 -f "
           "HoleFillingFilter" +
