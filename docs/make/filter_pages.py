@@ -14,6 +14,8 @@ import pictures
 import scenes
 import zvfilter
 
+#: The part of a frame that filters of single pixels are shown on.
+CLOSE = np.s_[130:282, 290:530]
 COSTS = json.loads((Path(__file__).parent / "costs.json").read_text())
 
 
@@ -48,7 +50,7 @@ def values_text(values: Dict[str, float]) -> str:
 def _page(filter: dict, folder: Path) -> Iterator[str]:
     name = filter["name"]
     yield f"# {name}\n\n{sentence(filter['summary'])}\n"
-    yield f"**Use it.** {filter['use']}\n\n**Mind.** {filter['avoid']}\n\n**As made**, without values: {filter['asMade']}\n"
+    yield f"**Use it.** {filter['use']}\n\n**Mind.** {filter['avoid']}\n\n**Without values.** {filter['asMade']}\n"
     if filter["parameters"]:
         yield "| parameter | from | to | step | default | unit |\n|---|---:|---:|---:|---:|---|"
         for p in filter["parameters"]:
@@ -60,8 +62,10 @@ def _page(filter: dict, folder: Path) -> Iterator[str]:
     shown = [SHOWN.get(name, _Shown)(name, noisy) for noisy in (False, True)]
     if not filter["parameters"]:
         yield "## Before and after\n"
-        yield from _grid([f"{shown_as.caption({})}" for shown_as in shown for _ in (0, 1)],
-                         [file for shown_as in shown for file in (shown_as.draw_before(folder), shown_as.draw(folder, "after", {}))])
+        for shown_as in shown:
+            yield f"**{sentence(shown_as.scene.title).rstrip('.')}**\n"
+            yield from _grid([f"before: {shown_as.measured(shown_as.before())}", f"after: {shown_as.caption({})}"],
+                             [shown_as.draw_before(folder), shown_as.draw(folder, "after", {})])
     for parameter in filter["parameters"]:
         yield f"## {parameter['name']}\n\n{parameter['meaning']}\n"
         for choice in parameter.get("choices", []):
@@ -89,7 +93,7 @@ def _pictures(shown: List["_Shown"], parameter: str, settings: List[dict], folde
     if with_it:
         yield f"Here with {values_text(with_it)}.\n"
     for shown_as in shown:
-        captions, files = ["before"], [shown_as.draw_before(folder)]
+        captions, files = [f"before: {shown_as.measured(shown_as.before())}"], [shown_as.draw_before(folder)]
         for values in settings:
             told = {key: value for key, value in values.items() if key not in with_it}
             captions.append(f"{values_text(told)}: {shown_as.caption(values)}")
@@ -138,16 +142,21 @@ class _Shown:
 
     def caption(self, values: Dict[str, float]) -> str:
         earlier, depth = self.run(values)
+        said = self.measured(depth)
+        if self.name == "TemporalFilter":
+            still = (earlier > 0) & (depth > 0) & (self.scene.truth == self.scene.truth_before) & (self.scene.truth > 0)
+            said += f", flicker {np.median(np.abs(depth - earlier)[still]):.0f} mm"
+        return said
+
+    def measured(self, depth: np.ndarray) -> str:
         if depth.shape != self.scene.truth.shape:
             return f"{depth.shape[1]} x {depth.shape[0]}"
         known = (depth > 0) & (self.scene.truth > 0)
-        error = np.abs(depth - self.scene.truth)[known]
+        error = np.abs(depth.astype(float) - self.scene.truth)[known]
         said = [f"{100 * (depth > 0).mean():.1f} % valid"]
         if error.size:
-            said += [f"median error {np.median(error):.0f} mm", f"{100 * (error > 0.05 * self.scene.truth[known]).mean():.1f} % off by more than 5 %"]
-        if self.name == "TemporalFilter":
-            still = (earlier > 0) & (depth > 0) & (self.scene.truth == self.scene.truth_before) & (self.scene.truth > 0)
-            said.append(f"flicker {np.median(np.abs(depth - earlier)[still]):.0f} mm")
+            far_off = error > 0.05 * self.scene.truth[known]
+            said += [f"median error {np.median(error):.0f} mm", f"{100 * far_off.mean():.1f} % off by more than 5 %"]
         return ", ".join(said)
 
     def draw(self, folder: Path, parameter: str, values: Dict[str, float]) -> str:
@@ -159,7 +168,7 @@ class _Shown:
 
     def _write(self, folder: Path, file: str, depth: np.ndarray) -> str:
         close = self.name in examples.CLOSE
-        pictures.write(folder / file, depth[100:300, 200:520] if close else depth[::2, ::2])
+        pictures.write(folder / file, depth[CLOSE] if close else depth[::2, ::2], shaded=close)
         return file
 
 

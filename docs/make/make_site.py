@@ -4,6 +4,7 @@
 Use: make_site.py TOOL FOLDER    (the tool zvfilter; the site is FOLDER/html)
 """
 
+import os
 import shutil
 import subprocess
 import sys
@@ -55,8 +56,8 @@ def main(tool: str, folder: str) -> None:
     for figures in (figures_of_speckles, figures_of_strips, figures_of_conversion):
         figures.make(pages / "inside")
     (out / "headers").mkdir(parents=True, exist_ok=True)
-    run("doxygen", HERE / "headers.doxygen", cwd=ROOT / "include")
-    run("sphinx-build", "-q", "-W", "--keep-going", "-c", HERE, "-d", out / "trees", "-b", "html",
+    run("doxygen", HERE / "headers.doxygen", cwd=ROOT / "include", env={**os.environ, "ZVFILTER_DOCS": str(out)})
+    run("sphinx-build", "-q", "-a", "-W", "--keep-going", "-c", HERE, "-d", out / "trees", "-b", "html",
         f"-Dbreathe_projects.headers={out / 'headers/xml'}", "-Dbreathe_default_project=headers", pages, out / "html")
     print(f"{out / 'html/index.html'}")
 
