@@ -19,10 +19,12 @@ html_theme_options = {"top_of_page_button": None}
 extensions = ["myst_parser", "breathe", "sphinx.ext.autodoc", "sphinx.ext.napoleon"]
 myst_enable_extensions = ["colon_fence"]
 myst_heading_anchors = 4
+default_role = "code"
 pygments_style = "default"
 
 autodoc_member_order = "bysource"
 autodoc_typehints = "signature"
+napoleon_use_rtype = False
 autodoc_type_aliases = {"Frame": "Frame", "Path": "Path", "Sequences": "Sequences", "Value": "Value", "npt.ArrayLike": "ArrayLike"}
 python_use_unqualified_type_names = True
 

@@ -5,7 +5,7 @@ from __future__ import annotations
 import json
 import subprocess
 from pathlib import Path
-from typing import Dict, Iterator, List
+from typing import Dict, Iterator, List, Tuple
 
 import numpy as np
 
@@ -79,11 +79,11 @@ def _page(filter: dict, folder: Path) -> Iterator[str]:
 def _cost(name: str) -> Iterator[str]:
     yield "## What it costs\n"
     sizes = COSTS["sizes"]
-    yield "| values | " + " | ".join(f"ms at {size.replace('x', ' x ')}" for size in sizes) + " | x copying the frame |"
-    yield "|---|" + "---:|" * (len(sizes) + 1)
+    yield "| values | " + " | ".join(f"ms at {size.replace('x', ' x ')}" for size in sizes) + " |"
+    yield "|---|" + "---:|" * len(sizes)
     for row in COSTS["filters"][name]:
         times = " | ".join(f"{row['ms'][size]:.3f}" for size in sizes)
-        yield f"| {values_text(row['values']) or 'defaults'} | {times} | {row['copies']:.1f} |"
+        yield f"| {values_text(row['values']) or 'defaults'} | {times} |"
     yield f"\nOne core, level {COSTS['level']}. [How that was measured](index.md#the-times).\n"
 
 
@@ -93,19 +93,20 @@ def _pictures(shown: List["_Shown"], parameter: str, settings: List[dict], folde
     if with_it:
         yield f"Here with {values_text(with_it)}.\n"
     for shown_as in shown:
-        captions, files = [f"before: {shown_as.measured(shown_as.before())}"], [shown_as.draw_before(folder)]
+        captions, drawn = [f"before: {shown_as.measured(shown_as.before())}"], [shown_as.draw_before(folder)]
         for values in settings:
             told = {key: value for key, value in values.items() if key not in with_it}
             captions.append(f"{values_text(told)}: {shown_as.caption(values)}")
-            files.append(shown_as.draw(folder, parameter, values))
+            drawn.append(shown_as.draw(folder, parameter, values))
         yield f"**{sentence(shown_as.scene.title).rstrip('.')}**\n"
-        yield from _grid(captions, files)
+        yield from _grid(captions, drawn)
 
 
-def _grid(captions: List[str], files: List[str]) -> Iterator[str]:
+def _grid(captions: List[str], drawn: List[Tuple[str, int]]) -> Iterator[str]:
+    widest = max(width for _, width in drawn)
     yield "::::{container} values"
-    for caption, file in zip(captions, files):
-        yield f":::{{figure}} pictures/{file}\n:alt: \"{caption}\"\n\n{caption}\n:::"
+    for caption, (file, width) in zip(captions, drawn):
+        yield f":::{{figure}} pictures/{file}\n:alt: \"{caption}\"\n:width: {100 * width // widest}%\n\n{caption}\n:::"
     yield "::::\n"
 
 
@@ -159,17 +160,18 @@ class _Shown:
             said += [f"median error {np.median(error):.0f} mm", f"{100 * far_off.mean():.1f} % off by more than 5 %"]
         return ", ".join(said)
 
-    def draw(self, folder: Path, parameter: str, values: Dict[str, float]) -> str:
+    def draw(self, folder: Path, parameter: str, values: Dict[str, float]) -> Tuple[str, int]:
         number_of = examples.EXAMPLES[self.name].get(parameter, [{}]).index(values)
         return self._write(folder, f"{self.name}_{parameter}_{number_of}_{self.scene.name}.png", self.run(values)[1])
 
-    def draw_before(self, folder: Path) -> str:
+    def draw_before(self, folder: Path) -> Tuple[str, int]:
         return self._write(folder, f"{self.name}_before_{self.scene.name}.png", self.before())
 
-    def _write(self, folder: Path, file: str, depth: np.ndarray) -> str:
+    def _write(self, folder: Path, file: str, depth: np.ndarray) -> Tuple[str, int]:
+        """The file's name and the width of what it shows, pixels."""
         close = self.name in examples.CLOSE
         pictures.write(folder / file, depth[CLOSE] if close else depth[::2, ::2], shaded=close)
-        return file
+        return file, depth.shape[1]
 
 
 class _Converting(_Shown):

@@ -57,8 +57,12 @@ def main(tool: str, folder: str) -> None:
         figures.make(pages / "inside")
     (out / "headers").mkdir(parents=True, exist_ok=True)
     run("doxygen", HERE / "headers.doxygen", cwd=ROOT / "include", env={**os.environ, "ZVFILTER_DOCS": str(out)})
-    run("sphinx-build", "-q", "-a", "-W", "--keep-going", "-c", HERE, "-d", out / "trees", "-b", "html",
-        f"-Dbreathe_projects.headers={out / 'headers/xml'}", "-Dbreathe_default_project=headers", pages, out / "html")
+    # Anew and in one order: what is left from the last time would show in the search index, and so would random hashes.
+    for old in ("html", "trees"):
+        shutil.rmtree(out / old, ignore_errors=True)
+    run("sphinx-build", "-q", "-W", "--keep-going", "-c", HERE, "-d", out / "trees", "-b", "html",
+        f"-Dbreathe_projects.headers={out / 'headers/xml'}", "-Dbreathe_default_project=headers", pages, out / "html",
+        env={**os.environ, "PYTHONHASHSEED": "0"})
     print(f"{out / 'html/index.html'}")
 
 
