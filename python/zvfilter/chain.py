@@ -80,6 +80,9 @@ AnyStep = Union[StepAccess, str]
 class Chain(Runner, Sequence[Step]):
     """Filters that follow each other.
 
+    Steps are found by number, ``chain[0]``, and by tag or filter, ``chain["smooth"]``. Threads may share a chain; each frame
+    is one piece of work.
+
     Parameters
     ----------
     steps : iterable of filters, steps and texts
@@ -88,9 +91,6 @@ class Chain(Runner, Sequence[Step]):
         order make another chain: ``Chain([*chain[:2], "HoleFillingFilter:"])``.
     input : Input, optional
         What the frames are; depth in millimetres if not given.
-
-    Steps are found by number, ``chain[0]``, and by tag or filter, ``chain["smooth"]``. Threads may share a chain; each frame
-    is one piece of work.
 
     Raises
     ------

@@ -85,7 +85,7 @@ class Runner:
 
     @property
     def input(self) -> Input:
-        """What the frames are: depth in millimetres, unless something else was said. Another one resets."""
+        """What the frames are; depth in millimetres, unless something else was said. Another one resets."""
         return Input(**self._native.input())
 
     @input.setter
