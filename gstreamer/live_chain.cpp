@@ -77,9 +77,10 @@ bool LiveChain::refuse(const std::string& message) {
 
 bool LiveChain::update() {
   const std::lock_guard guard(lock_);
-  if (!std::exchange(asked_, false)) return !failure_;
-  failure_.reset();
-  return update_chain() && (size_ == Size() || set_input());
+  if (!std::exchange(asked_, false)) return !refused_;
+  refused_ = !update_chain();
+  if (!refused_ && size_ != Size()) has_input_ = set_input();
+  return !refused_;
 }
 
 bool LiveChain::update_chain() {
@@ -116,7 +117,9 @@ bool LiveChain::negotiate(Size input, Size& output) {
   {
     const std::lock_guard guard(lock_);
     const bool known = std::exchange(size_, input) == input;
-    if (failure_ || (!known && !set_input())) return false;
+    if (refused_) return false;
+    if (!known || !has_input_) has_input_ = set_input();
+    if (!has_input_) return false;
   }
   zvf_input made;
   if (!checked(&zvf_chain_output, chain_.get(), &made)) return false;
@@ -127,7 +130,7 @@ bool LiveChain::negotiate(Size input, Size& output) {
 bool LiveChain::run(const std::uint16_t* pixels, std::size_t stride, std::uint16_t* output,
                     std::size_t output_stride, Size output_size) {
   zvf_input made;
-  if (failure_ || !checked(&zvf_chain_output, chain_.get(), &made)) return false;
+  if (refused_ || !has_input_ || !checked(&zvf_chain_output, chain_.get(), &made)) return false;
   const Size size = {made.width, made.height};
   if (size != output_size)
     return refuse("frames became " + text_of(size) + " where " + text_of(output_size) + " was agreed on");

@@ -41,9 +41,10 @@ class LiveChain {
   /// Whether sizes may change on the way, now or once the chain is what was asked for.
   bool resizes();
 
-  // The thread that runs the chain. Errors stay until something else is asked for.
+  // The thread that runs the chain.
 
-  /// @return false: failure() says why
+  /// Takes over what was asked for. A chain or value that is refused stays so until another is asked for.
+  /// @return false: failure() says why, here and below
   bool update();
   /// Says how large frames are, and tells how large they will be.
   bool negotiate(Size input, Size& output);
@@ -77,7 +78,9 @@ class LiveChain {
   bool resizes_ = false;
   std::optional<zvf_input> own_input_;  // as its file says
   Size size_;                           // of frames
-  std::optional<zvf_error> failure_;
+  bool refused_ = false;
+  bool has_input_ = false;
+  std::optional<zvf_error> failure_;  // the last
 };
 
 }  // namespace zvgst

@@ -105,6 +105,8 @@ TEST(Chains, BringTheirInputAndMayBeExchanged) {
   harness.set_size(kWidth - 1, kHeight);
   EXPECT_EQ(harness.push(Pixels((kWidth - 1) * kHeight)), GST_FLOW_NOT_NEGOTIATED);
   EXPECT_TRUE(has(harness.error(), "the chain is for frames of 33x24; these are 32x24"));
+  harness.set_size(kWidth, kHeight);
+  EXPECT_EQ(harness.filtered(ramp()), run(chain, ramp()));
 }
 
 }  // namespace

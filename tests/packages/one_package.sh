@@ -31,7 +31,6 @@ use() {
 needed=$(sed -n 's/^# needs: //p' /tests/use/"$name".sh)
 # shellcheck disable=SC2086 # a list
 [ -z "$needed" ] || apt-get install -y -qq --no-install-recommends $needed
-apt-get install -y -qq --no-install-recommends --download-only "$(file_of packages "$name")" 2>/dev/null || true
 dependencies=$(dpkg-query -W -f '${Package}\n' | sort)
 install_from packages
 use
@@ -44,8 +43,12 @@ dpkg --purge "${wanted[@]}"
 # Nothing of ours is left: neither a file nor a folder that only we had, nor a state of the package.
 everything >/tmp/after
 while read -r path; do
-  [ ! -e "$path" ] || [ -L "$path" ] || dpkg -S "$path" >/dev/null
-done </tmp/ours
-! comm -13 /tmp/before /tmp/after | grep .
-for each in "${wanted[@]}"; do ! dpkg-query -W "$each" 2>/dev/null; done
+  # What is still there belongs to another package as well, as folders do.
+  if [ -e "$path" ] || [ -L "$path" ]; then dpkg -S "$path" >/dev/null; fi
+done < <(grep -vx '/\.' /tmp/ours)
+left=$(comm -13 /tmp/before /tmp/after)
+[ -z "$left" ]
+for each in "${wanted[@]}"; do
+  if dpkg-query -W "$each" 2>/dev/null; then exit 1; fi
+done
 comm -13 <(echo "$dependencies") <(dpkg-query -W -f '${Package}\n' | sort) | xargs -r apt-get purge -y -qq

@@ -21,12 +21,11 @@ fi
 mount --bind /dev "$root/dev"
 mount -t proc proc "$root/proc"
 cp /etc/resolv.conf "$root/etc/"
-for file in /etc/apt/apt.conf.d/*proxy*; do [ ! -e "$file" ] || cp "$file" "$root/etc/apt/apt.conf.d/"; done
 
 # The same packages with a higher version, for the upgrade.
 mkdir "$root/packages" "$root/newer"
-cp "$packages"/*.deb "$root/packages/"
-for file in "$packages"/*.deb; do
+cp $(ls "$packages"/*.deb | grep -v -- -dbgsym_) "$root/packages/"
+for file in "$root"/packages/*.deb; do
   rm -rf "$work/unpacked"
   dpkg-deb -R "$file" "$work/unpacked"
   version=$(dpkg-deb -f "$file" Version)
