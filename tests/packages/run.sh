@@ -24,7 +24,7 @@ cp /etc/resolv.conf "$root/etc/"
 
 # The same packages with a higher version, for the upgrade.
 mkdir "$root/packages" "$root/newer"
-cp $(ls "$packages"/*.deb | grep -v -- -dbgsym_) "$root/packages/"
+find "$packages" -name '*.deb' -not -name '*-dbgsym_*' -exec cp -t "$root/packages" {} +
 for file in "$root"/packages/*.deb; do
   rm -rf "$work/unpacked"
   dpkg-deb -R "$file" "$work/unpacked"

@@ -1,3 +1,4 @@
+#!/usr/bin/env bash
 # needs: gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good
 export GST_REGISTRY=$PWD/registry
 gst-inspect-1.0 zvspatialadvancedfilter | grep -q 'Range: *0.1 - *1'

@@ -1,3 +1,4 @@
+#!/usr/bin/env bash
 # needs: gcc libc6-dev
 # A host in C that only lists the filters: it has none of the functions that the filters call.
 plugin=$(dpkg -L libfilterprocessor-plugin | grep '/filterprocessor/libFilterProcessor.so$')

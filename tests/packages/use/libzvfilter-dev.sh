@@ -1,3 +1,4 @@
+#!/usr/bin/env bash
 # needs: gcc g++ libc6-dev pkg-config cmake make
 # One hole between samples of 900 and 700 takes the nearest of them.
 cat >fill.c <<'C'

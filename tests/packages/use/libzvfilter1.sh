@@ -1,3 +1,4 @@
+#!/usr/bin/env bash
 # needs: gcc libc6-dev
 # A program that was built elsewhere: it has no header.
 cat >fill.c <<'C'

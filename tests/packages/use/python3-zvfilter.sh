@@ -1,3 +1,4 @@
+#!/usr/bin/env bash
 # A PNG file goes through a filter and comes back with all bits.
 python3 - <<'P'
 import numpy as np

@@ -1,3 +1,4 @@
+#!/usr/bin/env bash
 # needs: man-db bash-completion zsh
 # Frames of the virtual camera go through a chain to PNG files and a page.
 zvfilter camera --frames 2 --size 160x100 -o recorded
