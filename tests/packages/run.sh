@@ -7,7 +7,7 @@ here=$(dirname "$(realpath "$0")")
 work=$(mktemp -d)
 root=$work/root
 clean_up() {
-  umount "$root/proc" "$root/dev" 2>/dev/null || true
+  umount "$root/proc" 2>/dev/null || true
   rm -rf --one-file-system "$work"
 }
 trap clean_up EXIT
@@ -18,7 +18,6 @@ if [ $# -gt 1 ]; then
 else
   debootstrap --variant=minbase bookworm "$root" http://deb.debian.org/debian >"$work/log" || { tail "$work/log"; exit 1; }
 fi
-mount --bind /dev "$root/dev"
 mount -t proc proc "$root/proc"
 cp /etc/resolv.conf "$root/etc/"
 
