@@ -40,15 +40,6 @@ std::string as_text(const kit::ChainFile& chain) {
 
 }  // namespace
 
-bool is_chain_file(const std::string& source) {
-  // A filter's name has no dot and no slash, a file's name one of them.
-  return source.find_first_of("./") < source.find_first_of(":;=\n{");
-}
-
-kit::ChainFile read_chain(const std::string& source) {
-  return is_chain_file(source) ? kit::read_chain_file(source) : kit::parse_chain(source, "the chain");
-}
-
 void override_values(kit::Chain& chain, const std::vector<std::string>& settings) {
   for (const std::string& setting : settings) {
     const auto dot = setting.find('.'), equals = setting.find('=');

@@ -30,10 +30,7 @@ void bench_command(const kit::FilterLibrary& library, RunOptions options, std::o
 /// Serves the tuner's page until it is interrupted, and ends the program then.
 [[noreturn]] void tune_command(const kit::FilterLibrary& library, TuneOptions options, std::ostream& out,
                                std::ostream& notes);
-/// Whether the command line names a file with a chain here, not its text.
-bool is_chain_file(const std::string& source);
-/// A chain as the command line gives it: the name of a file with one or its text.
-kit::ChainFile read_chain(const std::string& source);
+using kit::read_chain;
 /// Changes what TAG.key=value names.
 void override_values(kit::Chain& chain, const std::vector<std::string>& settings);
 void chain_check_command(const kit::FilterLibrary& library, const std::vector<std::string>& chains,

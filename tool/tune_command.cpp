@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "interruption.h"
+#include "kit/chain/chain_file.h"
 #include "kit/common/error.h"
 #include "kit/tuner/server.h"
 #include "run_report.h"
@@ -24,7 +25,7 @@ kit::Chain first_chain(TuneOptions& options) {
   RunOptions& run = options.run;
   const bool named = !run.filters.empty() || !run.chain.empty() || !run.preset.empty();
   const bool new_file =
-      is_chain_file(run.chain) && !std::filesystem::exists(std::filesystem::symlink_status(run.chain));
+      kit::is_chain_file(run.chain) && !std::filesystem::exists(std::filesystem::symlink_status(run.chain));
   if (named && !new_file) return open_chain(run);
   if (!run.settings.empty()) kit::refuse("--set ", run.settings.front(), ": there is no chain yet");
   return {};
@@ -92,7 +93,7 @@ void tune_command(const kit::FilterLibrary& library, TuneOptions options, std::o
   static_cast<void>(kit::Pipeline(library, settings.chain.steps));
   kit::FrameSource source = open_one_sequence(options.run, notes);
   note_nominal_camera(options.run, settings.chain.steps, notes);
-  if (is_chain_file(options.run.chain)) {
+  if (kit::is_chain_file(options.run.chain)) {
     settings.chain_file = options.run.chain;
     // What the file says beside its steps stays in it.
     if (std::filesystem::exists(options.run.chain)) {
