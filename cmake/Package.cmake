@@ -10,7 +10,7 @@ if(NOT FILTERPROCESSOR_SDK)
   target_link_options(FilterProcessor INTERFACE ${link_without_host})
 endif()
 
-install(TARGETS FilterProcessor EXPORT FilterProcessor LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS FilterProcessor EXPORT FilterProcessor LIBRARY DESTINATION ${FILTERPROCESSOR_PLUGIN_DIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/filterprocessor DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 # The filter classes, for C++ callers that link the library directly.
 add_library(FilterProcessorClasses INTERFACE)

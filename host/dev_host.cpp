@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "counted.h"
+#include "host_call.h"
 
 struct zv_error {
   std::int32_t status;
@@ -99,28 +100,17 @@ bool note_call(const char* function) {
   return r.fault.happened = true;
 }
 
-/// One call of a host function: logs it, lets an armed fault happen and refuses null objects.
-class Call {
+zv_error* add_failure(const char* message, const char* function, const char* args,
+                      std::int32_t exception_type) {
+  return add_error(1, message, function, args, exception_type);
+}
+
+/// A call that is logged, and in which an armed fault happens.
+class Call : public hosts::HostCall<add_failure> {
  public:
-  Call(const char* function, zv_error** error) : function_(function), error_(error) {
+  Call(const char* function, zv_error** error) : HostCall(function, error) {
     if (note_call(function)) fail("injected fault", "", 7);
   }
-  template <typename Object>
-  Call& needs(const Object* object, const char* name) {
-    if (!failed_ && object == nullptr) fail("null pointer", name, ZV_EXCEPTION_INVALID_VALUE);
-    return *this;
-  }
-  void fail(const char* message, const char* args, std::int32_t exception_type) {
-    failed_ = true;
-    zv_error* created = add_error(1, message, function_, args, exception_type);
-    if (error_ != nullptr) *error_ = created;
-  }
-  explicit operator bool() const { return !failed_; }
-
- private:
-  const char* function_;
-  zv_error** error_;
-  bool failed_ = false;
 };
 
 zv_frame_t* copy_of(const zv_frame_t& other) {

@@ -8,6 +8,7 @@
 
 #include "counted.h"
 #include "frame_objects.h"
+#include "host_call.h"
 
 namespace framehost {
 
@@ -41,26 +42,7 @@ zv_error* make_error(const char* message, const char* function, const char* args
   return error;
 }
 
-class Call {
- public:
-  Call(const char* function, zv_error** error) : function_(function), error_(error) {}
-  template <typename Object>
-  Call& needs(const Object* object, const char* name) {
-    if (!failed_ && object == nullptr) fail("null pointer", name, ZV_EXCEPTION_INVALID_VALUE);
-    return *this;
-  }
-  void fail(const char* message, const char* args, std::int32_t exception_type) {
-    failed_ = true;
-    zv_error* created = make_error(message, function_, args, exception_type);
-    if (error_ != nullptr) *error_ = created;
-  }
-  explicit operator bool() const { return !failed_; }
-
- private:
-  const char* function_;
-  zv_error** error_;
-  bool failed_ = false;
-};
+using Call = hosts::HostCall<make_error>;
 
 Frame filled_frame(Pool& pool, std::int32_t type, std::int32_t format, std::size_t size) {
   Frame frame(pool.take_frame());

@@ -137,6 +137,10 @@ zvf_chain* zvf_chain_load(const char* file, zvf_error* error) {
   return made(error, kFile, [&] { return kit::read_chain_file(file); });
 }
 
+zvf_chain* zvf_chain_read(const char* source, zvf_error* error) {
+  return made(error, kFile, [&] { return kit::read_chain(source); });
+}
+
 zvf_chain* zvf_chain_copy(const zvf_chain* chain, zvf_error* error) {
   return made(error, kChain, [&] { return chain->file(); });
 }

@@ -5,6 +5,7 @@
 #include "filterprocessor/level.h"
 #include "kit/common/text.h"
 #include "kit/filter/filter_behaviour.h"
+#include "kit/texts/filter_texts.h"
 
 namespace zvfilter {
 
@@ -52,6 +53,23 @@ size_t zvf_filter_count() { return static_cast<size_t>(zv_get_filter_count()); }
 
 const char* zvf_filter_name(size_t filter) {
   return filter < zvf_filter_count() ? zv_get_filter_name(static_cast<int32_t>(filter)) : nullptr;
+}
+
+const char* zvf_filter_summary(size_t filter) {
+  const char* const name = zvf_filter_name(filter);
+  if (name == nullptr) return nullptr;
+  const kit::FilterText* const text = kit::text_of(name);
+  return text != nullptr ? text->summary.data() : "";  // literals end with a null
+}
+
+bool zvf_filter_has_history(size_t filter) {
+  const char* const name = zvf_filter_name(filter);
+  return name != nullptr && kit::has_history(name);
+}
+
+bool zvf_filter_changes_size(size_t filter) {
+  const char* const name = zvf_filter_name(filter);
+  return name != nullptr && kit::changes_size(name);
 }
 
 size_t zvf_parameter_count(size_t filter) {

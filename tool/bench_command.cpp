@@ -76,6 +76,7 @@ void bench_command(const kit::FilterLibrary& library, RunOptions options, std::o
   const kit::Chain chain = open_chain(options);
   options.output.folder = ".";  // names the results, which are not written
   std::vector<Sequence> sequences = open_sequences(options, out);
+  if (sequences.front().source.next) kit::refuse("standard input cannot be measured; expected files");
   plan_sequences(sequences, options);
   if (sequences.size() > 1) kit::refuse("several folders; expected one to measure");
   const Sequence& sequence = sequences.front();

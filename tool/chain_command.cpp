@@ -40,12 +40,6 @@ std::string as_text(const kit::ChainFile& chain) {
 
 }  // namespace
 
-kit::ChainFile read_chain(const std::string& source) {
-  // A filter's name has no dot and no slash, a file's name one of them.
-  const bool file = source.find_first_of("./") < source.find_first_of(":;=\n{");
-  return file ? kit::read_chain_file(source) : kit::parse_chain(source, "the chain");
-}
-
 void override_values(kit::Chain& chain, const std::vector<std::string>& settings) {
   for (const std::string& setting : settings) {
     const auto dot = setting.find('.'), equals = setting.find('=');

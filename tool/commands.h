@@ -27,8 +27,10 @@ void presets_command(const std::string& name, std::ostream& out);
 void run_command(const kit::FilterLibrary& library, RunOptions options, std::ostream& out,
                  std::ostream& notes);
 void bench_command(const kit::FilterLibrary& library, RunOptions options, std::ostream& out);
-/// A chain as the command line gives it: the name of a file with one or its text.
-kit::ChainFile read_chain(const std::string& source);
+/// Serves the tuner's page until it is interrupted, and ends the program then.
+[[noreturn]] void tune_command(const kit::FilterLibrary& library, TuneOptions options, std::ostream& out,
+                               std::ostream& notes);
+using kit::read_chain;
 /// Changes what TAG.key=value names.
 void override_values(kit::Chain& chain, const std::vector<std::string>& settings);
 void chain_check_command(const kit::FilterLibrary& library, const std::vector<std::string>& chains,

@@ -9,11 +9,11 @@ fi
 tool=$1 folder=$2 frames=30
 
 echo "A virtual stereo camera, $frames frames of 640x400: disparity becomes depth, speckles and noisy edges go, space and"
-echo "time are smoothed, holes are filled, the image is halved. The true depth is known, so each step but the last, which"
-echo "changes the size, shows what it does to the error."
+echo "time are smoothed, small holes first and then the rest are filled, the image is halved. The true depth is known, so"
+echo "each step but the last, which changes the size, shows what it does to the error."
 echo
 "$tool" run -f DisparityTransform: -f NoiseRemovalFilter:min_diff=64 -f EdgeNoiseRemovalFilter:enable_vertical_direction=1 \
-  -f SpatialAdvancedFilter: -f TemporalFilter: -f HoleFillingFilter:hole_filling_mode=1 \
+  -f SpatialAdvancedFilter:radius=4 -f TemporalFilter: -f HoleFillingFilter:hole_filling_mode=2 \
   -f DepthResize:dst_width=320,dst_height=200,scale=0.5 \
   "camera:frames=$frames,size=640x400" -o "$folder" --preview --overwrite --report "$folder/report.html"
 echo

@@ -109,7 +109,8 @@ void describe_inputs(CLI::App& command, RunOptions& run) {
       .add_option_function<std::string>(
           "--endian",
           [&run](const std::string& order) {
-            run.raw_order = order == "big" ? kit::ByteOrder::big : kit::ByteOrder::little;
+            run.endian_said = true;
+            run.output.raw_order = order == "big" ? kit::ByteOrder::big : kit::ByteOrder::little;
           },
           "Byte order of raw images, read and written: little (default) or big")
       ->check(expect("little or big",
@@ -141,8 +142,8 @@ void add_report(CLI::App& command, ReportOptions& report) {
       ->type_name("DIR");
 }
 
-/// What goes in, the chain and the form of what comes out.
-void describe_frames(CLI::App& command, RunOptions& run) {
+/// The steps of the chain.
+void describe_chain(CLI::App& command, RunOptions& run) {
   const auto add_filters = [&run](const std::vector<std::string>& texts) {
     for (const std::string& text : texts) run.filters.push_back(kit::parse_step(text));
   };
@@ -164,6 +165,10 @@ void describe_frames(CLI::App& command, RunOptions& run) {
       ->excludes("--chain")
       ->type_name("NAME");
   add_settings(command, run.settings);
+}
+
+/// What goes in.
+void describe_sequence(CLI::App& command, RunOptions& run) {
   const auto add_inputs = [&run](const std::vector<std::string>& texts) {
     run.inputs = texts;
     for (const std::string& text : texts) {
@@ -182,29 +187,6 @@ void describe_frames(CLI::App& command, RunOptions& run) {
           "camera:frames=30,size=640x400,pack-mode=1,mono")
       ->required()
       ->type_name("");
-  command
-      .add_option_function<std::string>(
-          "--format", [&run](const std::string& name) { run.output.format = kit::codec_named(name); },
-          "Format of the results: png, pgm, npy, raw, tiff; else the input's. Of standard input and "
-          "output: "
-          "raw, pgm or npy")
-      ->check(expect("png, pgm, npy, raw or tiff",
-                     [](const std::string& name) { return kit::codec_named(name) != nullptr; }))
-      ->type_name("FORMAT");
-  command
-      .add_option_function<std::string>(
-          "--compression",
-          [&run](const std::string& name) {
-            run.output.compression = name == "small" ? kit::Compression::small : kit::Compression::fast;
-          },
-          "Of PNG results: fast (default), or small, which takes many times as long")
-      ->check(expect("fast or small",
-                     [](const std::string& name) { return name == "fast" || name == "small"; }))
-      ->type_name("KIND");
-  command
-      .add_option("-j,--jobs", run.jobs, "Threads, all processors by default; the results are the same")
-      ->check(CLI::Range(1, 1024).description(""))
-      ->type_name("N");
   command
       .add_option_function<std::string>(
           "--size", [&run](const std::string& text) { run.size = kit::parse_size(text); },
@@ -251,15 +233,44 @@ void describe_frames(CLI::App& command, RunOptions& run) {
                        return CLI::detail::lexical_cast(text, code);
                      }))
       ->type_name("TYPE");
-  command.add_flag_callback(
-      "--frame-set", [&run] { run.handover = kit::Handover::frame_set; },
-      "Hand the frames over in frame sets");
   command.add_option("--baseline", attributes.baseline, "Distance of the two viewpoints in millimetres")
       ->check(positive())
       ->type_name("NUMBER");
   command.add_option("--fx", attributes.fx, "Focal length in pixels")
       ->check(positive())
       ->type_name("NUMBER");
+}
+
+/// What goes in, the chain and the form of what comes out.
+void describe_frames(CLI::App& command, RunOptions& run) {
+  describe_chain(command, run);
+  describe_sequence(command, run);
+  command
+      .add_option_function<std::string>(
+          "--format", [&run](const std::string& name) { run.output.format = kit::codec_named(name); },
+          "Format of the results: png, pgm, npy, raw, tiff; else the input's. Of standard input and "
+          "output: "
+          "raw, pgm or npy")
+      ->check(expect("png, pgm, npy, raw or tiff",
+                     [](const std::string& name) { return kit::codec_named(name) != nullptr; }))
+      ->type_name("FORMAT");
+  command
+      .add_option_function<std::string>(
+          "--compression",
+          [&run](const std::string& name) {
+            run.output.compression = name == "small" ? kit::Compression::small : kit::Compression::fast;
+          },
+          "Of PNG results: fast (default), or small, which takes many times as long")
+      ->check(expect("fast or small",
+                     [](const std::string& name) { return name == "fast" || name == "small"; }))
+      ->type_name("KIND");
+  command
+      .add_option("-j,--jobs", run.jobs, "Threads, all processors by default; the results are the same")
+      ->check(CLI::Range(1, 1024).description(""))
+      ->type_name("N");
+  command.add_flag_callback(
+      "--frame-set", [&run] { run.handover = kit::Handover::frame_set; },
+      "Hand the frames over in frame sets");
 }
 
 }  // namespace
@@ -308,6 +319,23 @@ void describe_run(CLI::App& command, RunOptions& run) {
 }
 
 void describe_bench(CLI::App& command, RunOptions& run) { describe_frames(command, run); }
+
+void describe_tune(CLI::App& command, TuneOptions& tune) {
+  describe_chain(command, tune.run);
+  describe_sequence(command, tune.run);
+  command.add_option("--port", tune.port, "Port of the page's address; without it a free one")
+      ->check(CLI::Range(0, 65535).description(""))
+      ->type_name("N");
+  command.add_flag("--open", tune.open, "Open the page in the browser");
+  command.footer(
+      "The page is for this machine only, and for who has its address. Ctrl-C ends it.\n"
+      "With --chain FILE the page saves into that file, which need not exist yet.\n"
+      "\n"
+      "Examples:\n"
+      "  zvfilter tune frames/ --open\n"
+      "  zvfilter tune --preset still-scene camera:frames=60,size=640x400\n"
+      "  zvfilter tune --chain chain.json frames/ --truth truth/");
+}
 
 void describe_chain_convert(CLI::App& command, ChainConvertOptions& convert) {
   command.add_option("CHAIN", convert.source, "A chain file or the text of steps")

@@ -40,7 +40,7 @@ struct RunOptions {
   std::vector<std::string> inputs;
   kit::Selection selection;                   ///< from folders
   const kit::Codec* stream_format = nullptr;  ///< of standard input; null: the output's
-  std::optional<kit::ByteOrder> raw_order;
+  bool endian_said = false;
   bool metres = false;                             ///< floating-point files hold them
   std::optional<kit::CameraRequest> camera_input;  ///< what the input asks of the virtual camera
   std::optional<std::string> truth;
@@ -56,6 +56,13 @@ struct RunOptions {
   ReportOptions report;
 };
 
+struct TuneOptions {
+  RunOptions run;
+  int port = 0;                    ///< 0: a free one
+  bool open = false;               ///< in the browser
+  std::vector<std::string> words;  ///< of the command line, after the command's name
+};
+
 struct CameraCommandOptions {
   std::vector<kit::CameraSetting> settings;
   std::filesystem::path output;
@@ -69,9 +76,10 @@ struct ChainConvertOptions {
   std::filesystem::path output;  ///< empty: standard output
 };
 
-/// The options of the commands `run`, `bench` and `camera`, which fill the structures as they are parsed.
+/// The options of the commands, which fill the structures as they are parsed.
 void describe_run(CLI::App& command, RunOptions& run);
 void describe_bench(CLI::App& command, RunOptions& run);
+void describe_tune(CLI::App& command, TuneOptions& tune);
 void describe_chain_convert(CLI::App& command, ChainConvertOptions& convert);
 void describe_camera(CLI::App& command, CameraCommandOptions& camera);
 

@@ -1,11 +1,13 @@
 #include "outputs.h"
 
 #include <algorithm>
+#include <iomanip>
 
 #include <sys/stat.h>
 
 #include "kit/common/error.h"
 #include "kit/image/image_files.h"
+#include "kit/image/image_stream.h"
 
 namespace zvfilter {
 
@@ -19,6 +21,10 @@ std::optional<FileIdentity> identity(const fs::path& file) {
   struct stat status {};
   if (::stat(file.c_str(), &status) != 0) return std::nullopt;
   return FileIdentity(status.st_dev, status.st_ino);
+}
+
+bool holds_stacks(const kit::Codec& codec) {
+  return codec.name == "tiff" || (codec.header != nullptr && codec.header->stacks);
 }
 
 /// A folder in the way is for the writer to complain of.
@@ -61,15 +67,29 @@ std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const Inpu
     files.format = settings.format.value_or(own);
     const std::string extension =
         files.format == own ? name.extension : std::string(files.format->extensions.front());
-    files.image = settings.folder / (name.stem + extension);
-    plan(files.image, name.label);
+    files.stack = name.stack && holds_stacks(*files.format);
+    files.number = files.stack ? name.number : 0;
+    files.count = files.stack ? name.count : 1;
+    const std::string stem = files.stack ? name.files.front().stem().string() : name.stem;
+    files.image = settings.folder / (stem + extension);
+    if (files.number == 0) plan(files.image, name.label);
     if (settings.preview) {
+      if (files.stack)
+        kit::refuse("--preview is for images in files of their own; choose --format png or pgm");
       files.preview = settings.folder / (name.stem + kit::kPreviewSuffix);
       plan(files.preview, "the preview of " + name.label);
     }
     outputs.push_back(std::move(files));
   }
   return outputs;
+}
+
+OutputFiles numbered_output(const kit::Codec& format, const fs::path& folder, std::size_t index) {
+  const std::string stem = kit::concat("frame_", std::setfill('0'), std::setw(4), index);
+  OutputFiles files;
+  files.format = &format;
+  files.image = folder / (stem + std::string(format.extensions.front()));
+  return files;
 }
 
 bool exist(const OutputFiles& files) {
@@ -97,6 +117,7 @@ kit::Bytes encode_result(const OutputFiles& files, const OutputSettings& setting
                          const kit::FrameView& frame) {
   const kit::ImageView image = kit::image_of(frame);
   if (files.format->name == "png") return kit::encode_png(image, settings.compression);
+  if (files.format->needs_size) return kit::encode_for_stream(*files.format, image, settings.raw_order);
   return files.format->encode(image);
 }
 

@@ -23,6 +23,7 @@ struct OutputSettings {
   PreviewSettings preview_settings;
   bool sync = false;  ///< each result, not only the last of a run
   kit::Compression compression = kit::Compression::fast;
+  kit::ByteOrder raw_order = kit::ByteOrder::little;
 };
 
 /// Where one frame's results go.
@@ -30,6 +31,9 @@ struct OutputFiles {
   const kit::Codec* format = nullptr;
   std::filesystem::path image;
   std::filesystem::path preview;  ///< empty: none
+  bool stack = false;             ///< it is one of the images of a stack
+  std::size_t number = 0;         ///< of it there
+  std::size_t count = 1;          ///< of all there
 };
 
 /// What the results may replace nothing of.
@@ -44,7 +48,7 @@ class InputFiles {
       names_;  // by what the file system tells files by
 };
 
-/// Names the results of every frame.
+/// Names the results of every frame: a file for each, and a stack for a stack where the format has them.
 /// @throws kit::Error when two would have one name or one would replace an input
 std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const InputFiles& inputs,
                                       const OutputSettings& settings);
@@ -61,6 +65,10 @@ void remove_results(const OutputFiles& files);
 /// @throws kit::Error
 kit::Bytes encode_result(const OutputFiles& files, const OutputSettings& settings,
                          const kit::FrameView& frame);
+
+/// @param index of a stream's frame, which has no name
+OutputFiles numbered_output(const kit::Codec& format, const std::filesystem::path& folder,
+                            std::size_t index);
 
 /// Writes each of the files whole or not at all.
 /// @param preview draws the sequence's pictures

@@ -1,13 +1,35 @@
 #include "progress.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <string>
+#include <iomanip>
 #include <unistd.h>
+
+#include <sys/ioctl.h>
+
+#include "kit/common/error.h"
 
 namespace zvfilter {
 
+namespace {
+
+std::size_t columns() {
+  constexpr std::size_t usual = 80;
+  winsize size{};
+  return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
+}
+
+}  // namespace
+
 Progress::Progress(std::size_t total)
-    : total_(total), visible_(total > 1 && ::isatty(STDERR_FILENO) == 1) {}
+    : total_(total), visible_(total != 1 && ::isatty(STDERR_FILENO) == 1) {}
+
+std::string Progress::bar(std::size_t done, std::size_t room) const {
+  constexpr std::size_t most = 30, least = 5, beside = 4;
+  if (room < least + beside) return "";
+  const std::size_t width = std::min(most, room - beside), filled = width * done / total_;
+  return kit::concat('[', std::string(filled, '#'), std::string(width - filled, '.'), "] ");
+}
 
 void Progress::clear() {
   if (visible_) std::fputs("\r\x1b[K", stderr);
@@ -17,15 +39,19 @@ void Progress::clear() {
 void Progress::show(std::size_t done) {
   const Clock::time_point now = Clock::now();
   constexpr std::chrono::milliseconds pause(50);  // a terminal is slower than the filters
-  if (!visible_ || (now - shown_ < pause && done < total_)) return;
+  if (!visible_ || (now - shown_ < pause && done != total_)) return;
   shown_ = now;
-  constexpr std::size_t width = 30;
-  const std::size_t filled = width * done / total_;
-  const std::string bar = std::string(filled, '#') + std::string(width - filled, '.');
   const double rate = static_cast<double>(done) / std::chrono::duration<double>(now - start_).count();
-  const auto left = static_cast<unsigned long>(static_cast<double>(total_ - done) / rate + 0.5);
-  std::fprintf(stderr, "\r[%s] %zu/%zu  %.1f/s  %lu:%02lu left\x1b[K", bar.c_str(), done, total_, rate,
-               left / 60, left % 60);
+  const std::string rated = kit::concat("  ", std::fixed, std::setprecision(1), rate, "/s");
+  std::string text = kit::concat(done, " frames", rated);
+  if (total_ != 0) {
+    const auto left = static_cast<unsigned long>(static_cast<double>(total_ - done) / rate + 0.5);
+    text = kit::concat(done, '/', total_, rated, "  ", left / 60, ':', std::setfill('0'), std::setw(2),
+                       left % 60, " left");
+    text.insert(0, bar(done, columns() - std::min(columns(), text.size())));
+  }
+  // A line that the terminal breaks could not be written over.
+  std::fprintf(stderr, "\r%.*s\x1b[K", static_cast<int>(columns() - 1), text.c_str());
 }
 
 }  // namespace zvfilter

@@ -3,12 +3,14 @@
 
 #include <chrono>
 #include <cstddef>
+#include <string>
 
 namespace zvfilter {
 
 /// A bar on standard error with the rate and the time left, when that is a terminal; it leaves with the object.
 class Progress {
  public:
+  /// @param total 0: it is not known
   explicit Progress(std::size_t total);
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
@@ -18,6 +20,9 @@ class Progress {
 
  private:
   using Clock = std::chrono::steady_clock;
+
+  /// Of the part that is done; empty where there is no room for it.
+  std::string bar(std::size_t done, std::size_t room) const;
 
   std::size_t total_;
   bool visible_;

@@ -2,12 +2,14 @@
 #include <atomic>
 #include <deque>
 #include <exception>
+#include <memory>
 #include <mutex>
 #include <ostream>
 #include <set>
 #include <sstream>
 
 #include "commands.h"
+#include "destination.h"
 #include "effect_notes.h"
 #include "interruption.h"
 #include "kit/common/error.h"
@@ -19,7 +21,6 @@
 #include "run_record.h"
 #include "run_report.h"
 #include "run_setup.h"
-#include "streamed_run.h"
 
 namespace zvfilter {
 
@@ -27,39 +28,26 @@ namespace {
 
 /// One sequence at work.
 struct Run {
-  Run(const kit::FilterLibrary& library, const kit::Chain& chain, const PreviewSettings& pictures,
-      Sequence&& opened, std::string record_text)
+  Run(const kit::FilterLibrary& library, const kit::Chain& chain, Sequence&& opened)
       : sequence(std::move(opened)),
-        record(std::move(record_text)),
         pipeline(library, chain),
         results(chain),
-        effects(pipeline.chain(), said),
-        preview(pictures),
-        scales(sequence.outputs.size()),
-        present(sequence.outputs.size()) {}
-
-  /// Leaves out the frames that need not be filtered because their results are there.
-  void resume(bool has_history);
-  /// Says in the results' folder what makes them, before the first of them comes.
-  void begin_results();
+        effects(pipeline.chain(), said) {}
 
   Sequence sequence;
-  std::string record;
   kit::Pipeline pipeline;
   kit::ChainResults results;
   std::ostringstream said;  // of the effects, until the other runs are done
   EffectNotes effects;
   kit::Steadiness steadiness;
   std::optional<RunReport> page;
-  Preview preview;
-  std::vector<PictureScale> scales;  // of the pictures
-  std::vector<bool> present;         // results of an earlier run
-  std::once_flag begun;
+  std::unique_ptr<Destination> destination;
   std::vector<std::string> problems;  // of frames that failed and were passed over
   std::exception_ptr failure;         // that ended it
 };
 
-void Run::resume(bool has_history) {
+/// Leaves out the frames that need not be filtered because their results are there.
+void resume(Sequence& sequence, std::vector<bool>& present, bool has_history) {
   for (std::size_t i = 0; i < present.size(); ++i) present[i] = exist(sequence.outputs[i]);
   std::vector<std::size_t> kept;
   const auto last_missing = std::find(present.rbegin(), present.rend(), false);
@@ -81,18 +69,6 @@ void Run::resume(bool has_history) {
   present = std::move(still_present);
 }
 
-void Run::begin_results() {
-  std::call_once(begun, [&] {
-    kit::make_folder(sequence.folder);
-    // Results of one folder are those of one run.
-    for (std::size_t i = 0; i < present.size(); ++i) {
-      if (!present[i]) remove_results(sequence.outputs[i]);
-    }
-    const kit::Bytes text(record.begin(), record.end());
-    kit::write_whole(sequence.folder / kRecordFile, text, kit::Durability::buffered);
-  });
-}
-
 /// The runs of all sequences, side by side.
 class Runs {
  public:
@@ -101,20 +77,22 @@ class Runs {
 
   void work();
   /// Says what was done and how it went.
-  void report(std::ostream& out, std::ostream& notes) const;
+  void report(std::ostream& out, std::ostream& notes);
 
  private:
   void work(std::size_t number, std::size_t frames_in_flight);
   kit::SequenceVisitor visitor(Run& run);
   void say_effects(std::ostream& notes) const;
-  void count_done(const Run& run, std::size_t index);
+  void count_done();
 
   const RunOptions& options_;
+  bool streamed_;
   std::deque<Run> runs_;
   std::size_t total_ = 0;     // frames of all sequences
   std::size_t to_write_ = 0;  // those without a result
-  std::mutex mutex_;          // of what follows
-  std::size_t passed_ = 0, written_ = 0;
+  std::atomic<std::size_t> written_ = 0;
+  std::mutex mutex_;  // of what follows
+  std::size_t passed_ = 0;
   std::atomic<std::size_t> first_failed_ = SIZE_MAX;
   std::atomic<bool> stopped_ = false;
   std::optional<Progress> progress_;
@@ -122,20 +100,32 @@ class Runs {
 
 Runs::Runs(const kit::FilterLibrary& library, const kit::Chain& chain, const RunOptions& options,
            std::vector<Sequence> sequences)
-    : options_(options) {
+    : options_(options), streamed_(static_cast<bool>(sequences.front().source.next)) {
   const bool has_history = std::any_of(
       chain.begin(), chain.end(), [](const kit::Step& step) { return kit::has_history(step.filter); });
   for (Sequence& sequence : sequences) {
     std::string record = run_record(options, chain, sequence);
+    total_ += sequence.source.names.size();
+    std::vector<bool> present(sequence.outputs.size());
     if (options.existing == Existing::refuse) expect_none(sequence.outputs);
-    total_ += sequence.outputs.size();
-    const bool begun = std::any_of(sequence.outputs.begin(), sequence.outputs.end(), exist);
-    if (options.existing == Existing::resume && begun) expect_same_run(sequence.folder, record);
-    Run& run = runs_.emplace_back(library, chain, options.output.preview_settings, std::move(sequence),
-                                  std::move(record));
-    if (options.existing == Existing::resume) run.resume(has_history);
-    if (!options.report.file.empty()) run.page.emplace(options, run.pipeline, run.sequence.source);
-    to_write_ += static_cast<std::size_t>(std::count(run.present.begin(), run.present.end(), false));
+    if (options.existing == Existing::resume && !is_standard(options.output.folder)) {
+      if (std::any_of(sequence.outputs.begin(), sequence.outputs.end(), exist))
+        expect_same_run(sequence.folder, record);
+      resume(sequence, present, has_history);
+    }
+    const auto kept = static_cast<std::size_t>(std::count(present.begin(), present.end(), true));
+    Run& run = runs_.emplace_back(library, chain, std::move(sequence));
+    const kit::FrameSource& source = run.sequence.source;
+    if (!options.report.file.empty()) run.page.emplace(options, run.pipeline, source);
+    to_write_ += source.names.size() - kept;
+    if (is_standard(options.output.folder)) {
+      const kit::Codec* const own =
+          streamed_ ? nullptr : kit::codec_of_extension(source.names.front().extension);
+      run.destination = standard_output(options, own);
+    } else {
+      run.destination = std::make_unique<FileDestination>(
+          options, run.sequence.folder, run.sequence.outputs, std::move(present), std::move(record));
+    }
   }
 }
 
@@ -143,18 +133,20 @@ void Runs::work() {
   const Interruption interruption;
   const kit::Workers workers(options_.jobs);
   std::size_t frames = 0;
-  for (const Run& run : runs_) frames += run.sequence.outputs.size();
+  for (const Run& run : runs_) frames += run.sequence.source.names.size();
   progress_.emplace(frames);
   // Enough that no thread waits for a frame, however the threads are shared.
   const std::size_t sides = std::min(workers.threads(), runs_.size());
   const std::size_t in_flight = workers.threads() == 1 ? 1 : 2 + 2 * workers.threads() / sides;
   workers.for_each(runs_.size(), [&](std::size_t number) { work(number, in_flight); });
+  // A stream may have been waiting for its next frame.
+  if (streamed_ && Interruption::asked()) stopped_ = true;
   progress_->clear();
 }
 
 void Runs::work(std::size_t number, std::size_t frames_in_flight) {
   Run& run = runs_[number];
-  kit::SequenceOptions options{options_.handover, frames_in_flight, {}};
+  kit::SequenceOptions options{options_.handover, frames_in_flight, {}, run.destination->in_order()};
   // Which failure is reported must not depend on which came first: it is that of the first sequence.
   options.stop = [&, number] {
     if (Interruption::asked()) stopped_ = true;
@@ -174,34 +166,29 @@ void Runs::work(std::size_t number, std::size_t frames_in_flight) {
 kit::SequenceVisitor Runs::visitor(Run& run) {
   kit::SequenceVisitor visitor;
   visitor.on_passage = [&run](const kit::SourceFrame& input, const kit::Passage& passage) {
-    run.results.add(passage, input.truth);
+    const kit::AccuracySummary accuracy = run.results.add(passage, input.truth);
     run.effects.add(passage);
-    if (run.page) run.page->add(passage);
+    if (run.page) run.page->add(passage, accuracy);
   };
   visitor.on_filtered = [&](std::size_t index, const kit::SourceFrame& input,
                             const kit::FrameView& result) {
     run.steadiness.add(input.frame, result);
-    if (options_.output.preview) run.scales[index] = run.preview.scale_of(input.frame, result);
+    run.destination->see(index, input.frame, result);
     if (run.page) run.page->end_frame(index, input);
   };
   visitor.on_result = [&](std::size_t index, const kit::SourceFrame& input,
                           const kit::FrameView& result) {
-    if (run.present[index]) return;
-    run.begin_results();
-    const bool sync = options_.output.sync || index + 1 == run.sequence.outputs.size();
-    write_results(run.sequence.outputs[index], options_.output, run.preview, run.scales[index],
-                  input.frame, result, sync ? kit::Durability::synced : kit::Durability::buffered);
+    written_ += run.destination->write(index, input.frame, result);
   };
-  visitor.on_done = [&](std::size_t index) { count_done(run, index); };
+  visitor.on_done = [&](std::size_t) { count_done(); };
   if (options_.keep_going) {
     visitor.on_problem = [&run](const kit::Error& problem) { run.problems.emplace_back(problem.what()); };
   }
   return visitor;
 }
 
-void Runs::count_done(const Run& run, std::size_t index) {
+void Runs::count_done() {
   const std::lock_guard lock(mutex_);
-  if (!run.present[index]) ++written_;
   progress_->show(++passed_);
 }
 
@@ -216,11 +203,7 @@ void Runs::say_effects(std::ostream& notes) const {
   }
 }
 
-void Runs::report(std::ostream& out, std::ostream& notes) const {
-  const std::string frames =
-      kit::concat(written_, " of ", to_write_, " frames written to ", options_.output.folder.string());
-  const std::size_t present = total_ - to_write_;
-  const std::string summary = present > 0 ? kit::concat(frames, "; ", present, " were there") : frames;
+void Runs::report(std::ostream& out, std::ostream& notes) {
   std::size_t problems = 0;
   std::exception_ptr failure;
   for (const Run& run : runs_) {
@@ -228,11 +211,17 @@ void Runs::report(std::ostream& out, std::ostream& notes) const {
     problems += run.problems.size();
     for (const std::string& problem : run.problems) notes << "zvfilter: " << problem << '\n';
   }
+  const std::size_t due = streamed_ ? passed_ + problems + (failure ? 1 : 0) : to_write_;
+  const std::size_t present = total_ - to_write_;
+  const std::filesystem::path& folder = options_.output.folder;
+  std::string summary = kit::concat(written_.load(), " of ", due, " frames written to ",
+                                    is_standard(folder) ? "standard output" : folder.string());
+  if (present > 0) summary += kit::concat("; ", present, " were there");
   say_effects(notes);
   if (stopped_ && !failure) throw Stopped(kit::printable("stopped; " + summary));
   if (!failure) {
-    for (const Run& run : runs_) {
-      if (run.page) run.page->write();
+    for (Run& run : runs_) {
+      if (run.page) run.page->write(run.results);
       if (!run.sequence.name.empty()) out << kit::printable(run.sequence.name) << ":\n";
       print_results(run.results, &run.steadiness, out);
       if (!run.sequence.name.empty()) out << '\n';
@@ -254,30 +243,12 @@ void Runs::report(std::ostream& out, std::ostream& notes) const {
 void run_command(const kit::FilterLibrary& library, RunOptions options, std::ostream& out,
                  std::ostream& notes) {
   const kit::Chain chain = open_chain(options);
-  if (is_standard_input(options)) {
-    kit::Pipeline pipeline(library, chain);
-    note_nominal_camera(options, chain, notes);
-    return run_standard_input(pipeline, options, out, notes);
-  }
   std::vector<Sequence> sequences = open_sequences(options, notes);
-  const bool streamed = std::any_of(sequences.begin(), sequences.end(), [&](const Sequence& each) {
-    return is_streamed(each.source, options);
-  });
-  if (streamed && sequences.size() > 1) {
-    kit::refuse(
-        "several folders are several sequences; a stream and stacks are one, run them one by one");
-  }
-  if (!options.camera_input) note_nominal_camera(options, chain, notes);
-  if (streamed && !options.report.file.empty()) {
-    kit::refuse("--report is for images in files of their own, not for streams and stacks");
-  }
-  if (streamed) {
-    kit::Pipeline pipeline(library, chain);
-    return run_streamed(pipeline, options, sequences.front().source, out, notes);
-  }
-  if (!options.report.file.empty() && sequences.size() > 1) {
+  if (is_standard(options.output.folder) && sequences.size() > 1)
+    kit::refuse("standard output is one sequence; several folders are several, run them one by one");
+  if (!options.report.file.empty() && sequences.size() > 1)
     kit::refuse("--report is about one sequence; several folders are several, run them one by one");
-  }
+  if (!options.camera_input) note_nominal_camera(options, chain, notes);
   plan_sequences(sequences, options);
   Runs runs(library, chain, options, std::move(sequences));
   runs.work();

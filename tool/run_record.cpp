@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kMostBytes = 1 << 20;
 
 std::string input_name(const RunOptions& options, const std::string& input) {
-  if (options.camera_input) return input;
+  if (options.camera_input || is_standard(input)) return input;
   std::error_code none;
   return fs::weakly_canonical(input, none).string();
 }

@@ -24,7 +24,8 @@ kit::ReportStep describe_step(const kit::Pipeline& pipeline, std::size_t index) 
   return described;
 }
 
-kit::ReportSettings describe_run(const RunOptions& options, const kit::Pipeline& pipeline) {
+kit::ReportSettings describe_run(const RunOptions& options, const kit::Pipeline& pipeline,
+                                 std::size_t frames) {
   kit::ReportSettings settings;
   settings.input = kit::join(options.inputs, " ");
   settings.command = options.report.command;
@@ -32,6 +33,7 @@ kit::ReportSettings describe_run(const RunOptions& options, const kit::Pipeline&
   for (std::size_t i = 0; i < pipeline.chain().size(); ++i)
     settings.steps.push_back(describe_step(pipeline, i));
   settings.frames = options.report.frames;
+  if (!options.keep_going && frames > 0) settings.last = frames - 1;
   if (options.report.against) settings.against = options.report.against->string();
   return settings;
 }
@@ -53,7 +55,9 @@ fs::path result_of(const std::string& stem, const std::vector<fs::path>& results
 
 RunReport::RunReport(const RunOptions& options, const kit::Pipeline& pipeline,
                      const kit::FrameSource& source)
-    : file_(options.report.file), report_(describe_run(options, pipeline)), names_(source.names) {
+    : file_(options.report.file),
+      report_(describe_run(options, pipeline, source.names.size())),
+      names_(source.names) {
   for (const std::size_t index : options.report.frames) {
     if (index >= names_.size())
       kit::refuse("--report-frames ", index, ": expected numbers from 0 to ", names_.size() - 1);
@@ -73,19 +77,23 @@ RunReport::RunReport(const RunOptions& options, const kit::Pipeline& pipeline,
   for (const kit::FrameName& name : names_) others_.push_back(result_of(name.stem, results, folder));
 }
 
-void RunReport::add(const kit::Passage& passage) {
-  stages_.push_back({passage.number, kit::frame_of(passage.frame), passage.milliseconds});
+void RunReport::add(const kit::Passage& passage, const kit::AccuracySummary& accuracy) {
+  stages_.push_back({passage.number, passage.frame, passage.milliseconds, accuracy});
 }
 
 void RunReport::end_frame(std::size_t index, const kit::SourceFrame& input) {
-  const kit::Frame& result = stages_.back().frame;
+  const kit::FrameView& result = stages_.back().frame;
   std::optional<kit::Image> other;
   if (!others_.empty()) other = kit::read_image(others_[index], {result.width, result.height});
-  report_.add_frame(index, names_[index].label, std::exchange(stages_, {}),
-                    input.truth ? &*input.truth : nullptr, other ? &*other : nullptr);
+  report_.add_frame(index, names_[index].label, stages_, input.truth ? &*input.truth : nullptr,
+                    other ? &*other : nullptr);
+  stages_.clear();
 }
 
-void RunReport::write() const {
+void RunReport::write(const kit::ChainResults& results) {
+  std::vector<kit::AccuracySummary> accuracy;
+  for (const kit::Accuracy& stage : results.accuracy) accuracy.push_back(stage.summary());
+  report_.set_accuracy(std::move(accuracy));
   const std::string page = report_.html();
   if (file_.has_parent_path()) kit::make_folder(file_.parent_path());
   kit::write_whole(file_, {reinterpret_cast<const unsigned char*>(page.data()), page.size()},

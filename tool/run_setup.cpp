@@ -6,18 +6,31 @@
 #include <ostream>
 
 #include "commands.h"
+#include "interruption.h"
 #include "kit/common/error.h"
 #include "kit/filter/filter_behaviour.h"
 #include "kit/frame/camera_file.h"
 #include "kit/image/image_files.h"
 #include "kit/texts/presets.h"
-#include "streamed_run.h"
 
 namespace zvfilter {
 
 namespace {
 
 using Paths = std::vector<std::filesystem::path>;
+
+/// What the command line says of files and streams that don't say it themselves.
+kit::ReadOptions read_options(const RunOptions& options) {
+  const kit::FrameAttributes& attributes = options.attributes;
+  kit::ReadOptions read;
+  read.size = options.size.value_or(kit::Size{});
+  read.raw_order = options.output.raw_order;
+  const float of_camera = attributes.camera ? attributes.camera->traits.value_scale : 1.0f;
+  constexpr double millimetres_a_metre = 1000;
+  if (options.metres)
+    read.units_a_metre = millimetres_a_metre / double{attributes.value_scale.value_or(of_camera)};
+  return read;
+}
 
 void check_size(const std::optional<kit::Size>& size, const Paths& files, const Paths& truth) {
   const auto is_raw = [](const std::filesystem::path& file) { return kit::codec_of(file)->needs_size; };
@@ -39,7 +52,7 @@ void check_formats(const RunOptions& options, const Paths& files) {
   };
   if (options.metres && any(std::not_fn(is("npy"))))
     kit::refuse("--metres is for .npy files in floating point, and not all are .npy files");
-  if (options.raw_order && !any(is("raw")) &&
+  if (options.endian_said && !any(is("raw")) &&
       !(options.output.format && (*options.output.format)->needs_size))
     kit::refuse("--endian is for raw images, and there is none");
   if (options.stream_format != nullptr)
@@ -78,6 +91,25 @@ kit::FrameSource open_camera(const RunOptions& options) {
   if (options.truth) kit::refuse("--truth is for files; ", input, " brings its own");
   if (options.size) kit::refuse("--size is for raw files; ", input, " takes its own: camera:size=WxH");
   return kit::camera_source(*options.camera_input, options.attributes);
+}
+
+kit::FrameSource open_standard_input(RunOptions& options) {
+  if (options.truth) kit::refuse("--truth is for files; standard input has none");
+  if (options.output.preview) kit::refuse("--preview is for files; standard input has none");
+  if (!options.report.file.empty()) kit::refuse("--report is for files; standard input has none");
+  if (options.existing == Existing::resume)
+    kit::refuse("--resume: standard input cannot be read again from its start");
+  const kit::Codec* const codec =
+      options.stream_format != nullptr ? options.stream_format : options.output.format.value_or(nullptr);
+  if (codec == nullptr || codec->header == nullptr)
+    kit::refuse(
+        "standard input has no name to tell its format; choose with --input-format raw, pgm or npy");
+  kit::ReadOptions read = read_options(options);
+  if (read.size == kit::Size{}) read.size = options.expected_size.value_or(kit::Size{});
+  if (codec->needs_size && read.size == kit::Size{})
+    kit::refuse("raw frames do not say their size; give it with --size WxH");
+  if (!options.output.format) options.output.format = codec;
+  return kit::standard_input_source(*codec, read, options.attributes, Interruption::asked);
 }
 
 /// The folder's own name, however it is written.
@@ -153,6 +185,11 @@ kit::Chain open_chain(RunOptions& options) {
 std::vector<Sequence> open_sequences(RunOptions& options, std::ostream& notes) {
   if (options.output.folder.empty()) kit::refuse("the folder for the results has no name");
   std::vector<Sequence> sequences;
+  if (std::count(options.inputs.begin(), options.inputs.end(), kStandard) > 0) {
+    if (options.inputs.size() > 1) kit::refuse("- is standard input and has to be the only input");
+    sequences.push_back({"", options.inputs, open_standard_input(options), options.output.folder, {}});
+    return sequences;
+  }
   if (!options.camera_input && are_folders(options.inputs)) {
     sequences = open_folders(options, notes);
   } else {
@@ -168,6 +205,7 @@ std::vector<Sequence> open_sequences(RunOptions& options, std::ostream& notes) {
 }
 
 void plan_sequences(std::vector<Sequence>& sequences, const RunOptions& options) {
+  if (is_standard(options.output.folder)) return;
   InputFiles inputs;
   for (const Sequence& sequence : sequences) inputs.add(sequence.source);
   for (Sequence& sequence : sequences) {

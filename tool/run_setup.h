@@ -18,8 +18,12 @@ struct Sequence {
   std::vector<std::string> inputs;  ///< as they were named
   kit::FrameSource source;
   std::filesystem::path folder;
-  std::vector<OutputFiles> outputs;  ///< of each frame
+  std::vector<OutputFiles> outputs;  ///< of each frame; none where there are no names for them
 };
+
+/// The name of standard input and output.
+inline constexpr const char* kStandard = "-";
+inline bool is_standard(const std::filesystem::path& name) { return name == kStandard; }
 
 /// The chain of the command line, and what its file says of the input where the command line doesn't.
 kit::Chain open_chain(RunOptions& options);
@@ -29,7 +33,7 @@ kit::Chain open_chain(RunOptions& options);
 /// A camera.json beside them is said; that of files becomes the options'.
 std::vector<Sequence> open_sequences(RunOptions& options, std::ostream& notes);
 
-/// Names the results of every frame.
+/// Names the results of every frame that are files.
 /// @throws kit::Error as plan_outputs()
 void plan_sequences(std::vector<Sequence>& sequences, const RunOptions& options);
 

@@ -145,6 +145,8 @@ ZVF_API zvf_chain* zvf_chain_create(zvf_error* error);
 ZVF_API zvf_chain* zvf_chain_parse(const char* text, zvf_error* error);
 /** A chain from a file with such a text. */
 ZVF_API zvf_chain* zvf_chain_load(const char* file, zvf_error* error);
+/** A chain as people give it: the name of a file, which has a dot or a slash before any of `:;={`, or the text itself. */
+ZVF_API zvf_chain* zvf_chain_read(const char* source, zvf_error* error);
 /** A chain with the same steps, values and input that has seen no frame. */
 ZVF_API zvf_chain* zvf_chain_copy(const zvf_chain* chain, zvf_error* error);
 /** Null: nothing. Frames taken from it stay. */
@@ -238,6 +240,12 @@ typedef struct zvf_parameter {
 ZVF_API size_t zvf_filter_count(void);
 /** Null past the last. */
 ZVF_API const char* zvf_filter_name(size_t filter);
+/** What the filter does, in a line. Null past the last. */
+ZVF_API const char* zvf_filter_summary(size_t filter);
+/** Whether the frames it has seen have a part in what it makes of the next one. */
+ZVF_API bool zvf_filter_has_history(size_t filter);
+/** Whether its values decide the size of what it makes. */
+ZVF_API bool zvf_filter_changes_size(size_t filter);
 /** 0 past the last filter. */
 ZVF_API size_t zvf_parameter_count(size_t filter);
 /** @return false, and the record as it was, past the last */

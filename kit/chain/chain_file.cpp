@@ -142,6 +142,15 @@ ChainFile read_chain_file(const std::filesystem::path& file) {
   return parse_chain({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file.string());
 }
 
+bool is_chain_file(const std::string& source) {
+  // A filter's name has no dot and no slash.
+  return source.find_first_of("./") < source.find_first_of(":;=\n{");
+}
+
+ChainFile read_chain(const std::string& source) {
+  return is_chain_file(source) ? read_chain_file(source) : parse_chain(source, "the chain");
+}
+
 std::string chain_json(const ChainFile& chain) {
   Json json = {{"version", kVersion}};
   if (!chain.description.empty()) json["description"] = chain.description;

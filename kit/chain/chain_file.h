@@ -26,6 +26,10 @@ struct ChainFile {
 /// @throws Error naming the step or field that is wrong and what it may be
 ChainFile parse_chain(std::string_view text, const std::string& label);
 ChainFile read_chain_file(const std::filesystem::path& file);
+/// Whether people name a file with a chain here, which has a dot or a slash, not its text.
+bool is_chain_file(const std::string& source);
+/// A chain as people give it: the name of a file with one or its text.
+ChainFile read_chain(const std::string& source);
 
 std::string chain_json(const ChainFile& chain);
 

@@ -1,6 +1,7 @@
 #include "kit/common/byte_stream.h"
 
 #include <cerrno>
+#include <poll.h>
 #include <unistd.h>
 
 #include "kit/common/error.h"
@@ -24,6 +25,12 @@ bool DescriptorStream::at_end() {
     end_ = fill(buffer_);
   }
   return begin_ == end_;
+}
+
+bool DescriptorStream::ready(int milliseconds) {
+  if (begin_ < end_) return true;
+  pollfd waiting{descriptor_, POLLIN, 0};
+  return ::poll(&waiting, 1, milliseconds) > 0;
 }
 
 std::size_t DescriptorStream::read(std::span<unsigned char> to) {

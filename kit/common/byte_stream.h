@@ -69,6 +69,8 @@ class DescriptorStream final : public ByteStream {
   DescriptorStream(int descriptor, std::string label);
   std::size_t read(std::span<unsigned char> to) override;
   bool at_end() override;
+  /// Waits so long. @return whether there is something to read, be it the end
+  bool ready(int milliseconds);
 
  private:
   std::size_t fill(std::span<unsigned char> to);

@@ -24,13 +24,6 @@ ColorImage color_image(const FrameView& frame, const DepthRange& range, ColorMap
 /// The change that 98 of 100 changed pixels don't exceed, in millimetres, of frames of one size; 0 if nothing changed.
 double change_limit(const FrameView& before, const FrameView& after);
 
-/// What a pixel that is valid in one of two frames, or in none, looks like in their difference.
-struct HoleColors {
-  Rgb filled = {60, 160, 75};
-  Rgb removed = {150, 80, 170};
-  Rgb hole = {70, 70, 70};
-};
-
 /// after - before in signed_color(), from -limit to limit millimetres, of frames of one size.
 ColorImage difference_image(const FrameView& before, const FrameView& after, double limit);
 

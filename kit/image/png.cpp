@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "kit/common/error.h"
+#include "kit/image/png_restore.h"
 #include "kit/image/png_rows.h"
 
 namespace kit {
@@ -187,7 +188,10 @@ bool read_chunks(ByteView file, PlainFile& plain) {
       if (plain.compressed.empty()) {
         plain.compressed = contents;
       } else {
-        if (plain.joined.empty()) plain.joined.assign(plain.compressed.begin(), plain.compressed.end());
+        if (plain.joined.empty()) {
+          plain.joined.reserve(file.size());
+          plain.joined.assign(plain.compressed.begin(), plain.compressed.end());
+        }
         plain.joined.insert(plain.joined.end(), contents.begin(), contents.end());
       }
     } else if (is_type(chunk, "IEND")) {
@@ -219,16 +223,7 @@ std::optional<Image> decode_plain(ByteView file) {
     return std::nullopt;
   }
   Image image = make_image(width, height);
-  const Bytes first_above(row_bytes);
-  const unsigned char* above = first_above.data();
-  for (std::size_t y = 0; y < height; ++y) {
-    unsigned char* const row = rows.data() + y * (1 + row_bytes);
-    if (!restore_row(row[0], {row + 1, row_bytes}, above)) return std::nullopt;
-    above = row + 1;
-    std::uint16_t* const pixels = image.pixels.data() + y * width;
-    std::memcpy(pixels, above, row_bytes);
-    std::transform(pixels, pixels + width, pixels, big_endian);
-  }
+  if (!restore_rows(rows, image)) return std::nullopt;
   return image;
 }
 

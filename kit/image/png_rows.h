@@ -6,7 +6,7 @@
 
 namespace kit {
 
-/// How a row of a PNG file stands in for its bytes: as differences from a guess.
+/// How a row of a PNG file stands in for its bytes: as differences from a guess. By the number in the file.
 enum class RowFilter : unsigned char { none, sub, up, average, paeth };
 
 using RowBytes = std::span<const unsigned char>;
@@ -19,12 +19,6 @@ void filter_row(RowFilter filter, RowBytes row, RowBytes above, std::size_t pixe
 
 /// How much the differences vary: less compresses better.
 std::size_t variation(RowBytes differences);
-
-/// Turns the differences of a row with two bytes a pixel back into its bytes.
-/// @param filter as it stands in the file
-/// @param above of the same length
-/// @return false: there is no such filter
-bool restore_row(unsigned char filter, std::span<unsigned char> row, const unsigned char* above);
 
 }  // namespace kit
 

@@ -50,17 +50,19 @@ std::optional<double> Distribution::quantile(double part) const {
   return static_cast<double>(sorted.back().first) / 1000;
 }
 
-void Accuracy::add(const FrameView& frame, const Image& truth) {
+AccuracySummary Accuracy::add(const FrameView& frame, const Image& truth) {
   if (frame.pixel_type == ZV_PIXEL_TYPE_DISPARITY || frame.width != truth.width ||
       frame.height != truth.height) {
     comparable_ = false;
   }
-  if (!comparable_) return;
+  if (!comparable_) return {};
   std::vector<double> depth = depth_of(frame);
-  add_errors(depth, truth);
+  const Accuracy frame_alone = errors_of(depth, truth);
+  add(frame_alone);
   if (truth.width == last_truth_.width && truth.height == last_truth_.height) add_changes(depth, truth);
   last_depth_ = std::move(depth);
   last_truth_ = truth;
+  return frame_alone.summary();
 }
 
 void Accuracy::add(const Accuracy& other) {
@@ -72,16 +74,18 @@ void Accuracy::add(const Accuracy& other) {
   changes_.add(other.changes_);
 }
 
-void Accuracy::add_errors(const std::vector<double>& depth, const Image& truth) {
-  pixels_ += depth.size();
+Accuracy Accuracy::errors_of(const std::vector<double>& depth, const Image& truth) {
+  Accuracy found;
+  found.pixels_ = depth.size();
   for (std::size_t i = 0; i < depth.size(); ++i) {
     if (depth[i] == 0) continue;
-    ++valid_;
+    ++found.valid_;
     if (truth.pixels[i] == 0) continue;
     const double error = std::abs(depth[i] - truth.pixels[i]);
-    errors_.add(error);
-    off_ += 20 * error > truth.pixels[i];
+    found.errors_.add(error);
+    found.off_ += 20 * error > truth.pixels[i];
   }
+  return found;
 }
 
 void Accuracy::add_changes(const std::vector<double>& depth, const Image& truth) {

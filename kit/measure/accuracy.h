@@ -39,14 +39,15 @@ struct AccuracySummary {
 class Accuracy {
  public:
   /// @param truth depth in millimetres, 0 where it is not known
-  void add(const FrameView& frame, const Image& truth);
+  /// @return of this frame alone, without its flicker; nothing is known of it once nothing is of the stage
+  AccuracySummary add(const FrameView& frame, const Image& truth);
   /// The same stage of another sequence.
   void add(const Accuracy& other);
 
   AccuracySummary summary() const;
 
  private:
-  void add_errors(const std::vector<double>& depth, const Image& truth);
+  static Accuracy errors_of(const std::vector<double>& depth, const Image& truth);
   void add_changes(const std::vector<double>& depth, const Image& truth);
 
   bool comparable_ = true;

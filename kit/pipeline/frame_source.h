@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "kit/frame/frame_attributes.h"
-#include "kit/image/samples.h"
+#include "kit/image/codec.h"
 #include "kit/pipeline/camera_options.h"
 
 namespace kit {
@@ -28,10 +28,15 @@ struct SourceFrame {
   std::optional<Image> truth;  ///< depth in millimetres, 0 where it is not known; of the frame's size
 };
 
-/// A sequence of frames, which may be loaded in any order and by any thread.
+/// A sequence of frames, which may be loaded in any order and by any thread, or a stream of them.
 struct FrameSource {
-  std::vector<FrameName> names;
+  std::vector<FrameName> names;                        ///< none: it is a stream
   std::function<SourceFrame(std::size_t index)> load;  ///< @throws Error
+  /// Of a stream: its next frame, for one thread at a time; nothing at its end.
+  std::function<std::optional<SourceFrame>()> next = {};  ///< @throws Error; further frames may follow
+
+  /// What messages call a frame.
+  std::string label(std::size_t index) const;
 };
 
 /// A frame for each image in the files, and its truth from the image at its place in a file of the same stem.
@@ -41,6 +46,12 @@ struct FrameSource {
 FrameSource file_source(const std::vector<std::filesystem::path>& files,
                         const std::vector<std::filesystem::path>& truth, const ReadOptions& options,
                         const FrameAttributes& attributes);
+
+/// The frames of standard input until it ends, all of one size.
+/// @param options with the size of images that don't say it
+/// @param stop asked while nothing comes; true ends the stream
+FrameSource standard_input_source(const Codec& codec, const ReadOptions& options,
+                                  const FrameAttributes& attributes, std::function<bool()> stop);
 
 /// The frames of the virtual camera, with their truth.
 /// @param attributes take the place of the camera's own where they say anything

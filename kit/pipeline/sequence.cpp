@@ -53,14 +53,17 @@ class SequenceRun {
 
   /// In order. @return null: there is no further frame
   std::shared_ptr<Transit> start() {
-    if (next_ == source_.names.size() || ended_ || (options_.stop && options_.stop())) return nullptr;
+    if (ended_ || (options_.stop && options_.stop())) return nullptr;
+    if (!source_.next && next_ == source_.names.size()) return nullptr;
     auto transit = std::make_shared<Transit>();
     transit->index = next_++;
-    return transit;
+    if (!source_.next) return transit;
+    attempt(*transit, [&] { transit->input = source_.next(); });
+    return transit->problem || transit->input ? transit : nullptr;
   }
 
   void load(Transit& transit) {
-    attempt(transit, [&] { transit.input = source_.load(transit.index); });
+    if (!transit.input) attempt(transit, [&] { transit.input = source_.load(transit.index); });
   }
 
   /// In order.
@@ -118,7 +121,7 @@ class SequenceRun {
       transit.result = pipeline_.run({frame.pixels.data(), frame.width * sizeof(std::uint16_t)}, nullptr,
                                      options_.handover);
     } catch (const Error& problem) {
-      throw Error(problem.kind(), concat(source_.names[transit.index].label, ": ", problem.what()),
+      throw Error(problem.kind(), concat(source_.label(transit.index), ": ", problem.what()),
                   problem.place());
     }
     for (std::size_t step = 0; step < pipeline_.chain().size(); ++step) {
@@ -190,15 +193,17 @@ void run_sequence(const FrameSource& source, Pipeline& pipeline, const SequenceO
     if (!transit) control.stop();
     return transit;
   };
-  tbb::parallel_pipeline(options.frames_in_flight,
-                         tbb::make_filter<void, TransitPointer>(filter_mode::serial_in_order, start) &
-                             station(filter_mode::parallel, &SequenceRun::load) &
-                             station(filter_mode::serial_in_order, &SequenceRun::filter) &
-                             station(filter_mode::serial_in_order, &SequenceRun::measure) &
-                             station(filter_mode::parallel, &SequenceRun::deliver) &
-                             tbb::make_filter<TransitPointer, void>(
-                                 filter_mode::serial_in_order,
-                                 [&](const TransitPointer& transit) { run.finish(*transit); }));
+  tbb::parallel_pipeline(
+      options.frames_in_flight,
+      tbb::make_filter<void, TransitPointer>(filter_mode::serial_in_order, start) &
+          station(filter_mode::parallel, &SequenceRun::load) &
+          station(filter_mode::serial_in_order, &SequenceRun::filter) &
+          station(filter_mode::serial_in_order, &SequenceRun::measure) &
+          station(options.results_in_order ? filter_mode::serial_in_order : filter_mode::parallel,
+                  &SequenceRun::deliver) &
+          tbb::make_filter<TransitPointer, void>(
+              filter_mode::serial_in_order,
+              [&](const TransitPointer& transit) { run.finish(*transit); }));
   run.report();
 }
 
@@ -206,12 +211,12 @@ ChainResults::ChainResults(const Chain& chain) : filters(chain.size()) {
   for (std::size_t i = 0; i < chain.size(); ++i) filters[i].name = chain[i].filter;
 }
 
-void ChainResults::add(const Passage& passage, const std::optional<Image>& truth) {
+AccuracySummary ChainResults::add(const Passage& passage, const std::optional<Image>& truth) {
   if (passage.number > 0)
     filters[passage.number - 1].add(passage.before, passage.frame, passage.milliseconds);
-  if (!truth) return;
+  if (!truth) return {};
   accuracy.resize(filters.size() + 1);
-  accuracy[passage.number].add(passage.frame, *truth);
+  return accuracy[passage.number].add(passage.frame, *truth);
 }
 
 void ChainResults::add(const ChainResults& other) {

@@ -26,7 +26,7 @@ struct SequenceVisitor {
   std::function<void(const SourceFrame& input, const Passage& passage)> on_passage;
   /// In the order of the frames, when it has passed all steps.
   std::function<void(std::size_t index, const SourceFrame& input, const FrameView& result)> on_filtered;
-  /// In any order and by several threads at once.
+  /// In any order and by several threads at once, unless results are taken in order.
   std::function<void(std::size_t index, const SourceFrame& input, const FrameView& result)> on_result;
   /// In the order of the frames, when the result has been taken.
   std::function<void(std::size_t index)> on_done;
@@ -38,6 +38,7 @@ struct SequenceOptions {
   Handover handover = Handover::frame;
   std::size_t frames_in_flight = 1;  ///< between being loaded and done; 1: no other threads
   std::function<bool()> stop;        ///< asked before each frame; those under way are finished
+  bool results_in_order = false;     ///< one at a time
 };
 
 /// Sends the frames of the source through the pipeline, in their order; they are loaded and their results taken side by
@@ -49,7 +50,8 @@ void run_sequence(const FrameSource& source, Pipeline& pipeline, const SequenceO
 /// What a chain did to the frames of a sequence.
 struct ChainResults {
   explicit ChainResults(const Chain& chain);
-  void add(const Passage& passage, const std::optional<Image>& truth);
+  /// @return how near the frame is to the truth, as Accuracy::add() says it
+  AccuracySummary add(const Passage& passage, const std::optional<Image>& truth);
   /// What the same chain did to another sequence.
   void add(const ChainResults& other);
 

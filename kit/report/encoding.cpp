@@ -1,6 +1,8 @@
 #include "kit/report/encoding.h"
 
-#include <zlib.h>
+#include <libdeflate.h>
+#include <memory>
+#include <new>
 
 #include "kit/common/error.h"
 
@@ -20,16 +22,18 @@ void append_chunk(Octets& file, const char* type, const Octets& data) {
   const std::size_t start = file.size();
   file.insert(file.end(), type, type + 4);
   file.insert(file.end(), data.begin(), data.end());
-  const auto size = static_cast<uInt>(file.size() - start);
-  append_number(file, static_cast<std::uint32_t>(::crc32(0, file.data() + start, size)));
+  append_number(file, libdeflate_crc32(0, file.data() + start, file.size() - start));
 }
 
 Octets compressed(const Octets& bytes) {
-  uLongf size = ::compressBound(static_cast<uLong>(bytes.size()));
-  Octets result(size);
-  if (::compress2(result.data(), &size, bytes.data(), static_cast<uLong>(bytes.size()), 6) != Z_OK)
-    fail("the report cannot be compressed");
-  result.resize(size);
+  constexpr int kLevel = 6;
+  const auto free = [](libdeflate_compressor* with) { libdeflate_free_compressor(with); };
+  const std::unique_ptr<libdeflate_compressor, decltype(free)> with(libdeflate_alloc_compressor(kLevel));
+  if (!with) throw std::bad_alloc();
+  Octets result(libdeflate_zlib_compress_bound(with.get(), bytes.size()));
+  result.resize(
+      libdeflate_zlib_compress(with.get(), bytes.data(), bytes.size(), result.data(), result.size()));
+  if (result.empty()) fail("the report cannot be compressed");
   return result;
 }
 

@@ -12,11 +12,13 @@ namespace kit {
 
 namespace {
 
-std::string gradient(const ColorMap& map) {
+/// @param color_at a place from 0 to 1
+template <typename ColorAt>
+std::string gradient(const ColorAt& color_at) {
   constexpr int kStops = 32;
   std::string stops;
   for (int i = 0; i <= kStops; ++i)
-    stops += concat(',', css_color(map.at(static_cast<double>(i) / kStops)));
+    stops += concat(',', css_color(color_at(static_cast<double>(i) / kStops)));
   return "linear-gradient(90deg" + stops + ")";
 }
 
@@ -168,20 +170,25 @@ std::string Figures::take_data() {
 
 std::string figure_styles() {
   std::string out = ":root{";
-  for (const ColorMap& map : color_maps())
-    out += concat("--", map.name, ':', gradient(map), ";--", map.name,
-                  "-invalid:", css_color(map.invalid), ';');
-  const std::string_view first = color_maps().front().name;
-  return out + concat("--map:var(--", first, ");--invalid:var(--", first,
-                      "-invalid);--difference:", gradient(difference_map()), "}\n");
+  for (std::size_t i = 0; i < kColorMapNames.size(); ++i) {
+    const auto map = static_cast<ColorMap>(i);
+    out +=
+        concat("--", kColorMapNames[i], ':', gradient([&](double part) { return color_of(map, part); }),
+               ";--", kColorMapNames[i], "-invalid:", css_color(hole_color(map)), ';');
+  }
+  const std::string_view shown = kColorMapNames[static_cast<std::size_t>(kPictureMap)];
+  const std::string difference = gradient([](double part) { return signed_color(2 * part - 1); });
+  return out + concat("--map:var(--", shown, ");--invalid:var(--", shown,
+                      "-invalid);--difference:", difference, "}\n");
 }
 
 std::string figure_settings() {
   std::string out;
-  for (const ColorMap& map : color_maps()) {
-    std::string colors = css_color(map.invalid).substr(1);
-    for (int i = 0; i < 255; ++i) colors += css_color(map.at(i / 254.0)).substr(1);
-    out += concat(out.empty() ? "{" : ",", '"', map.name, "\":\"", colors, '"');
+  for (std::size_t map = 0; map < kColorMapNames.size(); ++map) {
+    std::string colors = css_color(hole_color(static_cast<ColorMap>(map))).substr(1);
+    for (int i = 0; i < 255; ++i)
+      colors += css_color(color_of(static_cast<ColorMap>(map), i / 254.0)).substr(1);
+    out += concat(out.empty() ? "{" : ",", '"', kColorMapNames[map], "\":\"", colors, '"');
   }
   return out + "}";
 }

@@ -14,7 +14,7 @@ constexpr std::size_t kPixelValues = 65536;
 
 }  // namespace
 
-Unit::Unit(const Frame& frame)
+Unit::Unit(const FrameView& frame)
     : is_depth_(frame.pixel_type != ZV_PIXEL_TYPE_DISPARITY),
       falls_(!is_depth_ && frame.disparity.packMode != 1) {}
 

@@ -12,7 +12,7 @@ namespace kit {
 /// What a frame's pixels are measured in.
 class Unit {
  public:
-  explicit Unit(const Frame& frame);
+  explicit Unit(const FrameView& frame);
   bool operator==(const Unit&) const = default;
 
   bool is_depth() const { return is_depth_; }

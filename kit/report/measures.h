@@ -9,11 +9,15 @@
 namespace kit {
 
 /// A frame at one place of a chain.
-struct ReportStage {
-  std::size_t number = 0;  ///< 0: as it came; n: as the chain's n-th step made it
-  Frame frame = {};
-  double milliseconds = 0;  ///< that the step took
+template <typename AnyFrame>
+struct Staged {
+  std::size_t number;  ///< 0: as it came; n: as the chain's n-th step made it
+  AnyFrame frame;
+  double milliseconds = 0;        ///< that the step took
+  AccuracySummary accuracy = {};  ///< of this frame alone
 };
+using ReportStage = Staged<Frame>;
+using StageView = Staged<FrameView>;
 
 /// What is measured of a stage of one frame. What cannot be measured is nothing.
 struct StageMeasures {
@@ -26,11 +30,10 @@ struct StageMeasures {
 };
 
 /// @param before the stage before; null for the first
-/// @param truth depth in millimetres; may be null
-StageMeasures measure(const ReportStage& stage, const Frame* before, const Image* truth);
+StageMeasures measure(const StageView& stage, const FrameView* before);
 
 /// Share of the pixels that differ; nothing between sizes or units.
-std::optional<double> changed_share(const Frame& before, const Frame& after);
+std::optional<double> changed_share(const FrameView& before, const FrameView& after);
 
 }  // namespace kit
 

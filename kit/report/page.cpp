@@ -1,13 +1,11 @@
 #include "kit/report/page.h"
 
-#include <algorithm>
 #include <memory>
 
 #include "kit/common/text.h"
-#include "kit/report/encoding.h"
 #include "kit/report/figures.h"
 #include "kit/report/html_text.h"
-#include "kit/report/plots.h"
+#include "kit/report/sections.h"
 #include "kit/report/sequence.h"
 #include "report_files.h"
 
@@ -66,8 +64,9 @@ class Page {
 
   std::string text(const Details& details) {
     const std::size_t others = report_.shown().size() - 1;
-    std::string body = header() + key_figures() + hero(details) + steps(details) + sequence() +
-                       other_frames(details) + chain() + left_out(details, others, settings_.most_bytes);
+    std::string body = header_of(settings_) + key_figures(report_, totals_) + hero(details) +
+                       steps(details) + sequence() + other_frames(details) + chain_again(settings_) +
+                       left_out(details, others, settings_.most_bytes);
     const auto fill = [](std::string text, const std::string& name, const std::string& value) {
       const std::string mark = "{{" + name + "}}";
       return text.replace(text.find(mark), mark.size(), value);
@@ -115,55 +114,6 @@ class Page {
     return sides;
   }
 
-  std::string header() const {
-    std::string list;
-    for (std::size_t i = 0; i < settings_.steps.size(); ++i) {
-      const ReportStep& step = settings_.steps[i];
-      list += concat("<li", step.enabled ? "" : " class=\"off\"", "><a href=\"#step-", i + 1, "\">",
-                     escaped(step.filter), "</a></li>");
-    }
-    return concat("<header><p class=\"kind\">Depth through a chain of filters</p><h1>",
-                  escaped(settings_.input), "</h1><nav aria-label=\"The chain\"><ol>", list,
-                  "</ol></nav></header>\n");
-  }
-
-  std::string key_figures() const {
-    const Ends ends = ends_of(report_.last().stages);
-    const StageTotals &before = totals_[ends.before], &after = totals_[ends.after];
-    double time = 0;
-    const StageTotals* measured = nullptr;  // the last stage that can be compared with the truth
-    for (const StageTotals& stage : totals_) {
-      time += stage.milliseconds;
-      if (stage.accuracy.median) measured = &stage;
-    }
-    const auto entry = [](const char* name, const std::string& value, const std::string& note) {
-      return concat("<div><dt>", name, "</dt><dd>", value, "<small>", note, "</small></dd></div>");
-    };
-    const Frame &first = report_.last().stages.front().frame, &last = report_.last().stages.back().frame;
-    const std::size_t count = report_.measures().size();
-    std::string out = entry("Frames", concat(count),
-                            concat("of ", first.width, "\u202f×\u202f", first.height,
-                                   first.width != last.width || first.height != last.height
-                                       ? concat(", made ", last.width, "\u202f×\u202f", last.height)
-                                       : ""));
-    out += entry("Coverage", per_cent_text(before.coverage) + " → " + per_cent_text(after.coverage),
-                 "valid pixels, mean");
-    if (measured != nullptr && before.accuracy.median) {
-      out += entry("Median error",
-                   length_text(before.accuracy.median) + " → " + length_text(measured->accuracy.median),
-                   measured == &after ? "against the true depth" : "up to " + measured->name);
-      out += entry("Off by more than 5\u202f%",
-                   per_cent_text(before.accuracy.off) + " → " + per_cent_text(measured->accuracy.off),
-                   "of the pixels whose depth is known");
-    }
-    if (measured != nullptr && before.accuracy.flicker)
-      out += entry("Flicker",
-                   length_text(before.accuracy.flicker) + " → " + length_text(measured->accuracy.flicker),
-                   "median change where nothing moved");
-    out += entry("Time", fixed_text(time, 2) + "\u202fms", "a frame, all steps");
-    return "<dl class=\"figures\">" + out + "</dl>\n";
-  }
-
   /// The whole chain on one frame: the pair, and what stands beside it.
   std::string ends(const ReportFrame& frame, PixelData data, const std::string& further) {
     const Sides& sides = sides_.at(frame.index);
@@ -185,78 +135,8 @@ class Page {
     return concat("<section class=\"hero\" style=\"--wide:",
                   fixed_text(static_cast<double>(first.width) / first.height, 3),
                   "\"><h2>Before and after <small>frame ", frame.index, ", the last</small></h2>\n",
-                  ends(frame, details.data, histogram(frame)), compared(frame), "</section>\n");
-  }
-
-  std::string compared(const ReportFrame& frame) const {
-    if (!frame.other_measures) return "";
-    const StageMeasures &mine = frame.measures.back(), &other = *frame.other_measures;
-    const auto row = [](const char* name, const std::string& a, const std::string& b) {
-      return concat("<tr><th scope=\"row\">", name, "</th><td>", a, "</td><td>", b, "</td></tr>");
-    };
-    return concat(
-        "<h3>Beside the results in ", escaped(settings_.against),
-        "</h3><div class=\"wide\"><table><thead><tr><th></th>"
-        "<th scope=\"col\">this run</th><th scope=\"col\">the other</th></tr></thead><tbody>",
-        row("coverage", per_cent_text(mine.coverage), per_cent_text(other.coverage)),
-        row("median error", length_text(mine.accuracy.median), length_text(other.accuracy.median)),
-        row("95th percentile", length_text(mine.accuracy.percentile95),
-            length_text(other.accuracy.percentile95)),
-        row("off by more than 5\u202f%", per_cent_text(mine.accuracy.off),
-            per_cent_text(other.accuracy.off)),
-        "</tbody></table></div><p class=\"note\">", per_cent_text(other.changed),
-        " of the pixels differ between the two.</p>\n");
-  }
-
-  std::string histogram(const ReportFrame& frame) const {
-    constexpr std::size_t kBars = 96;
-    const Ends ends = ends_of(frame.stages);
-    const Frame &before = frame.stages[ends.before].frame, &after = frame.stages[ends.after].frame;
-    const Unit unit(after);
-    if (unit != Unit(before)) return "";
-    ValueCounts both, old_counts, new_counts;
-    both.add(before);
-    both.add(after);
-    old_counts.add(before);
-    new_counts.add(after);
-    const Interval range = both.robust_range();
-    Interval shown{unit.shown(range.low), unit.shown(range.high)};
-    const bool falls = shown.low > shown.high;
-    if (falls) std::swap(shown.low, shown.high);
-    const auto line = [&](const char* name, const ValueCounts& counts) {
-      PlotLine made{"", name, {}};
-      for (const double share : counts.shares(range, kBars)) made.values.emplace_back(100 * share);
-      if (falls) std::reverse(made.values.begin(), made.values.end());
-      return made;
-    };
-    const Plot plot{
-        "Histogram", unit.is_depth() ? "distance, mm" : unit.name(),          "pixels, %",
-        shown,       {line("before", old_counts), line("after", new_counts)}, Plot::Values::stretches};
-    return concat("<figure class=\"histogram\"><figcaption>Histogram</figcaption>", svg_of(plot),
-                  "<ul class=\"key\"><li class=\"c0\"><b>before</b></li><li "
-                  "class=\"c1\"><b>after</b></li></ul></figure>\n");
-  }
-
-  std::string parameters(const ReportStep& step) const {
-    if (step.parameters.empty()) return "<p class=\"note\">It has no parameters.</p>";
-    std::string out;
-    for (const ReportParameter& p : step.parameters)
-      out += concat("<div", p.is_default ? "" : " class=\"set\"", "><dt>", escaped(p.name), "</dt><dd>",
-                    escaped(p.value), "</dd></div>");
-    return "<dl class=\"parameters\">" + out + "</dl>";
-  }
-
-  static std::string facts(const StageMeasures& before, const StageMeasures& after) {
-    const auto both = [](const std::optional<double>& old, const std::string& old_text,
-                         const std::string& text) { return old ? old_text + " → " + text : text; };
-    std::string out =
-        concat("valid ", per_cent_text(before.coverage), " → ", per_cent_text(after.coverage));
-    if (after.changed) out += " · changed " + per_cent_text(after.changed);
-    if (after.accuracy.median) {
-      out += " · median error " + both(before.accuracy.median, length_text(before.accuracy.median),
-                                       length_text(after.accuracy.median));
-    }
-    return concat("<p class=\"facts\">", out, " · ", fixed_text(after.milliseconds, 2), "\u202fms</p>\n");
+                  ends(frame, details.data, histogram_of(frame)), comparison(frame, settings_.against),
+                  "</section>\n");
   }
 
   std::string step_figures(const ReportFrame& frame, std::size_t stage, PixelData data) {
@@ -283,8 +163,8 @@ class Page {
       if (!step.enabled) out += "<p class=\"note\">Switched off.</p>";
       for (std::size_t stage = 1; stage < frame.stages.size(); ++stage) {
         if (frame.stages[stage].number != i + 1) continue;
-        out += facts(frame.measures[stage - 1], frame.measures[stage]);
-        out += parameters(step);
+        out += facts_of(frame.measures[stage - 1], frame.measures[stage]);
+        out += parameters_of(step);
         if (details.steps) out += step_figures(frame, stage, details.step_data);
       }
       out += "</section>\n";
@@ -318,17 +198,6 @@ class Page {
       out += "</section>\n";
     }
     return out.empty() ? "" : "<section><h2>Other frames</h2>\n" + out + "</section>\n";
-  }
-
-  std::string chain() const {
-    const auto bytes = std::span(reinterpret_cast<const unsigned char*>(settings_.chain_file.data()),
-                                 settings_.chain_file.size());
-    return concat(
-        "<section><h2>The chain again</h2>\n<p>The command of this run:</p><pre id=\"command\">",
-        escaped(settings_.command),
-        "</pre>\n<p>The chain as a file: <a download=\"chain.json\" href=\"data:application/json;base64,",
-        base64(bytes), "\">chain.json</a></p><pre id=\"chain\">", escaped(settings_.chain_file),
-        "</pre></section>\n");
   }
 
   const Report& report_;

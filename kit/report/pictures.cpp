@@ -55,9 +55,8 @@ unsigned char color_index(double value, const Interval& range) {
 
 IndexedPicture depth_picture(const Frame& frame, const Interval& range) {
   const Meaning meaning(frame);
-  const ColorMap& map = color_maps().front();
-  std::vector<Rgb> palette = {map.invalid};
-  for (int i = 0; i < 255; ++i) palette.push_back(map.at(i / 254.0));
+  std::vector<Rgb> palette = {hole_color(kPictureMap)};
+  for (int i = 0; i < 255; ++i) palette.push_back(color_of(kPictureMap, i / 254.0));
   std::vector<unsigned char> index_of(meaning.values().size());
   std::transform(meaning.values().begin(), meaning.values().end(), index_of.begin(),
                  [&](double value) { return color_index(value, range); });
@@ -65,8 +64,8 @@ IndexedPicture depth_picture(const Frame& frame, const Interval& range) {
 }
 
 const std::vector<Rgb>& Difference::kind_colors() {
-  static const std::vector<Rgb> colors = {
-      {196, 196, 202}, {46, 158, 91}, {152, 62, 168}, difference_map().at(0.5)};
+  constexpr HoleColors holes;
+  static const std::vector<Rgb> colors = {holes.hole, holes.filled, holes.removed, signed_color(0)};
   return colors;
 }
 
@@ -76,7 +75,9 @@ bool same_shape(const Frame& a, const Frame& b) {
   return std::abs(wider - higher) <= 0.01 * wider;
 }
 
-bool same_size(const Frame& a, const Frame& b) { return a.width == b.width && a.height == b.height; }
+bool same_size(const FrameView& a, const FrameView& b) {
+  return a.width == b.width && a.height == b.height;
+}
 
 Difference difference_of(const Frame& before, const Frame& after) {
   const Meaning old_meaning(before), new_meaning(after);
@@ -94,7 +95,8 @@ Difference difference_of(const Frame& before, const Frame& after) {
   }
   difference.limit = limit_of(std::move(changes));
   std::vector<Rgb> palette = Difference::kind_colors();
-  for (int i = 0; i < kDifferences; ++i) palette.push_back(difference_map().at(i / (kDifferences - 1.0)));
+  for (int i = 0; i < kDifferences; ++i)
+    palette.push_back(signed_color(2 * i / (kDifferences - 1.0) - 1));
   difference.picture = sample(before, std::move(palette), [&](std::size_t i) -> unsigned char {
     const double from = old_meaning(before.pixels[i]), to = resized[i];
     if (std::isnan(from) || std::isnan(to))

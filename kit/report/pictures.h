@@ -1,7 +1,7 @@
 #ifndef KIT_REPORT_PICTURES_H
 #define KIT_REPORT_PICTURES_H
 
-#include "kit/report/color_maps.h"
+#include "kit/image/color_map.h"
 #include "kit/report/meaning.h"
 
 namespace kit {
@@ -17,6 +17,9 @@ struct IndexedPicture {
 /// No picture has more columns or rows; larger frames are shown with every n-th pixel.
 inline constexpr std::uint32_t kMostPictureSide = 1920;
 std::uint32_t picture_step(const Frame& frame);
+
+/// What pictures are made in; scripts can change it.
+inline constexpr ColorMap kPictureMap = ColorMap::turbo;
 
 /// 0 for an invalid value, else 1 to 255 from the low to the high end of the range.
 unsigned char color_index(double value, const Interval& range);
@@ -34,7 +37,7 @@ struct Difference {
 };
 /// Whether they have one shape; the larger may be some times as large.
 bool same_shape(const Frame& a, const Frame& b);
-bool same_size(const Frame& a, const Frame& b);
+bool same_size(const FrameView& a, const FrameView& b);
 /// Between sizes, each pixel of the first is set against the one at its place.
 Difference difference_of(const Frame& before, const Frame& after);
 

@@ -19,30 +19,29 @@ Ends ends_of(const std::vector<ReportStage>& stages) {
 
 bool Report::is_wanted(std::size_t index) const {
   const auto& asked = settings_.frames;
-  return index == indexes_.front() || index == last_ || index == most_changed_ ||
+  return index == indexes_.front() || index == most_changed_ || index == settings_.last.value_or(last_) ||
          std::find(asked.begin(), asked.end(), index) != asked.end();
 }
 
-void Report::add_frame(std::size_t index, std::string label, std::vector<ReportStage> stages,
+void Report::add_frame(std::size_t index, std::string label, const std::vector<StageView>& stages,
                        const Image* truth, const Image* other) {
-  ReportFrame frame{index, std::move(label), std::move(stages), {}, std::nullopt, std::nullopt};
-  const Frame* before = nullptr;
+  ReportFrame frame{index, std::move(label), {}, {}, std::nullopt, std::nullopt};
+  const FrameView* before = nullptr;
   double change = 0;
-  for (const ReportStage& stage : frame.stages) {
-    frame.measures.push_back(measure(stage, before, truth));
-    if (truth != nullptr) accuracy_[stage.number].add(stage.frame, *truth);
+  for (const StageView& stage : stages) {
+    frame.measures.push_back(measure(stage, before));
     change += frame.measures.back().changed.value_or(0);
     before = &stage.frame;
   }
   if (other != nullptr) {
-    ReportStage made = frame.stages.back();
+    StageView made = stages.back();
     made.frame.width = other->width;
     made.frame.height = other->height;
     made.frame.pixels = other->pixels;
-    frame.other_measures = measure(made, before, truth);
     if (truth != nullptr && !other_accuracy_) other_accuracy_.emplace();
-    if (truth != nullptr) other_accuracy_->add(made.frame, *truth);
-    frame.other = std::move(made);
+    if (truth != nullptr) made.accuracy = other_accuracy_->add(made.frame, *truth);
+    frame.other_measures = measure(made, before);
+    frame.other = {made.number, frame_of(made.frame), made.milliseconds, made.accuracy};
   }
   if (change > most_change_) {
     most_change_ = change;
@@ -51,7 +50,11 @@ void Report::add_frame(std::size_t index, std::string label, std::vector<ReportS
   last_ = index;
   indexes_.push_back(index);
   measures_.push_back(frame.measures);
-  shown_.insert_or_assign(index, std::move(frame));
+  if (is_wanted(index)) {
+    for (const StageView& stage : stages)
+      frame.stages.push_back({stage.number, frame_of(stage.frame), stage.milliseconds, stage.accuracy});
+    shown_.insert_or_assign(index, std::move(frame));
+  }
   std::erase_if(shown_, [this](const auto& entry) { return !is_wanted(entry.first); });
 }
 

@@ -29,6 +29,7 @@ struct ReportSettings {
   std::vector<ReportStep> steps;
   std::vector<std::size_t> frames = {};  ///< shown in any case, by number from 0
   std::string against = {};              ///< where the results of the other run are; empty: there is none
+  std::optional<std::size_t> last = {};  ///< number of the frame that is sure to be the last
   std::size_t most_bytes = 10'000'000;   ///< of the page, whose details give way
 };
 
@@ -47,12 +48,14 @@ class Report {
  public:
   explicit Report(ReportSettings settings) : settings_(std::move(settings)) {}
 
-  /// The next frame. Its pixels are kept if it is shown.
+  /// The next frame. Its pixels are copied if it may be shown.
   /// @param stages the frame as it came and after each step that is on; at least one
   /// @param truth depth in millimetres, of the first stage's size; may be null
   /// @param other pixels that another run made of it; may be null
-  void add_frame(std::size_t index, std::string label, std::vector<ReportStage> stages,
+  void add_frame(std::size_t index, std::string label, const std::vector<StageView>& stages,
                  const Image* truth = nullptr, const Image* other = nullptr);
+  /// Over all frames, by a stage's number; none without truth.
+  void set_accuracy(std::vector<AccuracySummary> accuracy) { accuracy_ = std::move(accuracy); }
 
   /// @throws Error when no frame was added
   std::string html() const;
@@ -64,8 +67,7 @@ class Report {
   std::size_t most_changed() const { return most_changed_; }
   /// Of every stage, frame after frame.
   const std::vector<std::vector<StageMeasures>>& measures() const { return measures_; }
-  /// Over all frames, by a stage's number; none without truth.
-  const std::map<std::size_t, Accuracy>& accuracy() const { return accuracy_; }
+  const std::vector<AccuracySummary>& accuracy() const { return accuracy_; }
   const std::optional<Accuracy>& other_accuracy() const { return other_accuracy_; }
   const std::vector<std::size_t>& indexes() const { return indexes_; }
 
@@ -75,7 +77,7 @@ class Report {
   ReportSettings settings_;
   std::map<std::size_t, ReportFrame> shown_;
   std::vector<std::vector<StageMeasures>> measures_;
-  std::map<std::size_t, Accuracy> accuracy_;
+  std::vector<AccuracySummary> accuracy_;
   std::optional<Accuracy> other_accuracy_;
   std::vector<std::size_t> indexes_;
   std::size_t last_ = 0;

@@ -66,8 +66,7 @@ std::vector<StageTotals> totals_of(const Report& report) {
     stage.coverage = mean(series(report, i, coverage)).value_or(0);
     stage.changed = mean(series(report, i, changed));
     stage.milliseconds = median(known(series(report, i, milliseconds)));
-    const auto accuracy = report.accuracy().find(stage.number);
-    if (accuracy != report.accuracy().end()) stage.accuracy = accuracy->second.summary();
+    if (stage.number < report.accuracy().size()) stage.accuracy = report.accuracy()[stage.number];
     totals.push_back(std::move(stage));
   }
   return totals;

@@ -16,6 +16,7 @@ struct Print {
   std::vector<const char*> configuration;  ///< none: as it is made
   std::string text;
   std::int32_t pixel_type = ZV_PIXEL_TYPE_DEPTH;
+  bool before_any_frame = false;
 };
 
 const std::string kRecord =
@@ -23,7 +24,7 @@ const std::string kRecord =
     "fx:            600\ninvalidDisp:   0\nisDualCamera:  \x01\nminDisparity:  0\n"
     "packMode:      \x02\nunit:          1\nzpd:           1234.57\nzpps:          0.25\n";
 
-/// After a frame of 640 x 400.
+/// After a frame of 640 x 400, or before it.
 const Print kPrints[] = {
     {0, {}, kRecord, ZV_PIXEL_TYPE_DISPARITY},
     {1, {}, "hole filling mode: top\n"},
@@ -36,6 +37,14 @@ const Print kPrints[] = {
      "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        30060\ndepth_flag: 0\n"
      "depth_unit: 1\nfraction_bit_size: \x08\n"
      "depth_diff_lut: \n8 33 74 133 207 299 407 \ndepth_shift: \x09\n"},
+    {2,
+     {},
+     "anchor_params: \nwidth:    848\nheight:   480\nmax_size: 80\nmin_diff: 256\n"
+     "current_filter_params: \nwidth:    640\nheight:   400\nmax_size: 50\nmin_diff: 256\n"
+     "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        0\ndepth_flag: 4\n"
+     "depth_unit: 1\nfraction_bit_size: \x06\n"
+     "depth_diff_lut: \n256 512 768 1024 1280 1536 1792 \ndepth_shift: \x09\n",
+     ZV_PIXEL_TYPE_LINEAR_DEPTH},
     {3,
      {},
      "anchor_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
@@ -55,6 +64,7 @@ const Print kPrints[] = {
      "current_filter_params: \nenable_direction: 1\nlimit_x_th:       35\n"
      "limit_y_th:       15\nmargin_x_th:      3\nmargin_y_th:      3\n"},
     {7, {}, "disp_offset: 25\ninvalid_depth: 1202\nfb: 30060\n"},
+    {7, {}, "disp_offset: 0\ninvalid_depth: 0\nfb: 0\n", ZV_PIXEL_TYPE_DEPTH, true},
     {8, {}, kRecord, ZV_PIXEL_TYPE_DISPARITY}};
 
 struct CommasAndGroups : std::numpunct<char> {
@@ -74,7 +84,8 @@ TEST(Prints, StayWhateverIsSetForStandardOutput) {
       traits.disparity.zpd = 1234.567;
       traits.disparity.zpps = 0.25;
       const devhost::Frame frame = devhost::make_frame(traits);
-      FilterDriver::output_of([&] { devhost::Frame(filter->filter_process(frame.get(), nullptr)); });
+      if (!print.before_any_frame)
+        FilterDriver::output_of([&] { devhost::Frame(filter->filter_process(frame.get(), nullptr)); });
       std::ios before(nullptr);
       before.copyfmt(std::cout);
       if (set) {

@@ -1,3 +1,5 @@
+#include "filters/spatial_advanced_filter.h"
+
 #include "filterprocessor/spatial.h"
 #include "scenes.h"
 #include "support/filter_driver.h"
@@ -79,12 +81,23 @@ TEST(SpatialAdvancedFilter, OnlyHolesChangeInFramesOfOtherPixelTypes) {
 
 TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
   FilterDriver filter(kName);
+  EXPECT_EQ(filter.update({"1", "0.5", "160", "1"}), kNoError);
   const Pixels result = filter.filtered(room());
   devhost::FrameTraits bad = room();
   bad.disparity.baseline = 0;
   EXPECT_EQ(filter.refused(bad),
             (ErrorTexts{"update depth diff lut error", "updateConfig", "updateDepthDiffLut()", 4}));
   EXPECT_EQ(filter.filtered(bad), result) << "the same kind of frame is not tried again";
+  SpatialAdvancedFilter failed_once;
+  bad.bits = 12;  // the step is rescaled before the table fails
+  const devhost::Frame frame = devhost::make_frame(bad);
+  EXPECT_NE(FilterDriver::output_of([&] {
+              EXPECT_EQ(failed_once.filter_process(frame.get(), nullptr), nullptr);
+              failed_once.print_key_params();
+            }).find("current_filter_params: \nalpha:     0.5\ndisp_diff: 160\n"),
+            std::string::npos)
+      << "the values given are stored";
+
   bad.width = 0;
   EXPECT_EQ(filter.refused(bad), invalid("frame_info.width||frame_info.height"));
 }

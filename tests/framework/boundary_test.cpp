@@ -70,7 +70,12 @@ TEST(TempFilter1, MakesAFrameLikeAnyFrame) {
   traits.type = 1;
   zv_error* error = nullptr;
   const devhost::Frame frame = devhost::make_frame(traits);
+  devhost::start_call_log();
   const devhost::Frame output(filter.filter_process(frame.get(), &error));
+  EXPECT_EQ(devhost::stop_call_log(),
+            (std::vector<std::string>{"zv_frame_get_data", "zv_frame_get_stream_profile",
+                                      "zv_create_frame_from_other_frame", "zv_frame_get_data",
+                                      "zv_frame_get_data_size", "zv_delete_stream_profile"}));
   ASSERT_TRUE(output);
   EXPECT_EQ(devhost::inspect(output.get()).type, 1);
   EXPECT_EQ(error, nullptr);

@@ -2,14 +2,17 @@
 #include <chrono>
 #include <filesystem>
 #include <limits>
+#include <png.h>
 #include <stdlib.h>
 #include <string>
 #include <tuple>
+#include <zlib.h>
 
 #include <gtest/gtest.h>
 
 #include "kit/image/image_files.h"
 #include "kit/image/image_stream.h"
+#include "kit/image/png.h"
 #include "refusal.h"
 
 namespace kit {
@@ -84,6 +87,63 @@ TEST(Png, ReadsWhatCompressesBestAndRefusesWhatNoFileOfItsSizeHolds) {
   EXPECT_EQ(decode_png(file, kNoSize), empty) << "from " << file.size() << " bytes";
   const Bytes start(file.begin(), file.begin() + 60);
   EXPECT_MENTIONS(refusal("png", start), "60 bytes cannot hold 4000x500 pixels");
+}
+
+/// A file whose rows are all noise after the filters' numbers.
+Bytes png_of_rows(std::uint32_t width, const std::vector<unsigned char>& filters, std::uint32_t seed) {
+  Bytes rows;
+  for (const unsigned char filter : filters) {
+    rows.push_back(filter);
+    for (std::uint32_t i = 0; i < 2 * width; ++i) {
+      seed = seed * 1664525u + 1013904223u;
+      rows.push_back(static_cast<unsigned char>(seed >> (seed >> 30 == 0 ? 28 : 24)));  // small ones too
+    }
+  }
+  const auto chunk = [](const char* type, const Bytes& contents) {
+    Bytes bytes(8);
+    png_save_uint_32(bytes.data(), static_cast<png_uint_32>(contents.size()));
+    std::copy_n(type, 4, &bytes[4]);
+    bytes.insert(bytes.end(), contents.begin(), contents.end());
+    const uLong sum = crc32(0, &bytes[4], static_cast<uInt>(4 + contents.size()));
+    bytes.resize(bytes.size() + 4);
+    png_save_uint_32(&bytes[bytes.size() - 4], static_cast<png_uint_32>(sum));
+    return bytes;
+  };
+  Bytes header(13), stream(compressBound(rows.size()));
+  png_save_uint_32(header.data(), width);
+  png_save_uint_32(&header[4], static_cast<png_uint_32>(filters.size()));
+  header[8] = 16;
+  uLongf size = stream.size();
+  EXPECT_EQ(compress(stream.data(), &size, rows.data(), rows.size()), Z_OK);
+  stream.resize(size);
+  Bytes file = bytes_of("\x89PNG\r\n\x1A\n");
+  for (const Bytes& part : {chunk("IHDR", header), chunk("IDAT", stream), chunk("IEND", {})})
+    file.insert(file.end(), part.begin(), part.end());
+  return file;
+}
+
+TEST(Png, RestoresRowsOfEveryFilterAndSizeAsLibpngDoes) {
+  for (std::uint32_t width = 1; width <= 40; ++width) {
+    for (const std::size_t height : {1u, 2u, 7u, 8u, 9u, 15u, 16u, 17u, 37u}) {
+      for (unsigned char kind = 0; kind <= 6;
+           ++kind) {  // one of the filters, those without Paeth, or all
+        std::vector<unsigned char> filters(height, kind);
+        for (std::size_t y = 0; y < height && kind >= 5; ++y)
+          filters[y] = static_cast<unsigned char>((y * 7 + width + y / 5) % (kind - 1u));
+        const Bytes file = png_of_rows(width, filters, width * 64 + kind);
+        ASSERT_EQ(decode_png(file, kNoSize), decode_any_png(file))
+            << width << 'x' << height << ", filters " << int{kind};
+      }
+    }
+  }
+}
+
+TEST(Png, RefusesRowsOfNoFilter) {
+  for (const std::size_t row : {0u, 20u}) {
+    std::vector<unsigned char> filters(25, 4);
+    filters[row] = 5;
+    EXPECT_MENTIONS(refusal("png", png_of_rows(3, filters, 1)), "is damaged or truncated");
+  }
 }
 
 TEST(Pgm, ReadsCommentsAndBigEndianSamples) {

@@ -52,7 +52,7 @@ TEST(Colors, AreNotRuledByOutliersNorByFlatImages) {
 TEST(Colors, AreThoseOfTheMapsAndHolesAreNoDepth) {
   const std::map<double, Rgb> viridis = {{0, {68, 1, 84}}, {0.5, {33, 145, 140}}, {1, {253, 231, 37}}};
   for (const auto& [value, color] : viridis) EXPECT_EQ(color_of(ColorMap::viridis, value), color);
-  EXPECT_EQ(color_of(ColorMap::grey, 2), (Rgb{255, 255, 255}));
+  EXPECT_EQ(color_of(ColorMap::grey, 2), (Rgb{16, 16, 16}));
   EXPECT_EQ(signed_color(-3), signed_color(-1));
   EXPECT_EQ(color_map_named("jet"), std::nullopt);
   for (const char* name : {"turbo", "viridis", "grey"}) {

@@ -68,8 +68,10 @@ zv_frame_t* process(zv_priv_filter_t* filter, const zv_frame_t* frame, zv_error*
   if (filter->index <= 2) return nullptr;
   if (filter->index == 4) return crop(frame, error);
   if (filter->index == 6) {
-    constexpr uint16_t mark = 4242;
-    if (*static_cast<const uint16_t*>(zv_frame_get_data(frame, error)) == mark) std::raise(SIGTERM);
+    constexpr uint16_t once = 4242, twice = 4243;
+    const uint16_t mark = *static_cast<const uint16_t*>(zv_frame_get_data(frame, error));
+    if (mark == once || mark == twice) std::raise(SIGTERM);
+    if (mark == twice) std::raise(SIGTERM);
     return zv_create_frame_from_other_frame(frame, true, error);
   }
   describe(filter, frame, error);

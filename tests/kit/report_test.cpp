@@ -32,21 +32,24 @@ ReportSettings one_step() {
 }
 
 TEST(Report, ShowsTheFirstTheLastTheMostChangedAndThoseAskedFor) {
-  ReportSettings settings = one_step();
-  settings.frames = {2};
-  Report report(settings);
-  const std::vector<std::uint16_t> before = {1, 1, 1, 1};
-  const std::vector<std::vector<std::uint16_t>> after = {{1, 1, 1, 1}, {1, 1, 1, 2}, {1, 1, 1, 1},
-                                                         {2, 2, 2, 1}, {1, 1, 2, 2}, {1, 1, 1, 1}};
-  for (std::size_t i = 0; i < after.size(); ++i)
-    report.add_frame(i, "frame", {{0, frame_of(2, 2, before)}, {1, frame_of(2, 2, after[i]), 0.5}});
-  std::vector<std::size_t> shown;
-  for (const auto& [index, frame] : report.shown()) shown.push_back(index);
-  EXPECT_EQ(shown, (std::vector<std::size_t>{0, 2, 3, 5}));
-  EXPECT_EQ(report.most_changed(), 3u);
-  const std::vector<StageTotals> totals = totals_of(report);
-  EXPECT_DOUBLE_EQ(totals[1].changed.value(), 6.0 / 24);
-  EXPECT_DOUBLE_EQ(totals[1].milliseconds, 0.5);
+  for (const std::optional<std::size_t> last : {std::optional<std::size_t>(), {5}}) {
+    ReportSettings settings = one_step();
+    settings.frames = {2};
+    settings.last = last;
+    Report report(settings);
+    const std::vector<std::uint16_t> before = {1, 1, 1, 1};
+    const std::vector<std::vector<std::uint16_t>> after = {{1, 1, 1, 1}, {1, 1, 1, 2}, {1, 1, 1, 1},
+                                                           {2, 2, 2, 1}, {1, 1, 2, 2}, {1, 1, 1, 1}};
+    for (std::size_t i = 0; i < after.size(); ++i)
+      report.add_frame(i, "frame", {{0, frame_of(2, 2, before)}, {1, frame_of(2, 2, after[i]), 0.5}});
+    std::vector<std::size_t> shown;
+    for (const auto& [index, frame] : report.shown()) shown.push_back(index);
+    EXPECT_EQ(shown, (std::vector<std::size_t>{0, 2, 3, 5}));
+    EXPECT_EQ(report.most_changed(), 3u);
+    const std::vector<StageTotals> totals = totals_of(report);
+    EXPECT_DOUBLE_EQ(totals[1].changed.value(), 6.0 / 24);
+    EXPECT_DOUBLE_EQ(totals[1].milliseconds, 0.5);
+  }
 }
 
 TEST(Report, GivesUpDetailsRatherThanItsSize) {

@@ -13,7 +13,7 @@ const std::string kFill = "run -f HoleFillingFilter ";
 class Inputs : public Program {
  protected:
   /// The images of these bytes of 3x3 frames, back to back.
-  static Bytes frames(std::initializer_list<Image> images) {
+  static Bytes frames(const std::vector<Image>& images) {
     Bytes all;
     for (const Image& image : images) append_samples(image, ByteOrder::little, all);
     return all;
@@ -68,6 +68,19 @@ TEST_F(Inputs, UseTheCameraFileBesideThem) {
       "give --camera or --pixel-type disparity\n");
   EXPECT_EQ(get("d/disparity_0000.png"), get("cam/disparity_0000.png"));
 
+  put("in/disparity_0000.png", get("cam/disparity_0000.png"));
+  const auto put_chain = [&](const std::string& input) {
+    const std::string file =
+        concat(R"({"version": 1, "steps": [{"filter": "DisparityTransform"}], "input": )", input, "}");
+    put("chain.json", Bytes(file.begin(), file.end()));
+  };
+  put_chain(text_of(folder_ / "cam/camera.json"));
+  EXPECT_EQ(run("run --chain chain.json in -o e").err, "");
+  put_chain(R"({"pixelType": "depth"})");
+  EXPECT_EQ(run("run --chain chain.json in -o f --camera cam/camera.json").err, "");
+  for (const char* result : {"e/disparity_0000.png", "f/disparity_0000.png"})
+    EXPECT_EQ(get(result), get("a/disparity_0000.png"));
+
   put("cam/camera.json", Bytes{'{', '}', '}'});
   EXPECT_MENTIONS(run(chain + "cam -o results").err, "\nzvfilter: cam/camera.json: is no JSON: ");
   fs::remove(folder_ / "cam/camera.json");
@@ -96,9 +109,10 @@ TEST_F(Inputs, OfSeveralImagesGiveAFileOfAsMany) {
           .status,
       0);
   EXPECT_EQ(bytes_of("big/big.raw"), (Bytes{1, 2, 3, 4}));
-  EXPECT_MENTIONS(
-      run("run -f EchoFilter --plugin '" ZVFILTER_PROBE_PLUGIN "' in --size 2x1 --endian big -o big").out,
-      "first pixel 258,");
+  EXPECT_MENTIONS(run("run -f EchoFilter --plugin '" ZVFILTER_PROBE_PLUGIN
+                      "' in --size 2x1 --endian big -o big --overwrite")
+                      .out,
+                  "first pixel 258,");
 
   put("cut.raw", Bytes(20));
   expect_refused(run(kFill + "cut.raw --size 3x3 -o results"), 1,
@@ -142,25 +156,77 @@ TEST_F(Inputs, ThatStreamAreRefusedWhereTheyAreNotWhole) {
   EXPECT_EQ(cut.status, 1);
   EXPECT_EQ(cut.out.size(), 18u) << "the whole frame";
   EXPECT_EQ(cut.err,
+            "1 of 2 frames written to standard output\n"
             "zvfilter: standard input frame 1: is truncated: 2 of 18 bytes came for 3x3 pixels\n");
-  expect_refused(run(start + "--size 3x3", "", "empty.raw"), 1, "standard input: holds no frame");
-  expect_refused(run(start + "--size 3x3", "exec > /dev/full; ", "cut.raw"), 1,
-                 "standard output: cannot be written: ");
+  const auto expect_failed = [](const Outcome& outcome, const char* part) {
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_MENTIONS(outcome.err, "zvfilter: standard ");
+    EXPECT_MENTIONS(outcome.err, part);
+  };
+  expect_failed(run(start + "--size 3x3", "", "empty.raw"), "input: holds no frame\n");
+  expect_failed(run(start + "--size 3x3 --keep-going", "", "empty.raw"), "input: holds no frame\n");
+  expect_failed(run(start + "--size 3x3", "exec > /dev/full; ", "cut.raw"),
+                "output: cannot be written: ");
   put("in/a.png", kHoles);
-  expect_refused(2, kFill,
-                 {{"- -o - --format raw", "raw frames do not say their size"},
-                  {"- -o -", "standard input has no name to tell its format"},
-                  {"- -o results --format png", "choose with --input-format"},
-                  {"in/a.png -o -", "standard output takes raw, pgm or npy, not png"},
-                  {"- in/a.png -o - --format raw", "- is standard input and has to be the only input"},
-                  {"in/a.png -o results --input-format raw", "--input-format is for standard input"},
-                  {"in/a.png -o results --metres", "--metres is for .npy files"},
-                  {"in/a.png -o results --endian big", "--endian is for raw images"}});
+  expect_refused(
+      2, kFill,
+      {{"- -o - --format raw", "raw frames do not say their size"},
+       {"- -o -", "standard input has no name to tell its format"},
+       {"- -o results --format png", "choose with --input-format"},
+       {"- -o results --format raw --size 3x3 --resume", "standard input cannot be read again"},
+       {"- -o results --format raw --size 3x3 --report r.html", "--report is for files"},
+       {"in/a.png -o - --format raw --resume", "standard output keeps no results"},
+       {"in in -o - --format raw", "in and in have one name"},
+       {"in/a.png -o - --format raw --preview", "--preview is for images in files"},
+       {"in/a.png -o -", "standard output takes raw, pgm or npy, not png"},
+       {"- in/a.png -o - --format raw", "- is standard input and has to be the only input"},
+       {"in/a.png -o results --input-format raw", "--input-format is for standard input"},
+       {"in/a.png -o results --metres", "--metres is for .npy files"},
+       {"in/a.png -o results --endian big", "--endian is for raw images"}});
+}
+
+TEST_F(Inputs, OfStreamsAndStacksRunAsAllOthersDo) {
+  const Bytes all = frames(std::vector<Image>(40, kHoles)),
+              filled = frames(std::vector<Image>(40, kFilled));
+  put("many.raw", all);
+  const std::string stream = kFill + "- --size 3x3 --format raw -o ",
+                    stack = kFill + "many.raw --size 3x3 -o ";
+  for (const char* jobs : {" --jobs 1", " --jobs 4"}) {
+    const Outcome out = run(stream + "-" + jobs, "", "many.raw");
+    EXPECT_EQ(Bytes(out.out.begin(), out.out.end()), filled);
+    EXPECT_MENTIONS(out.err, "40 of 40 frames written to standard output");
+    EXPECT_EQ(run(stack + "stack --overwrite" + jobs).status, 0);
+    EXPECT_EQ(bytes_of("stack/many.raw"), filled);
+  }
+  // Results are not replaced unless that is asked for, and a stack that is there is not made again.
+  EXPECT_MENTIONS(run(stack + "stack").err, "many.raw: is there already");
+  put("other.raw", all);
+  const std::string both = kFill + "many.raw other.raw --size 3x3 -o both ";
+  ASSERT_EQ(run(both).status, 0);
+  fs::remove(folder_ / "both/other.raw");
+  EXPECT_MENTIONS(run(both + "--resume").out, "40 of 40 frames written to both; 40 were there");
+  EXPECT_EQ(bytes_of("both/other.raw"), filled);
+  ASSERT_EQ(run(stream + "numbered", "", "many.raw").status, 0);
+  EXPECT_MENTIONS(run(stream + "numbered", "", "many.raw").err, "frame_0000.raw: is there already");
+  EXPECT_EQ(run(stream + "numbered --overwrite", "", "many.raw").status, 0);
+
+  // A frame that fails is left out of a stream; of stacks, the whole one is.
+  Bytes images;
+  for (const Image& image : {kHoles, make_image(2, 2), kHoles}) {
+    const Bytes one = encode_pgm(image);
+    images.insert(images.end(), one.begin(), one.end());
+  }
+  put("mixed.pgm", images);
+  const Outcome mixed = run(kFill + "- --format pgm -o - --keep-going", "", "mixed.pgm");
+  EXPECT_EQ(mixed.status, 1);
+  EXPECT_EQ(mixed.out.size(), 2 * encode_pgm(kFilled).size());
+  EXPECT_MENTIONS(mixed.err, "zvfilter: standard input frame 1: has 2x2 pixels");
+  EXPECT_MENTIONS(mixed.err, "2 of 3 frames written to standard output");
 }
 
 TEST_F(Inputs, SayOnceWhatHasNoEffectOnThem) {
   put("in/a.raw", frames({Image{3, 3, {40000, 40000, 65535, 1, 1, 1, 1, 1, 1}}, kHoles}));
-  const std::string end = " in -o results --size 3x3 --baseline 50 --fx 600";
+  const std::string end = " in -o results --overwrite --size 3x3 --baseline 50 --fx 600";
   const std::pair<const char*, const char*> cases[] = {
       {"DisparityTransform", "these are depth frames, which it hands through"},
       {"HardwareD2DCorrectionFilter",
@@ -180,6 +246,12 @@ TEST_F(Inputs, SayOnceWhatHasNoEffectOnThem) {
     EXPECT_NE(at, std::string::npos) << err;
     EXPECT_EQ(err.find(part, at + 1), std::string::npos) << err;
   }
+  fs::create_directory(folder_ / "all");
+  put("all/a.raw", frames({Image{1, 1, {40000}}}));
+  EXPECT_MENTIONS(
+      run("run -f SpatialAdvancedFilter: all -o results --overwrite --size 1x1 --baseline 50 --fx 600")
+          .err,
+      ": 100 % of the pixels have values from 32768 up");
   EXPECT_EQ(
       run("run -f EdgeNoiseRemovalFilter:margin_y_th=3,enable_vertical_direction=1,width=3,height=3 -f "
           "HoleFillingFilter" +

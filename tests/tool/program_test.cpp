@@ -263,6 +263,21 @@ TEST_F(Program, ComparesEveryStageWithTheTruth) {
                   "CroppingFilter           -                -             -          -           -\n");
 }
 
+TEST_F(Program, SaysHowSteadyAStillSceneIs) {
+  for (int i = 0; i < 8; ++i) {
+    Image image = make_image(10, 10);
+    for (std::size_t at = 0; at < image.pixels.size(); ++at)
+      image.pixels[at] = static_cast<std::uint16_t>(1000 + (i + at) % 2 * 4);
+    put(concat("in/", i, ".png"), image);
+  }
+  const Outcome outcome = run("run -f HoleFillingFilter in -o results --value-scale 0.5");
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_MENTIONS(outcome.out,
+                  "\n\nat rest  pixels used  flicker mm  noise mm\n"
+                  "before      100.00 %         2.0       1.5\n"
+                  "after       100.00 %         2.0       1.5\n");
+}
+
 TEST_F(Program, RefusesWrongCamerasAndTruths) {
   put("in/a.png", kHoles);
   put("in/b.png", kHoles);

@@ -1,4 +1,6 @@
 // Runs from their first frame to their last: threads, what is there already, what fails, what is stopped.
+#include <csignal>
+
 #include <gtest/gtest.h>
 
 #include "program.h"
@@ -186,6 +188,17 @@ TEST_F(Runs, EndAfterWholeFramesWhenTheyAreStoppedAndGoOnLater) {
     for (std::size_t i = 0; i < 40; ++i)
       EXPECT_EQ(get(name(folder, i)), i == 10 ? marked : get(name("in", i)));
   }
+}
+
+TEST_F(Runs, EndAtOnceWhenTheyAreStoppedTwice) {
+  put_frames("in", 3);
+  Image marked = get(name("in", 1));
+  marked.pixels[0] = 4243;  // at which the filter asks twice
+  put(name("in", 1), marked);
+  const Outcome ended = run_probe("run -f StoppingFilter in -o out --baseline 50 --fx 600 --jobs 1");
+  EXPECT_TRUE(ended.status == -1 || ended.status == 128 + SIGTERM) << ended.status;
+  EXPECT_EQ(ended.err.find("frames written"), std::string::npos) << ended.err;
+  EXPECT_FALSE(fs::exists(folder_ / name("out", 1)));
 }
 
 TEST_F(Runs, AreMeasuredByStage) {

@@ -240,6 +240,15 @@ TEST(Filters, AreListedWithTheirParameters) {
   ASSERT_EQ(zvf_filter_count(), 9u);
   EXPECT_STREQ(zvf_filter_name(3), "SpatialAdvancedFilter");
   EXPECT_EQ(zvf_filter_name(9), nullptr);
+  EXPECT_NE(std::string(zvf_filter_summary(3)).find("mooth"), std::string::npos);
+  EXPECT_EQ(zvf_filter_summary(9), nullptr);
+  std::string with_history, resizing;
+  for (std::size_t i = 0; i < zvf_filter_count(); ++i) {
+    if (zvf_filter_has_history(i)) with_history.append(zvf_filter_name(i)).append(" ");
+    if (zvf_filter_changes_size(i)) resizing.append(zvf_filter_name(i)).append(" ");
+  }
+  EXPECT_EQ(with_history, "TemporalFilter ");
+  EXPECT_EQ(resizing, "DepthResize OpenNIDisparityTransform ");
   zvf_parameter parameter;
   ASSERT_TRUE(zvf_parameter_at(3, 1, &parameter));
   EXPECT_STREQ(parameter.name, "alpha");

@@ -1,0 +1,107 @@
+#include "gstreamer/harness.h"
+
+#include <cstring>
+
+#include <gst/video/video.h>
+
+namespace zvfilter {
+
+namespace {
+
+/// Calls `visit(row of the buffer, its place without padding, bytes)` for each row.
+template <typename Visit>
+void each_row(GstBuffer* buffer, GstMapFlags flags, std::uint32_t width, const Visit& visit) {
+  GstMapInfo map;
+  ASSERT_TRUE(gst_buffer_map(buffer, &map, flags));
+  const std::size_t bytes = width * 2u, stride = (bytes + 3) / 4 * 4;
+  for (std::size_t y = 0; y < map.size / stride; ++y) visit(map.data + y * stride, y * width, bytes);
+  gst_buffer_unmap(buffer, &map);
+}
+
+}  // namespace
+
+Harness::Harness(const std::string& description) {
+  static const bool started = gst_init_check(nullptr, nullptr, nullptr) != FALSE;
+  EXPECT_TRUE(started);
+  GstElement* const made = gst_parse_launch(description.c_str(), nullptr);
+  auto* const element = static_cast<GstElement*>(gst_object_ref_sink(made));
+  harness_ = gst_harness_new_with_element(element, "sink", "src");
+  gst_object_unref(element);
+  bus_ = gst_bus_new();
+  gst_element_set_bus(harness_->element, bus_);
+}
+
+Harness::~Harness() {
+  gst_element_set_bus(harness_->element, nullptr);
+  gst_harness_teardown(harness_);
+  gst_object_unref(bus_);
+}
+
+void Harness::set_size(std::uint32_t width, std::uint32_t height, const char* format) {
+  width_ = width;
+  height_ = height;
+  const std::string caps = std::string("video/x-raw,framerate=30/1,format=") + format +
+                           ",width=" + std::to_string(width) + ",height=" + std::to_string(height);
+  gst_harness_set_src_caps_str(harness_, caps.c_str());
+}
+
+void Harness::set(const std::string& property, const std::string& value) {
+  ASSERT_NE(g_object_class_find_property(G_OBJECT_GET_CLASS(element()), property.c_str()), nullptr)
+      << property;
+  gst_util_set_object_arg(G_OBJECT(element()), property.c_str(), value.c_str());
+}
+
+GstFlowReturn Harness::push(const Pixels& frame, bool discontinuity) {
+  GstBuffer* const buffer =
+      gst_buffer_new_allocate(nullptr, (width_ * 2u + 3) / 4 * 4 * height_, nullptr);
+  each_row(buffer, GST_MAP_WRITE, width_, [&](guint8* row, std::size_t first, std::size_t bytes) {
+    std::memcpy(row, &frame[first], bytes);
+  });
+  GST_BUFFER_PTS(buffer) = gst_util_uint64_scale(pushed_++, GST_SECOND, 30);
+  if (discontinuity) GST_BUFFER_FLAG_SET(buffer, GST_BUFFER_FLAG_DISCONT);
+  return gst_harness_push(harness_, buffer);
+}
+
+std::optional<Pixels> Harness::pull() {
+  GstBuffer* const buffer = gst_harness_try_pull(harness_);
+  if (buffer == nullptr) return std::nullopt;
+  GstCaps* const caps = gst_pad_get_current_caps(harness_->sinkpad);
+  GstVideoInfo info;
+  EXPECT_TRUE(gst_video_info_from_caps(&info, caps));
+  gst_caps_unref(caps);
+  const auto width = static_cast<std::uint32_t>(info.width);
+  Pixels pixels(std::size_t{width} * static_cast<std::uint32_t>(info.height));
+  EXPECT_EQ(gst_buffer_get_size(buffer), info.size);
+  each_row(buffer, GST_MAP_READ, width, [&](const guint8* row, std::size_t first, std::size_t bytes) {
+    std::memcpy(&pixels[first], row, bytes);
+  });
+  gst_buffer_unref(buffer);
+  return pixels;
+}
+
+Pixels Harness::filtered(const Pixels& frame, bool discontinuity) {
+  EXPECT_EQ(push(frame, discontinuity), GST_FLOW_OK) << error();
+  return pull().value_or(Pixels());
+}
+
+std::string Harness::caps() const {
+  GstCaps* const caps = gst_pad_get_current_caps(harness_->sinkpad);
+  gchar* const text = gst_caps_to_string(caps);
+  std::string result = text;
+  g_free(text);
+  gst_caps_unref(caps);
+  return result;
+}
+
+std::string Harness::error() const {
+  GstMessage* const message = gst_bus_pop_filtered(bus_, GST_MESSAGE_ERROR);
+  if (message == nullptr) return "";
+  GError* error = nullptr;
+  gst_message_parse_error(message, &error, nullptr);
+  std::string text = error->message;
+  g_error_free(error);
+  gst_message_unref(message);
+  return text;
+}
+
+}  // namespace zvfilter
