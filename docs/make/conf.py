@@ -1,5 +1,6 @@
 """Sphinx reads the pages of docs/ from the folder that make_site.py fills: the pages as they are, beside those made from the program."""
 
+import os
 import re
 from pathlib import Path
 
@@ -34,10 +35,9 @@ c_id_attributes = ["ZVF_API", "FILTERPROCESSOR_API"]
 
 
 def leave_the_site(app, env, node, contnode):
-    """A page may point at files of the project that are no pages; on the site such a reference is its text."""
-    target = Path(env.doc2path(node["refdoc"])).parent / node["reftarget"].split("#")[0]
-    inside = ROOT / target.resolve().relative_to(ROOT) if target.resolve().is_relative_to(ROOT) else None
-    return contnode if inside is not None and inside.exists() and node.get("reftype") == "any" else None
+    """A page may point at texts of the project that are no pages of the site; such a reference is its words."""
+    target = Path(os.path.normpath(Path(env.doc2path(node["refdoc"])).parent / node["reftarget"].split("#")[0]))
+    return contnode if Path(env.srcdir) not in target.parents and target.is_file() else None
 
 
 def setup(app):
