@@ -1,0 +1,141 @@
+// What advice without truth is worth: scenes of the virtual camera, whose truth then judges it.
+// Use: advise_proof [--evaluations N] [--scenes N] [--real FOLDER BASELINE FX]
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+
+#include "kit/advise/advice.h"
+#include "kit/common/error.h"
+#include "kit/image/image_files.h"
+#include "kit/pipeline/frame_source.h"
+#include "kit/pipeline/workers.h"
+#include "kit/plugin/plugin.h"
+
+namespace {
+
+struct SceneText {
+  const char* name;
+  const char* camera;
+};
+constexpr SceneText kScenes[] = {
+    {"as it is", "seed=1"},
+    {"at rest", "seed=2,motion=still"},
+    {"moving camera", "seed=3,motion=camera"},
+    {"noise 0.05", "seed=4,noise=0.05"},
+    {"noise 0.1, at rest", "seed=5,noise=0.1,motion=still"},
+    {"noise 0.1, moving camera", "seed=6,noise=0.1,motion=camera"},
+    {"speckle", "seed=7,speckle=0.02"},
+    {"speckle, moving camera", "seed=8,speckle=0.02,motion=camera"},
+    {"dropouts", "seed=9,dropouts=0.6"},
+    {"little texture", "seed=10,texture=0.5"},
+    {"short baseline", "seed=11,baseline=50"},
+    {"large", "seed=12,size=480x300,baseline=80"},
+    {"one camera", "seed=13,mono,motion=still"},
+    {"all faults, moving camera", "seed=14,noise=0.05,speckle=0.01,dropouts=0.5,motion=camera"},
+};
+constexpr std::size_t kFrames = 36;
+
+kit::Footage record(const std::string& settings, const kit::Workers& workers) {
+  std::string input = kit::concat("camera:frames=", kFrames);
+  if (settings.find("size=") == std::string::npos) input += ",size=320x200";
+  if (settings.find("baseline=") == std::string::npos) input += ",baseline=100";
+  const kit::CameraRequest request =
+      kit::make_camera_request(kit::parse_camera_input(kit::concat(input, ',', settings)));
+  const kit::FrameSource source = kit::camera_source(request, {});
+  kit::Footage footage;
+  footage.frames.resize(kFrames);
+  footage.truth.resize(kFrames);
+  workers.for_each(kFrames, [&](std::size_t i) {
+    kit::SourceFrame made = source.load(i);
+    footage.frames[i] = std::move(made.frame);
+    footage.truth[i] = std::move(*made.truth);
+  });
+  return footage;
+}
+
+kit::AdviceRequest request_of(kit::Footage footage, std::size_t evaluations, const kit::Workers& workers) {
+  kit::AdviceRequest request;
+  request.footage = std::move(footage);
+  request.evaluations = evaluations;
+  request.for_each = [&workers](std::size_t count, const std::function<void(std::size_t)>& work) {
+    workers.for_each(count, work);
+  };
+  return request;
+}
+
+/// Judged by the truth on the frames held out, where untouched frames have 1.
+class Judge {
+ public:
+  Judge(const kit::FilterLibrary& library, const kit::Footage& footage)
+      : trials_(library, footage, true, 1),
+        clips_(kit::split_frames(footage.frames.size()).held_out),
+        untouched_(trials_.run(kit::conversion(trials_.input()), clips_)) {}
+  double loss(const kit::Chain& chain) { return kit::loss_of(measures(chain), untouched_, kit::default_weights(true)); }
+  kit::Measures measures(const kit::Chain& chain) { return trials_.run(chain, clips_); }
+
+ private:
+  kit::Trials trials_;
+  std::vector<kit::Clip> clips_;
+  kit::Measures untouched_;
+};
+
+void show(const char* name, const kit::Measures& measures, bool truth) {
+  std::cout << "    " << name;
+  for (const kit::MeasureText& text : kit::measure_texts()) {
+    if (measures[text.measure])
+      std::cout << "  " << text.name << ' ' << kit::value_text(text.measure, measures[text.measure], truth);
+  }
+  std::cout << '\n';
+}
+
+struct Totals {
+  std::size_t scenes = 0, enough = 0, above_defaults = 0, below_raw = 0;
+};
+
+void try_scene(const kit::FilterLibrary& library, const SceneText& scene, std::size_t evaluations,
+               const kit::Workers& workers, Totals& totals) {
+  kit::Footage footage = record(scene.camera, workers);
+  kit::Footage blind = footage;
+  blind.truth.clear();
+  const kit::Advice without = kit::advise(library, request_of(std::move(blind), evaluations, workers));
+  const kit::Advice with = kit::advise(library, request_of(footage, evaluations, workers));
+  Judge judge(library, footage);
+  const double advised = 1 - judge.loss(without.chain), best = 1 - judge.loss(with.chain);
+  const double defaults = 1 - judge.loss(with.rows[1].chain);
+  ++totals.scenes;
+  totals.enough += advised >= 0.9 * best;
+  totals.above_defaults += advised > defaults;
+  totals.below_raw += advised < 0;
+  std::printf("%-26s %6.3f %6.3f %6.3f  %5.1f %%\n", scene.name, defaults, advised, best, 100 * advised / best);
+  std::cout << "    without truth: " << kit::chain_text(without.chain) << "\n    with truth:    " << kit::chain_text(with.chain) << '\n';
+  show("untouched    ", with.rows[0].measures, true);
+  show("without truth", judge.measures(without.chain), true);
+  show("with truth   ", judge.measures(with.chain), true);
+  for (const kit::AdviceRow& row : without.rows) show(row.name.c_str(), row.measures, false);
+  std::cout.flush();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::size_t evaluations = 400, scenes = std::size(kScenes), first = 0;
+  for (int i = 1; i + 1 < argc; ++i) {
+    if (std::strcmp(argv[i], "--evaluations") == 0) evaluations = std::stoul(argv[i + 1]);
+    if (std::strcmp(argv[i], "--scenes") == 0) scenes = std::stoul(argv[i + 1]);
+    if (std::strcmp(argv[i], "--first") == 0) first = std::stoul(argv[i + 1]);
+  }
+  try {
+    const kit::FilterLibrary library = kit::load_plugin(kit::default_plugin_file());
+    const kit::Workers workers(0);
+    Totals totals;
+    for (std::size_t i = first; i < std::min(scenes, std::size(kScenes)); ++i)
+      try_scene(library, kScenes[i], evaluations, workers, totals);
+    std::printf("%zu scenes: %zu with 90 %% of the gain and more, %zu above the defaults, %zu below raw\n", totals.scenes,
+                totals.enough, totals.above_defaults, totals.below_raw);
+    return totals.enough == totals.scenes && totals.below_raw == 0 ? 0 : 1;
+  } catch (const kit::Error& problem) {
+    std::cerr << "advise_proof: " << problem.what() << '\n';
+    return 1;
+  }
+}
