@@ -27,6 +27,9 @@ void presets_command(const std::string& name, std::ostream& out);
 void run_command(const kit::FilterLibrary& library, RunOptions options, std::ostream& out,
                  std::ostream& notes);
 void bench_command(const kit::FilterLibrary& library, RunOptions options, std::ostream& out);
+/// @throws Stopped when it was asked to end, once the best so far is written
+void advise_command(const kit::FilterLibrary& library, AdviseOptions options, std::ostream& out,
+                    std::ostream& notes);
 /// A chain as the command line gives it: the name of a file with one or its text.
 kit::ChainFile read_chain(const std::string& source);
 /// Changes what TAG.key=value names.

@@ -24,6 +24,7 @@ struct Arguments {
   std::string filter;
   std::string preset;
   zvfilter::RunOptions run;
+  zvfilter::AdviseOptions advise;
   zvfilter::CameraCommandOptions camera;
   std::vector<std::string> chains;
   zvfilter::ChainConvertOptions convert;
@@ -47,8 +48,8 @@ kit::FilterLibrary open_plugin(const std::optional<std::string>& file) {
     const std::string unknown = app.remaining().front();
     const bool option = unknown.starts_with('-');
     const std::vector<std::string> options = {"--help", "--version", "--plugin"};
-    const std::vector<std::string> commands = {"list", "help",  "presets", "schema",
-                                               "run",  "bench", "chain",   "camera"};
+    const std::vector<std::string> commands = {"list",  "help",   "presets", "schema", "run",
+                                               "bench", "advise", "chain",   "camera"};
     kit::refuse(option ? "unknown option " : "unknown command ", unknown, "; ",
                 kit::suggest(unknown, option ? options : commands));
   }
@@ -82,6 +83,8 @@ int run_program(int argc, char** argv) {
   zvfilter::describe_run(*run, arguments.run);
   CLI::App* bench = app.add_subcommand("bench", "Measure how many frames a second a run makes");
   zvfilter::describe_bench(*bench, arguments.run);
+  CLI::App* advise = app.add_subcommand("advise", "Find filters and values that suit a recording");
+  zvfilter::describe_advise(*advise, arguments.advise);
   CLI::App* chain = app.add_subcommand("chain", "Check, show and convert chains of filters");
   chain->require_subcommand(1);
   CLI::App* check = chain->add_subcommand("check", "Say what is wrong with chains");
@@ -128,6 +131,9 @@ int run_program(int argc, char** argv) {
     zvfilter::run_command(open_plugin(arguments.plugin), arguments.run, std::cout, std::cerr);
   } else if (bench->parsed()) {
     zvfilter::bench_command(open_plugin(arguments.plugin), arguments.run, std::cout);
+  } else if (advise->parsed()) {
+    arguments.advise.run.report.command = zvfilter::command_text({argv, argv + argc});
+    zvfilter::advise_command(open_plugin(arguments.plugin), arguments.advise, std::cout, std::cerr);
   } else if (check->parsed()) {
     zvfilter::chain_check_command(open_plugin(arguments.plugin), arguments.chains, std::cout);
   } else if (show->parsed()) {

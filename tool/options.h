@@ -1,6 +1,7 @@
 #ifndef ZVFILTER_OPTIONS_H
 #define ZVFILTER_OPTIONS_H
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -56,6 +57,17 @@ struct RunOptions {
   ReportOptions report;
 };
 
+struct AdviseOptions {
+  RunOptions run;                    ///< the frames and the chain
+  std::filesystem::path output;      ///< the chain file
+  std::vector<std::string> weights;  ///< NAME=VALUE
+  std::string step;                  ///< whose values alone are looked for; empty: all
+  std::uint64_t seed = 1;
+  std::optional<std::size_t> evaluations;
+  double seconds = 60;
+  bool with_truth = false;  ///< of the virtual camera
+};
+
 struct CameraCommandOptions {
   std::vector<kit::CameraSetting> settings;
   std::filesystem::path output;
@@ -69,9 +81,10 @@ struct ChainConvertOptions {
   std::filesystem::path output;  ///< empty: standard output
 };
 
-/// The options of the commands `run`, `bench` and `camera`, which fill the structures as they are parsed.
+/// The options of the commands `run`, `bench`, `advise` and `camera`, which fill the structures as they are parsed.
 void describe_run(CLI::App& command, RunOptions& run);
 void describe_bench(CLI::App& command, RunOptions& run);
+void describe_advise(CLI::App& command, AdviseOptions& advise);
 void describe_chain_convert(CLI::App& command, ChainConvertOptions& convert);
 void describe_camera(CLI::App& command, CameraCommandOptions& camera);
 

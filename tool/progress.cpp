@@ -14,7 +14,7 @@ void Progress::clear() {
   visible_ = false;
 }
 
-void Progress::show(std::size_t done) {
+void Progress::show(std::size_t done, const std::string& note) {
   const Clock::time_point now = Clock::now();
   constexpr std::chrono::milliseconds pause(50);  // a terminal is slower than the filters
   if (!visible_ || (now - shown_ < pause && done < total_)) return;
@@ -24,8 +24,8 @@ void Progress::show(std::size_t done) {
   const std::string bar = std::string(filled, '#') + std::string(width - filled, '.');
   const double rate = static_cast<double>(done) / std::chrono::duration<double>(now - start_).count();
   const auto left = static_cast<unsigned long>(static_cast<double>(total_ - done) / rate + 0.5);
-  std::fprintf(stderr, "\r[%s] %zu/%zu  %.1f/s  %lu:%02lu left\x1b[K", bar.c_str(), done, total_, rate,
-               left / 60, left % 60);
+  std::fprintf(stderr, "\r[%s] %zu/%zu  %.1f/s  %lu:%02lu left%s\x1b[K", bar.c_str(), done, total_, rate,
+               left / 60, left % 60, note.c_str());
 }
 
 }  // namespace zvfilter

@@ -24,8 +24,10 @@ kit::ReportStep describe_step(const kit::Pipeline& pipeline, std::size_t index) 
   return described;
 }
 
-kit::ReportSettings describe_run(const RunOptions& options, const kit::Pipeline& pipeline) {
+kit::ReportSettings describe_run(const RunOptions& options, const kit::Pipeline& pipeline,
+                                 std::vector<kit::ReportTable> tables) {
   kit::ReportSettings settings;
+  settings.tables = std::move(tables);
   settings.input = kit::join(options.inputs, " ");
   settings.command = options.report.command;
   settings.chain_file = kit::chain_json({"", options.attributes.camera, pipeline.chain()});
@@ -52,8 +54,10 @@ fs::path result_of(const std::string& stem, const std::vector<fs::path>& results
 }  // namespace
 
 RunReport::RunReport(const RunOptions& options, const kit::Pipeline& pipeline,
-                     const kit::FrameSource& source)
-    : file_(options.report.file), report_(describe_run(options, pipeline)), names_(source.names) {
+                     const kit::FrameSource& source, std::vector<kit::ReportTable> tables)
+    : file_(options.report.file),
+      report_(describe_run(options, pipeline, std::move(tables))),
+      names_(source.names) {
   for (const std::size_t index : options.report.frames) {
     if (index >= names_.size())
       kit::refuse("--report-frames ", index, ": expected numbers from 0 to ", names_.size() - 1);

@@ -14,7 +14,8 @@ namespace zvfilter {
 class RunReport {
  public:
   /// @throws kit::Error when a frame asked for isn't in the source or the other run lacks a result
-  RunReport(const RunOptions& options, const kit::Pipeline& pipeline, const kit::FrameSource& source);
+  RunReport(const RunOptions& options, const kit::Pipeline& pipeline, const kit::FrameSource& source,
+            std::vector<kit::ReportTable> tables = {});
 
   void add(const kit::Passage& passage);
   void end_frame(std::size_t index, const kit::SourceFrame& input);

@@ -11,6 +11,7 @@ namespace kit {
 
 /// What is asked for.
 struct AdviceRequest {
+  /// Frames that split_frames() gives to neither part may be without pixels.
   Footage footage;
   /// Whose values are looked for; empty: sensible orders of filters are tried.
   Chain chain = {};

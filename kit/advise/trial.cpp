@@ -104,25 +104,33 @@ Trials::Trials(const FilterLibrary& library, const Footage& footage, bool with_t
       with_truth_(with_truth),
       lattice_(footage.frames.at(0).width, footage.frames.at(0).height) {
   const Frame& first = footage.frames.front();
+  const std::size_t count = footage.frames.size();
   input_ = {without_pixels(first), true, true};
+  raw_.resize(count);
+  truth_.resize(count);
+  planted_.resize(count);
+  hidden_.resize(count);
+  speckles_.resize(count);
   const InverseTable inverses(first);
   Chance chance(seed);
-  for (std::size_t i = 0; i < footage.frames.size(); ++i) {
+  for (std::size_t i = 0; i < count; ++i) {
     const Frame& frame = footage.frames[i];
+    if (frame.pixels.empty()) continue;
     if (frame.width != first.width || frame.height != first.height ||
-        frame.pixel_type != first.pixel_type)
-      refuse("frame ", i, " has ", frame.width, 'x', frame.height, " pixels; the first has ", first.width,
-             'x', first.height);
+        frame.pixel_type != first.pixel_type) {
+      refuse("frame ", i, " is ", frame.width, 'x', frame.height, ", ", pixel_type_name(frame.pixel_type),
+             "; the first is ", first.width, 'x', first.height, ", ", pixel_type_name(first.pixel_type));
+    }
     if (with_truth_) {
       const Image& truth = footage.truth.at(i);
-      truth_.push_back({lattice_.columns(), lattice_.rows(), lattice_.sample(truth.pixels)});
+      truth_[i] = {lattice_.columns(), lattice_.rows(), lattice_.sample(truth.pixels)};
       continue;
     }
-    raw_.push_back(inverses(lattice_.sample(frame.pixels)));
-    planted_.push_back(frame);
-    PlantedFrame planting{planted_.back(), inverses, invalid_pixel(first)};
-    hidden_.push_back(hide_pixels(planting, chance));
-    speckles_.push_back(plant_speckles(planting, chance));
+    raw_[i] = inverses(lattice_.sample(frame.pixels));
+    planted_[i] = frame;
+    PlantedFrame planting{planted_[i], inverses, invalid_pixel(first)};
+    hidden_[i] = hide_pixels(planting, chance);
+    speckles_[i] = plant_speckles(planting, chance);
   }
 }
 

@@ -66,7 +66,7 @@ class Page {
 
   std::string text(const Details& details) {
     const std::size_t others = report_.shown().size() - 1;
-    std::string body = header() + key_figures() + hero(details) + steps(details) + sequence() +
+    std::string body = header() + key_figures() + tables() + hero(details) + steps(details) + sequence() +
                        other_frames(details) + chain() + left_out(details, others, settings_.most_bytes);
     const auto fill = [](std::string text, const std::string& name, const std::string& value) {
       const std::string mark = "{{" + name + "}}";
@@ -162,6 +162,29 @@ class Page {
                    "median change where nothing moved");
     out += entry("Time", fixed_text(time, 2) + "\u202fms", "a frame, all steps");
     return "<dl class=\"figures\">" + out + "</dl>\n";
+  }
+
+  std::string tables() const {
+    std::string out;
+    for (const ReportTable& table : settings_.tables) {
+      std::string rows;
+      for (const auto& row : table.rows) {
+        const bool heading = &row == &table.rows.front();
+        std::string cells;
+        for (const std::string& cell : row) {
+          const bool name = heading || &cell == &row.front();
+          const char* const begin = heading ? "<th scope=\"col\">" : name ? "<th scope=\"row\">" : "<td>";
+          cells += begin + escaped(cell) + (name ? "</th>" : "</td>");
+        }
+        rows +=
+            concat(heading ? "<thead>" : "", "<tr>", cells, "</tr>", heading ? "</thead><tbody>" : "");
+      }
+      out += concat("<section><h2>", escaped(table.title), "</h2><div class=\"wide\"><table>", rows,
+                    "</tbody></table></div>");
+      for (const std::string& sentence : table.sentences) out += concat("<p>", escaped(sentence), "</p>");
+      out += "</section>\n";
+    }
+    return out;
   }
 
   /// The whole chain on one frame: the pair, and what stands beside it.
