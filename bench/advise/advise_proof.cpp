@@ -1,8 +1,7 @@
 // What advice without truth is worth: scenes of the virtual camera, whose truth then judges it.
-// Use: advise_proof [--evaluations N] [--scenes N] [--real FOLDER BASELINE FX]
+// Use: advise_proof [--evaluations N] [--first N] [--scenes N] [--weight NAME=VALUE]... [--real FOLDER]
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <iostream>
 
 #include "kit/advise/advice.h"
@@ -54,7 +53,8 @@ kit::Footage record(const std::string& settings, const kit::Workers& workers) {
   return footage;
 }
 
-kit::AdviceRequest request_of(kit::Footage footage, std::size_t evaluations, const kit::Workers& workers) {
+kit::AdviceRequest request_of(kit::Footage footage, std::size_t evaluations,
+                              const kit::Workers& workers) {
   kit::AdviceRequest request;
   request.footage = std::move(footage);
   request.evaluations = evaluations;
@@ -71,7 +71,9 @@ class Judge {
       : trials_(library, footage, true, 1),
         clips_(kit::split_frames(footage.frames.size()).held_out),
         untouched_(trials_.run(kit::conversion(trials_.input()), clips_)) {}
-  double loss(const kit::Chain& chain) { return kit::loss_of(measures(chain), untouched_, kit::default_weights(true)); }
+  double loss(const kit::Chain& chain) {
+    return kit::loss_of(measures(chain), untouched_, kit::default_weights(true));
+  }
   kit::Measures measures(const kit::Chain& chain) { return trials_.run(chain, clips_); }
 
  private:
@@ -84,22 +86,32 @@ void show(const char* name, const kit::Measures& measures, bool truth) {
   std::cout << "    " << name;
   for (const kit::MeasureText& text : kit::measure_texts()) {
     if (measures[text.measure])
-      std::cout << "  " << text.name << ' ' << kit::value_text(text.measure, measures[text.measure], truth);
+      std::cout << "  " << text.name << ' '
+                << kit::value_text(text.measure, measures[text.measure], truth);
   }
   std::cout << '\n';
 }
+
+struct Settings {
+  std::size_t evaluations = 400, first = 0, scenes = std::size(kScenes);
+  std::vector<std::string> weights;  // of advice without truth
+  std::string real;                  // a folder of depth frames, instead of the scenes
+};
 
 struct Totals {
   std::size_t scenes = 0, enough = 0, above_defaults = 0, below_raw = 0;
 };
 
-void try_scene(const kit::FilterLibrary& library, const SceneText& scene, std::size_t evaluations,
+void try_scene(const kit::FilterLibrary& library, const SceneText& scene, const Settings& settings,
                const kit::Workers& workers, Totals& totals) {
   kit::Footage footage = record(scene.camera, workers);
   kit::Footage blind = footage;
   blind.truth.clear();
-  const kit::Advice without = kit::advise(library, request_of(std::move(blind), evaluations, workers));
-  const kit::Advice with = kit::advise(library, request_of(footage, evaluations, workers));
+  kit::AdviceRequest request = request_of(std::move(blind), settings.evaluations, workers);
+  request.weights = kit::default_weights(false);
+  for (const std::string& weight : settings.weights) kit::set_weight(*request.weights, weight);
+  const kit::Advice without = kit::advise(library, request);
+  const kit::Advice with = kit::advise(library, request_of(footage, settings.evaluations, workers));
   Judge judge(library, footage);
   const double advised = 1 - judge.loss(without.chain), best = 1 - judge.loss(with.chain);
   const double defaults = 1 - judge.loss(with.rows[1].chain);
@@ -107,8 +119,11 @@ void try_scene(const kit::FilterLibrary& library, const SceneText& scene, std::s
   totals.enough += advised >= 0.9 * best;
   totals.above_defaults += advised > defaults;
   totals.below_raw += advised < 0;
-  std::printf("%-26s %6.3f %6.3f %6.3f  %5.1f %%\n", scene.name, defaults, advised, best, 100 * advised / best);
-  std::cout << "    without truth: " << kit::chain_text(without.chain) << "\n    with truth:    " << kit::chain_text(with.chain) << '\n';
+  std::printf("%-26s %7.3f  %13.3f  %10.3f  %3.0f %%\n", scene.name, defaults, advised, best,
+              100 * advised / best);
+  std::fflush(stdout);
+  std::cout << "    without truth: " << kit::chain_text(without.chain)
+            << "\n    with truth:    " << kit::chain_text(with.chain) << '\n';
   show("untouched    ", with.rows[0].measures, true);
   show("without truth", judge.measures(without.chain), true);
   show("with truth   ", judge.measures(with.chain), true);
@@ -116,25 +131,59 @@ void try_scene(const kit::FilterLibrary& library, const SceneText& scene, std::s
   std::cout.flush();
 }
 
+/// What the prediction of held-out frames gains.
+void try_real(const kit::FilterLibrary& library, const Settings& settings, const kit::Workers& workers) {
+  const kit::FrameSource source = kit::file_source(kit::collect_images({settings.real}), {}, {}, {});
+  kit::Footage footage;
+  for (std::size_t i = 0; i < source.names.size(); ++i) footage.frames.push_back(source.load(i).frame);
+  const kit::Advice advice =
+      kit::advise(library, request_of(std::move(footage), settings.evaluations, workers));
+  std::cout << settings.real << ": " << source.names.size() << " frames\n    "
+            << kit::chain_text(advice.chain) << '\n';
+  for (const kit::AdviceRow& row : advice.rows) show(row.name.c_str(), row.measures, false);
+}
+
+Settings read_settings(int argc, char** argv) {
+  Settings settings;
+  for (int i = 1; i + 1 < argc; i += 2) {
+    const std::string name = argv[i], value = argv[i + 1];
+    if (name == "--evaluations") {
+      settings.evaluations = std::stoul(value);
+    } else if (name == "--first") {
+      settings.first = std::stoul(value);
+    } else if (name == "--scenes") {
+      settings.scenes = std::min(settings.scenes, std::stoul(value));
+    } else if (name == "--weight") {
+      settings.weights.push_back(value);
+    } else if (name == "--real") {
+      settings.real = value;
+    } else {
+      kit::refuse(name, ": expected --evaluations, --first, --scenes, --weight or --real");
+    }
+  }
+  return settings;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::size_t evaluations = 400, scenes = std::size(kScenes), first = 0;
-  for (int i = 1; i + 1 < argc; ++i) {
-    if (std::strcmp(argv[i], "--evaluations") == 0) evaluations = std::stoul(argv[i + 1]);
-    if (std::strcmp(argv[i], "--scenes") == 0) scenes = std::stoul(argv[i + 1]);
-    if (std::strcmp(argv[i], "--first") == 0) first = std::stoul(argv[i + 1]);
-  }
   try {
+    const Settings settings = read_settings(argc, argv);
     const kit::FilterLibrary library = kit::load_plugin(kit::default_plugin_file());
     const kit::Workers workers(0);
+    if (!settings.real.empty()) {
+      try_real(library, settings, workers);
+      return 0;
+    }
+    std::puts("scene                     defaults  without truth  with truth  share");
     Totals totals;
-    for (std::size_t i = first; i < std::min(scenes, std::size(kScenes)); ++i)
-      try_scene(library, kScenes[i], evaluations, workers, totals);
-    std::printf("%zu scenes: %zu with 90 %% of the gain and more, %zu above the defaults, %zu below raw\n", totals.scenes,
-                totals.enough, totals.above_defaults, totals.below_raw);
+    for (std::size_t i = settings.first; i < settings.scenes; ++i)
+      try_scene(library, kScenes[i], settings, workers, totals);
+    std::printf(
+        "%zu scenes: %zu with 90 %% of the gain and more, %zu above the defaults, %zu below raw\n",
+        totals.scenes, totals.enough, totals.above_defaults, totals.below_raw);
     return totals.enough == totals.scenes && totals.below_raw == 0 ? 0 : 1;
-  } catch (const kit::Error& problem) {
+  } catch (const std::exception& problem) {
     std::cerr << "advise_proof: " << problem.what() << '\n';
     return 1;
   }

@@ -1,6 +1,7 @@
 #include "kit/advise/measures.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iomanip>
 
 #include "kit/common/error.h"
@@ -15,20 +16,13 @@ using Unit = MeasureText::Unit;
 constexpr double kPenalty = 10;
 
 constexpr MeasureText kTexts[] = {
-    {missing,
-     "missing",
-     "share of the pixels without depth",
-     "share of the pixels without depth",
-     0.1,
-     0.1,
-     {},
-     0.02,
-     Unit::share},
+    {missing, "missing", "share of the pixels without depth", "share of the pixels without depth", 0.1,
+     0.1, 0.05, 0.02, Unit::share},
     {median,
      "median",
      "median error",
      "median error of predicting the next raw frame",
-     0.25,
+     0.3,
      0.3,
      {},
      1e-6,
@@ -72,6 +66,21 @@ constexpr MeasureText kTexts[] = {
 std::span<const MeasureText> measure_texts() { return kTexts; }
 const MeasureText& text_of(Measure measure) { return kTexts[static_cast<std::size_t>(measure)]; }
 
+namespace {
+
+/// As a share of the untouched frames' value.
+double share_of(const MeasureText& text, double value, double untouched, bool of_truth) {
+  const double share = value / std::max(untouched, text.floor);
+  if (of_truth) return share;
+  // Errors of independent frames add up by their squares, shares of wrong pixels as they are.
+  if (text.measure == median || text.measure == percentile95)
+    return std::sqrt(std::max(2 * share * share - 1, 0.0));
+  if (text.measure == off) return std::max(2 * share - 1, 0.0);
+  return share;
+}
+
+}  // namespace
+
 Weights default_weights(bool with_truth) {
   Weights weights = {};
   for (std::size_t i = 0; i < kMeasures; ++i)
@@ -99,8 +108,9 @@ double loss_of(const Measures& measures, const Measures& untouched, const Weight
     if (!untouched.values[i]) continue;
     // A chain that left nothing to measure is no better than nothing.
     const double value = measures.values[i].value_or(2 * *untouched.values[i] + kTexts[i].floor);
-    sum += weights[i] * value / std::max(*untouched.values[i], kTexts[i].floor);
-    weight += weights[i] * std::min(1.0, *untouched.values[i] / kTexts[i].floor);
+    sum += weights[i] * share_of(kTexts[i], value, *untouched.values[i], measures.of_truth);
+    weight +=
+        weights[i] * share_of(kTexts[i], *untouched.values[i], *untouched.values[i], measures.of_truth);
     if (kTexts[i].limit) excess += std::max(0.0, value - *untouched.values[i] - *kTexts[i].limit);
   }
   return (weight > 0 ? sum / weight : 1) + kPenalty * excess;

@@ -58,9 +58,10 @@ struct Trials::Tally {
   ErrorCounts unevenness;
   Rest rest;
   Hidden hidden;
+  FilledHoles holes;
   Speckles spots;
   Accuracy accuracy;
-  double pixels = 0, valid = 0, filled = 0;
+  double pixels = 0, valid = 0;
 
   Measures measures(bool with_truth) const;
 };
@@ -68,6 +69,7 @@ struct Trials::Tally {
 Measures Trials::Tally::measures(bool with_truth) const {
   using enum Measure;
   Measures result;
+  result.of_truth = with_truth;
   const auto share = [](double part, double whole) {
     return whole > 0 ? std::optional(part / whole) : std::nullopt;
   };
@@ -81,15 +83,18 @@ Measures Trials::Tally::measures(bool with_truth) const {
     return result;
   }
   result[missing] = share(pixels - valid, pixels);
-  // Where the camera saw nothing, the filled pixels are thought to be as good as the hidden ones that were filled.
+  // Of what is filled within a surface the hidden pixels tell how good it is.
   const double seen = prediction.errors.total();
-  const double guessed = seen > 0 ? seen * filled / std::max(valid - filled, 1.0) : 0;
+  const double filled = holes.within + holes.between.errors.total();
+  const double part = seen / std::max(valid - filled, 1.0);  // of the pixels seen, those predicted
   ErrorCounts errors = prediction.errors;
-  errors.add(hidden.errors.errors, guessed);
+  errors.add(hidden.errors.errors, part * holes.within);
+  errors.add(holes.between.errors, part * holes.between.errors.total());
   result[median] = errors.quantile(0.5);
   result[percentile95] = errors.quantile(0.95);
   const double wrong = hidden.filled > 0 ? hidden.errors.off / hidden.filled : 1;
-  result[off] = share(prediction.off + wrong * guessed, seen + guessed);
+  result[off] =
+      share(prediction.off + part * (wrong * holes.within + holes.between.off), seen + part * filled);
   result[flicker] = rest.changes.quantile(0.5);
   result[roughness] = unevenness.quantile(0.5);
   result[speckles] = share(spots.left, spots.count);
@@ -107,6 +112,7 @@ Trials::Trials(const FilterLibrary& library, const Footage& footage, bool with_t
   const std::size_t count = footage.frames.size();
   input_ = {without_pixels(first), true, true};
   raw_.resize(count);
+  behind_.resize(count);
   truth_.resize(count);
   planted_.resize(count);
   hidden_.resize(count);
@@ -127,6 +133,7 @@ Trials::Trials(const FilterLibrary& library, const Footage& footage, bool with_t
       continue;
     }
     raw_[i] = inverses(lattice_.sample(frame.pixels));
+    behind_[i] = behind_holes(raw_[i], lattice_);
     planted_[i] = frame;
     PlantedFrame planting{planted_[i], inverses, invalid_pixel(first)};
     hidden_[i] = hide_pixels(planting, chance);
@@ -232,10 +239,9 @@ void Trials::measure(const Made& made, const Clip& clip, Tally& tally) {
     if (i >= clip.measured) {
       add_roughness(filtered, lattice_, tally.unevenness);
       tally.rest.add(at_rest, raw, filtered, last);
-      for (std::size_t place = 0; place < filtered.size(); ++place) {
-        tally.valid += filtered[place] > 0 ? 1 : 0;
-        tally.filled += filtered[place] > 0 && raw[place] <= 0 ? 1 : 0;
-      }
+      tally.holes.add(behind_[clip.first + i], raw, filtered);
+      tally.valid += static_cast<double>(
+          std::count_if(filtered.begin(), filtered.end(), [](float inverse) { return inverse > 0; }));
       tally.pixels += static_cast<double>(filtered.size());
     }
     last = std::move(filtered);

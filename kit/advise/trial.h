@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "kit/advise/holes.h"
 #include "kit/advise/measures.h"
 #include "kit/advise/planting.h"
 #include "kit/advise/rest.h"
@@ -62,7 +63,8 @@ class Trials {
   Input input_;
   Lattice lattice_;
   std::vector<Inverses> raw_;  // of the lattice, by frame
-  std::vector<Image> truth_;   // of the lattice
+  std::vector<Inverses> behind_;
+  std::vector<Image> truth_;  // of the lattice
   std::vector<Frame> planted_;
   std::vector<std::vector<Planted>> hidden_, speckles_;
   std::mutex mutex_;  // of what follows
