@@ -129,6 +129,20 @@ void try_scene(const kit::FilterLibrary& library, std::size_t number, const Sett
   show("untouched    ", with.rows[0].measures, true);
   show("without truth", judge.measures(without.chain), true);
   show("with truth   ", judge.measures(with.chain), true);
+  kit::Footage unseen = footage;
+  unseen.truth.clear();
+  kit::Trials trials(library, unseen, false, 1);
+  const std::vector<kit::Clip> searched = kit::split_frames(kFrames).search;
+  const kit::Measures raw = trials.run(kit::conversion(trials.input()), searched);
+  const auto show_blind = [&](const char* name, const kit::Chain& chain) {
+    const kit::Measures measures = trials.run(chain, searched);
+    show(name, measures, false);
+    std::cout << "    loss " << kit::loss_of(measures, raw, *request.weights) << '\n';
+  };
+  std::cout << "    frames searched on, measured without truth:\n";
+  show_blind("without truth", without.chain);
+  show_blind("with truth   ", with.chain);
+  std::cout << "    frames held out, measured without truth:\n";
   for (const kit::AdviceRow& row : without.rows) show(row.name.c_str(), row.measures, false);
   std::cout.flush();
 }

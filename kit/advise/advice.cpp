@@ -58,9 +58,10 @@ class Adviser {
     Search search(trials_, spaces_, split_.search, weights_, settings());
     Search::Candidate best = search.run();
     advice.evaluations = search.evaluations();
-    if (best.loss < 1) explain(search, best, advice);
-    advice.chain = best.loss < 1 ? best.chain : conversion(trials_.input());
     advice.helps = best.loss < 1;
+    if (advice.helps) explain(search, best, advice);
+    advice.chain = best.chain;
+    if (!advice.helps) advice.chain = without_help(best.chain);
     fill_table(advice);
     remark(advice);
     return advice;
@@ -68,6 +69,14 @@ class Adviser {
 
  private:
   bool single() const { return request_.footage.frames.size() == 1; }
+
+  /// What is left where filters make it worse: a step whose values were asked for stays.
+  Chain without_help(const Chain& best) const {
+    if (request_.chain.empty()) return conversion(trials_.input());
+    Chain chain = best;
+    for (const std::size_t step : spaces_.front().optional_steps()) chain[step].enabled = false;
+    return chain;
+  }
 
   void make_spaces() {
     const Input& input = trials_.input();
@@ -93,8 +102,8 @@ class Adviser {
   }
 
   SearchSettings settings() {
-    SearchSettings settings{kMostEvaluations, request_.seed, request_.for_each, request_.stop,
-                            request_.progress};
+    SearchSettings settings{kMostEvaluations,  request_.seed, !request_.chain.empty(),
+                            request_.for_each, request_.stop, request_.progress};
     if (!settings.for_each) {
       settings.for_each = [](std::size_t count, const std::function<void(std::size_t)>& work) {
         for (std::size_t i = 0; i < count; ++i) work(i);
@@ -184,7 +193,7 @@ class Adviser {
     // Frames that the search has not seen have the last word.
     advice.remarks.push_back(
         "What suited the frames that were searched on made those held out no better.");
-    advice.chain = conversion(trials_.input());
+    advice.chain = without_help(advice.chain);
     advice.helps = false;
     advice.reasons.clear();
     advice.rows.pop_back();

@@ -1,7 +1,6 @@
 #include "kit/advise/measures.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iomanip>
 
 #include "kit/common/error.h"
@@ -21,8 +20,8 @@ constexpr MeasureText kTexts[] = {
     {median,
      "median",
      "median error",
-     "median error of predicting the next raw frame",
-     0.25,
+     "median error of predicting the next raw frame's surfaces",
+     0.3,
      0.3,
      {},
      1e-6,
@@ -30,8 +29,8 @@ constexpr MeasureText kTexts[] = {
     {percentile95,
      "p95",
      "95th percentile of the error",
-     "95th percentile of the error of predicting the next raw frame",
-     0.15,
+     "95th percentile of the error of predicting the next raw frame's surfaces",
+     0.2,
      0.2,
      {},
      1e-6,
@@ -54,7 +53,7 @@ constexpr MeasureText kTexts[] = {
      {},
      1e-6,
      Unit::error},
-    {roughness, "roughness", "", "median unevenness of surfaces", 0.4, 0, {}, 1e-6, Unit::error},
+    {roughness, "roughness", "", "median unevenness of surfaces", 0.15, 0, {}, 1e-6, Unit::error},
     {speckles, "speckles", "", "share of planted speckles left", 0.05, 0, {}, 0.1, Unit::share},
     {lost, "lost", "", "share of pixels at rest that were emptied", 0, 0, 0.05, 1, Unit::share},
     {moved, "moved", "", "share of pixels beside edges at rest that went over to the other side", 0, 0,
@@ -65,21 +64,6 @@ constexpr MeasureText kTexts[] = {
 
 std::span<const MeasureText> measure_texts() { return kTexts; }
 const MeasureText& text_of(Measure measure) { return kTexts[static_cast<std::size_t>(measure)]; }
-
-namespace {
-
-/// As a share of the untouched frames' value.
-double share_of(const MeasureText& text, double value, double untouched, bool of_truth) {
-  const double share = value / std::max(untouched, text.floor);
-  if (of_truth) return share;
-  // Errors of independent frames add up by their squares, shares of wrong pixels as they are.
-  if (text.measure == median || text.measure == percentile95)
-    return std::sqrt(std::max(2 * share * share - 1, 0.0));
-  if (text.measure == off) return std::max(2 * share - 1, 0.0);
-  return share;
-}
-
-}  // namespace
 
 Weights default_weights(bool with_truth) {
   Weights weights = {};
@@ -108,9 +92,8 @@ double loss_of(const Measures& measures, const Measures& untouched, const Weight
     if (!untouched.values[i]) continue;
     // A chain that left nothing to measure is no better than nothing.
     const double value = measures.values[i].value_or(2 * *untouched.values[i] + kTexts[i].floor);
-    sum += weights[i] * share_of(kTexts[i], value, *untouched.values[i], measures.of_truth);
-    weight +=
-        weights[i] * share_of(kTexts[i], *untouched.values[i], *untouched.values[i], measures.of_truth);
+    sum += weights[i] * value / std::max(*untouched.values[i], kTexts[i].floor);
+    weight += weights[i] * std::min(1.0, *untouched.values[i] / kTexts[i].floor);
     if (kTexts[i].limit) excess += std::max(0.0, value - *untouched.values[i] - *kTexts[i].limit);
   }
   return (weight > 0 ? sum / weight : 1) + kPenalty * excess;

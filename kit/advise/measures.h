@@ -29,7 +29,6 @@ const MeasureText& text_of(Measure measure);
 
 /// The values of a chain; what is not known is nothing.
 struct Measures {
-  bool of_truth = false;
   std::array<std::optional<double>, kMeasures> values;
   std::optional<double>& operator[](Measure measure) { return values[static_cast<std::size_t>(measure)]; }
   const std::optional<double>& operator[](Measure measure) const {
@@ -44,9 +43,8 @@ Weights default_weights(bool with_truth);
 /// @throws Error naming what is wrong and what it may be
 void set_weight(Weights& weights, const std::string& text);
 
-/// The weighted mean of the values as shares of those of the untouched frames: 1 is as good as these, 0 faultless. Of predictions
-/// what the raw frames owe is taken out first, since they are at fault themselves: half of what is seen between two of them. What
-/// exceeds a limit adds ten times its excess.
+/// The weighted mean of the values as shares of those of the untouched frames: 1 is as good as these, 0 faultless. What exceeds
+/// a limit adds ten times its excess.
 double loss_of(const Measures& measures, const Measures& untouched, const Weights& weights);
 /// The names of measures beyond their limits.
 std::vector<std::string_view> beyond_limits(const Measures& measures, const Measures& untouched);

@@ -14,7 +14,7 @@ constexpr std::size_t kFewestFrames = 4;
 constexpr std::size_t kKept = 3;  // of so many candidates one goes on
 constexpr double kFirstStep = 0.2, kLastStep = 0.02;
 constexpr double kGain = 1e-4;
-constexpr std::size_t kStarts = 3;
+constexpr std::size_t kStarts = 2;
 
 std::vector<Clip> shortened(std::vector<Clip> clips, std::size_t frames) {
   for (Clip& clip : clips) clip.count = std::min(clip.count, frames);
@@ -46,8 +46,9 @@ Search::Search(Trials& trials, const std::vector<Space>& spaces, std::vector<Cli
     rungs_.push_back(shortened(clips, frames));
   rungs_.push_back(std::move(clips));
   for (const auto& rung : rungs_) untouched_.push_back(trials_.run(conversion(trials_.input()), rung));
+  known_[chain_text(conversion(trials_.input()))] = 1;
   best_ = {conversion(trials_.input()), 0, 1};
-  known_[chain_text(best_.chain)] = 1;
+  if (settings_.keep_chain) best_ = {spaces_.front().start(), 0, loss(spaces_.front().start())};
 }
 
 bool Search::evaluate(std::vector<Candidate>& candidates, std::size_t rung) {
@@ -133,7 +134,7 @@ std::vector<Search::Candidate> Search::neighbours(const Candidate& centre, doubl
     chain[step_number].enabled = !chain[step_number].enabled;
     add(std::move(chain));
   }
-  for (int i = 0; i < 4; ++i) {
+  for (int i = 0; i < 2; ++i) {
     Chain chain = centre.chain;
     for (const Gene& gene : space.genes()) {
       if (!gene.choice && chain[gene.step].enabled)
@@ -144,10 +145,39 @@ std::vector<Search::Candidate> Search::neighbours(const Candidate& centre, doubl
   return found;
 }
 
+Chain Search::combined(const Candidate& centre, std::vector<Candidate> around) const {
+  std::stable_sort(around.begin(), around.end(), better);
+  Chain together = centre.chain;
+  std::set<std::pair<std::size_t, std::string>> changed;  // step and key, or no key where it is switched
+  for (const Candidate& each : around) {
+    if (each.loss >= centre.loss) break;
+    std::set<std::pair<std::size_t, std::string>> changes;
+    for (std::size_t step = 0; step < together.size(); ++step) {
+      if (each.chain[step].enabled != centre.chain[step].enabled) changes.insert({step, ""});
+    }
+    for (const Gene& gene : spaces_[centre.space].genes()) {
+      if (each.chain[gene.step].values->at(gene.key) != centre.chain[gene.step].values->at(gene.key))
+        changes.insert({gene.step, gene.key});
+    }
+    if (changes.size() != 1 || !changed.insert(*changes.begin()).second) continue;
+    const auto& [step, key] = *changes.begin();
+    if (key.empty()) {
+      together[step].enabled = each.chain[step].enabled;
+    } else {
+      (*together[step].values)[key] = each.chain[step].values->at(key);
+    }
+  }
+  return together;
+}
+
 Search::Candidate Search::refine(Candidate centre, std::size_t until) {
   for (double step = kFirstStep; step > kLastStep && spent_ < until;) {
     std::vector<Candidate> around = neighbours(centre, step);
-    const bool goes_on = evaluate(around, rungs_.size() - 1);
+    bool goes_on = evaluate(around, rungs_.size() - 1);
+    // What helps alone is tried together.
+    std::vector<Candidate> together = {{combined(centre, around), centre.space}};
+    goes_on = goes_on && evaluate(together, rungs_.size() - 1);
+    if (goes_on) around.push_back(together.front());
     const auto best = std::min_element(around.begin(), around.end(), better);
     if (best != around.end() && best->loss < centre.loss - kGain) {
       centre = *best;

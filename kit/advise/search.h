@@ -26,6 +26,7 @@ struct AdviceProgress {
 struct SearchSettings {
   std::size_t evaluations;  ///< the most, of one chain on some frames each
   std::uint64_t seed;
+  bool keep_chain;  ///< the answer is a chain of the space even if untouched frames are better
   ForEach for_each;
   std::function<bool()> stop;  ///< asked between batches; may be empty
   std::function<void(const AdviceProgress&)> progress;
@@ -55,6 +56,8 @@ class Search {
   bool evaluate(std::vector<Candidate>& candidates, std::size_t rung);
   std::vector<Candidate> first_candidates();
   std::vector<Candidate> neighbours(const Candidate& centre, double step);
+  /// The centre with every change of one thing that made it better.
+  Chain combined(const Candidate& centre, std::vector<Candidate> around) const;
   Candidate refine(Candidate centre, std::size_t until);
   bool stopped() const { return settings_.stop && settings_.stop(); }
 

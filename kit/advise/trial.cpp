@@ -69,7 +69,6 @@ struct Trials::Tally {
 Measures Trials::Tally::measures(bool with_truth) const {
   using enum Measure;
   Measures result;
-  result.of_truth = with_truth;
   const auto share = [](double part, double whole) {
     return whole > 0 ? std::optional(part / whole) : std::nullopt;
   };
@@ -99,7 +98,8 @@ Measures Trials::Tally::measures(bool with_truth) const {
   result[roughness] = unevenness.quantile(0.5);
   result[speckles] = share(spots.left, spots.count);
   result[lost] = share(rest.lost, rest.seen);
-  result[moved] = share(rest.moved, rest.at_edges);
+  constexpr double kFewestAtEdges = 400;  // a single one is not to pass the limit
+  if (rest.at_edges >= kFewestAtEdges) result[moved] = rest.moved / rest.at_edges;
   return result;
 }
 
@@ -110,8 +110,9 @@ Trials::Trials(const FilterLibrary& library, const Footage& footage, bool with_t
       lattice_(footage.frames.at(0).width, footage.frames.at(0).height) {
   const Frame& first = footage.frames.front();
   const std::size_t count = footage.frames.size();
-  input_ = {without_pixels(first), true, true};
+  input_ = {without_pixels(first), footage.has_geometry, true};
   raw_.resize(count);
+  surfaces_.resize(count);
   behind_.resize(count);
   truth_.resize(count);
   planted_.resize(count);
@@ -133,6 +134,7 @@ Trials::Trials(const FilterLibrary& library, const Footage& footage, bool with_t
       continue;
     }
     raw_[i] = inverses(lattice_.sample(frame.pixels));
+    surfaces_[i] = surfaces_of(raw_[i], lattice_);
     behind_[i] = behind_holes(raw_[i], lattice_);
     planted_[i] = frame;
     PlantedFrame planting{planted_[i], inverses, invalid_pixel(first)};
@@ -234,8 +236,8 @@ void Trials::measure(const Made& made, const Clip& clip, Tally& tally) {
   for (std::size_t i = from; i < clip.count; ++i) {
     Inverses filtered = inverses(lattice_.sample(made.frames[i]));
     const Inverses& raw = raw_[clip.first + i];
-    if (i + 1 < clip.count) tally.prediction.add(filtered, raw, raw_[clip.first + i + 1]);
-    if (clip.count == 1) tally.prediction.add_between(filtered, raw, lattice_);
+    if (i + 1 < clip.count) tally.prediction.add(filtered, raw, surfaces_[clip.first + i + 1]);
+    if (clip.count == 1) tally.prediction.add(filtered, raw, surfaces_[clip.first]);
     if (i >= clip.measured) {
       add_roughness(filtered, lattice_, tally.unevenness);
       tally.rest.add(at_rest, raw, filtered, last);

@@ -20,6 +20,7 @@ namespace kit {
 
 /// Frames that follow each other, and their truth where it is known: none, or one each.
 struct Footage {
+  bool has_geometry = true;  ///< the frames' disparity parameters are known
   std::vector<Frame> frames;
   std::vector<Image> truth;
 };
@@ -63,7 +64,7 @@ class Trials {
   Input input_;
   Lattice lattice_;
   std::vector<Inverses> raw_;  // of the lattice, by frame
-  std::vector<Inverses> behind_;
+  std::vector<Inverses> surfaces_, behind_;
   std::vector<Image> truth_;  // of the lattice
   std::vector<Frame> planted_;
   std::vector<std::vector<Planted>> hidden_, speckles_;
