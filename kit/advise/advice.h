@@ -12,7 +12,7 @@ namespace kit {
 /// What is asked for.
 struct AdviceRequest {
   /// Frames that split_frames() gives to neither part may be without pixels.
-  Footage footage;
+  Footage footage = {};
   /// Whose values are looked for; empty: sensible orders of filters are tried.
   Chain chain = {};
   std::optional<std::size_t> step = {};  ///< of the chain, whose values alone are looked for
