@@ -182,7 +182,7 @@ class Adviser {
                                                   : with_defaults(request_.chain);
     const auto add = [&](const char* name, const Chain& chain) {
       AdviceRow row{name, chain, trials_.run(chain, clips), 1};
-      row.loss = loss_of(row.measures, advice.rows.empty() ? row.measures : advice.rows.front().measures,
+      row.loss = mean_of(row.measures, advice.rows.empty() ? row.measures : advice.rows.front().measures,
                          weights_);
       advice.rows.push_back(std::move(row));
     };

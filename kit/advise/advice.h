@@ -31,7 +31,7 @@ struct AdviceRow {
   std::string name;
   Chain chain;
   Measures measures;
-  double loss = 1;
+  double loss = 1;  ///< mean_of()
 };
 
 struct Advice {

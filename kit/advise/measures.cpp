@@ -86,17 +86,25 @@ void set_weight(Weights& weights, const std::string& text) {
   weights[static_cast<std::size_t>(found - names.begin())] = *value;
 }
 
-double loss_of(const Measures& measures, const Measures& untouched, const Weights& weights) {
-  double sum = 0, weight = 0, excess = 0;
+double mean_of(const Measures& measures, const Measures& untouched, const Weights& weights) {
+  double sum = 0, weight = 0;
   for (std::size_t i = 0; i < kMeasures; ++i) {
     if (!untouched.values[i]) continue;
     // A chain that left nothing to measure is no better than nothing.
     const double value = measures.values[i].value_or(2 * *untouched.values[i] + kTexts[i].floor);
     sum += weights[i] * value / std::max(*untouched.values[i], kTexts[i].floor);
     weight += weights[i] * std::min(1.0, *untouched.values[i] / kTexts[i].floor);
-    if (kTexts[i].limit) excess += std::max(0.0, value - *untouched.values[i] - *kTexts[i].limit);
   }
-  return (weight > 0 ? sum / weight : 1) + kPenalty * excess;
+  return weight > 0 ? sum / weight : 1;
+}
+
+double loss_of(const Measures& measures, const Measures& untouched, const Weights& weights) {
+  double loss = mean_of(measures, untouched, weights);
+  for (const MeasureText& each : kTexts) {
+    const auto &value = measures[each.measure], &before = untouched[each.measure];
+    if (each.limit && value && before) loss += kPenalty * std::max(0.0, *value - *before - *each.limit);
+  }
+  return loss;
 }
 
 std::vector<std::string_view> beyond_limits(const Measures& measures, const Measures& untouched) {

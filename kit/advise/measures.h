@@ -43,8 +43,9 @@ Weights default_weights(bool with_truth);
 /// @throws Error naming what is wrong and what it may be
 void set_weight(Weights& weights, const std::string& text);
 
-/// The weighted mean of the values as shares of those of the untouched frames: 1 is as good as these, 0 faultless. What exceeds
-/// a limit adds ten times its excess.
+/// The weighted mean of the values as shares of those of the untouched frames: 1 is as good as these, 0 faultless.
+double mean_of(const Measures& measures, const Measures& untouched, const Weights& weights);
+/// The same and ten times what exceeds a limit.
 double loss_of(const Measures& measures, const Measures& untouched, const Weights& weights);
 /// The names of measures beyond their limits.
 std::vector<std::string_view> beyond_limits(const Measures& measures, const Measures& untouched);
