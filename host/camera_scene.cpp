@@ -20,12 +20,6 @@ Vec3 operator-(Vec3 a, Vec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 Vec3 operator*(double s, Vec3 a) { return {s * a.x, s * a.y, s * a.z}; }
 double dot(Vec3 a, Vec3 b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
-// Goes to and fro between -1 and 1, `steps` frames each way.
-double swing(unsigned frame, unsigned steps) {
-  const unsigned phase = (frame + steps / 2) % (2 * steps);
-  return 2.0 * (phase < steps ? phase : 2 * steps - phase) / steps - 1.0;
-}
-
 // Cosine and sine of the angle whose half has tangent t: no library function whose last bit may differ.
 struct Turn {
   explicit Turn(double t) : cosine((1 - t * t) / (1 + t * t)), sine(2 * t / (1 + t * t)) {}
@@ -83,13 +77,19 @@ double dot_pattern(std::uint64_t salt, double u, double v) {
 
 }  // namespace
 
+double swing(unsigned frame, unsigned steps) {
+  const unsigned phase = (frame + steps / 2) % (2 * steps);
+  return 2.0 * (phase < steps ? phase : 2 * steps - phase) / steps - 1.0;
+}
+
 struct Scene::Surface {
   Vec3 normal;
   double u, v;  // in the plane of the face
   int face;
 };
 
-Scene::Scene(std::uint64_t seed, unsigned frame) : seed_(scramble(seed + kGolden)) {
+Scene::Scene(std::uint64_t seed, unsigned frame, double texture)
+    : seed_(scramble(seed + kGolden)), texture_(texture) {
   const double slide = 120 * swing(frame, 60), bounce = 30 * swing(frame, 25);
   const auto standing = [](double x, double z, Vec3 half) { return Vec3{x, kFloor - half.y, z}; };
   const Vec3 cupboard{260, 330, 260}, crate{170, 190, 130}, cart{120, 140, 90}, tin{45, 30, 25};
@@ -150,19 +150,28 @@ double Scene::brightness(const Body& body, Vec3 point, double focal_length) cons
     if (weight > 0) texture += weight * value_noise(salt, surface.u / cell, surface.v / cell);
   }
   const double lit = 0.4 + 0.6 * std::max(0.0, dot(surface.normal, kLight));
-  const double ambient = 75.0 * lit * (1.0 + 0.6 * body.material.contrast * texture);
+  const double ambient = 75.0 * lit * (1.0 + 0.6 * texture_ * body.material.contrast * texture);
 
   const Vec3 ray = point - kProjector;
   const double strength = std::min(1.6, 1500.0 * 1500.0 / (point.z * point.z));
   const double slope = std::clamp(-dot(surface.normal, ray) / ray.z, 0.0, 1.0);
-  const double dots = body.material.dots * strength * slope *
+  const double dots = texture_ * body.material.dots * strength * slope *
                       dot_pattern(seed_, focal_length * ray.x / ray.z, focal_length * ray.y / ray.z);
   return 6.0 + body.material.albedo * (ambient + 160.0 * dots);
 }
 
-Picture Scene::render(const View& view, std::uint64_t noise_seed) const {
+Glance Scene::glance(const Body& body, Vec3 point, Vec3 ray) const {
+  const Vec3 normal = surface_at(body, point).normal;
+  const double distance = std::sqrt(dot(ray, ray));
+  const Vec3 halfway = kLight - (1 / distance) * ray;  // between the lamp and the camera
+  return {static_cast<float>(-dot(normal, ray) / distance),
+          static_cast<float>(dot(normal, halfway) / std::sqrt(std::max(dot(halfway, halfway), 1e-12)))};
+}
+
+Picture Scene::render(const View& view, std::uint64_t noise_seed, bool glances) const {
   const std::size_t count = std::size_t{view.width} * view.height;
-  Picture picture{view.width, view.height, std::vector<std::uint8_t>(count), std::vector<float>(count)};
+  Picture picture{view.width, view.height, std::vector<std::uint8_t>(count), std::vector<float>(count),
+                  std::vector<Glance>(glances ? count : 0)};
   std::vector<double> nearest(count, std::numeric_limits<double>::infinity());
   std::vector<std::uint8_t> seen(count);
   const Vec3 eye{view.eye_x, 0, 0};
@@ -215,6 +224,9 @@ Picture Scene::render(const View& view, std::uint64_t noise_seed) const {
       const double noise = std::sqrt(2.5 + 0.05 * light) * bell(hash(noise_seed, column, row));
       picture.grey[at] = static_cast<std::uint8_t>(std::clamp(light + noise + 0.5, 0.0, 255.0));
       picture.depth[at] = body.material.solid ? static_cast<float>(nearest[at]) : 0.0f;
+      if (!glances || !body.material.solid) continue;
+      const Vec3 ray = direction(column, row);
+      picture.glances[at] = glance(body, eye + nearest[at] * ray, ray);
     }
   }
   return picture;

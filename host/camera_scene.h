@@ -22,19 +22,30 @@ struct View {
   double eye_x = 0;
 };
 
+/// How a pixel's surface lies.
+struct Glance {
+  float facing = 0;  ///< cosine of the angle between its normal and the ray to the camera
+  float shine = 0;   ///< cosine of the angle between its normal and that of a mirror that shows the lamp
+};
+
 struct Picture {
   std::uint32_t width = 0, height = 0;
   std::vector<std::uint8_t> grey;
-  std::vector<float> depth;  ///< z of the surface seen, 0 for none
+  std::vector<float> depth;     ///< z of the surface seen, 0 for none
+  std::vector<Glance> glances;  ///< where they were asked for
 };
+
+/// Goes to and fro between -1 and 1, `steps` frames each way, from 0.
+double swing(unsigned frame, unsigned steps);
 
 class Scene {
  public:
-  /// `seed` chooses textures and places, `frame` the moment: a box and a ball move by 2 to 4 mm a frame.
-  Scene(std::uint64_t seed, unsigned frame);
+  /// `seed` chooses textures and places, `frame` the moment: a box and a ball move by 2 to 4 mm a frame. Of the contrast of
+  /// textures and dots there is the share `texture`.
+  Scene(std::uint64_t seed, unsigned frame, double texture = 1);
 
   /// What a sensor with the noise `noise_seed` records. All views of one scene share textures and dots.
-  Picture render(const View& view, std::uint64_t noise_seed) const;
+  Picture render(const View& view, std::uint64_t noise_seed, bool glances = false) const;
 
  private:
   enum class Shape { kRoom, kBox, kBall };
@@ -63,8 +74,10 @@ class Scene {
   void add(const Piece& piece);
   Surface surface_at(const Body& body, Vec3 point) const;
   double brightness(const Body& body, Vec3 point, double focal_length) const;
+  Glance glance(const Body& body, Vec3 point, Vec3 ray) const;
 
   std::uint64_t seed_;
+  double texture_;
   std::vector<Body> bodies_;
 };
 

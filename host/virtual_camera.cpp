@@ -40,6 +40,13 @@ CameraConfig completed(CameraConfig config) {
   require(config.bit_size >= least && config.bit_size <= most, "bit_size",
           "0 or " + std::to_string(least) + " to " + std::to_string(most) + " here");
   const std::int64_t correction = config.disparity_correction.value_or(0);
+  const auto within = [](float value, double limit) {
+    return value >= 0 && static_cast<double>(value) <= limit;
+  };
+  require(within(config.texture, 1), "texture", "0 to 1");
+  require(within(config.faults.noise, 4), "noise", "0 to 4");
+  require(within(config.faults.speckle, 0.3f), "speckle", "0 to 0.3");
+  require(within(config.faults.dropouts, 1), "dropouts", "0 to 1");
   require(correction >= -128 && correction <= 128, "disparity_correction", "-128 to 128");
   return config;
 }
@@ -80,12 +87,15 @@ VirtualCamera::VirtualCamera(const CameraConfig& config)
 std::uint16_t VirtualCamera::invalid_pixel() const { return DisparityCode(parameters_, 0).invalid(); }
 
 CameraFrame VirtualCamera::frame(unsigned index) const {
-  const Scene scene(config_.seed, index);
+  const bool moves = config_.motion != Motion::still;
+  const Scene scene(config_.seed, moves ? index : 0, static_cast<double>(config_.texture));
+  const double eye_x = config_.motion == Motion::camera ? 90 * swing(index, 30) : 0;
   const auto noise = [&](int camera) { return hash(config_.seed, index, camera); };
-  const Picture left = scene.render(with_margin(config_, 0), noise(0));
+  const Picture left = scene.render(with_margin(config_, eye_x), noise(0), config_.faults.any());
   const auto baseline = static_cast<double>(config_.baseline);
-  const Picture right = scene.render(with_margin(config_, baseline), noise(1));
-  const Match match = match_blocks(left.grey, right.grey, {config_.width, config_.height, disparities_});
+  const Picture right = scene.render(with_margin(config_, eye_x + baseline), noise(1));
+  Match match = match_blocks(left.grey, right.grey, {config_.width, config_.height, disparities_});
+  if (config_.faults.any()) add_faults(config_.faults, {left, disparities_}, noise(2), match);
 
   const bool packed = config_.format == ZV_FORMAT_PACKED_CODE;
   const DisparityCode encode(parameters_, static_cast<double>(config_.disparity_correction.value_or(0)));

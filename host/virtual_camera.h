@@ -10,9 +10,17 @@
 #include <optional>
 #include <vector>
 
+#include "camera_faults.h"
 #include "dev_host.h"
 
 namespace devhost {
+
+/// What of a scene moves.
+enum class Motion {
+  still,
+  objects,  ///< a box and a ball, 2 to 4 mm a frame
+  camera,   ///< they and the camera, 6 mm a frame to one side, 30 frames long, and back
+};
 
 struct CameraConfig {
   std::uint32_t width = 640;   ///< 64 to 4096
@@ -29,6 +37,9 @@ struct CameraConfig {
   /// doesn't know it, so its codes stay whole.
   std::optional<std::int64_t> disparity_correction = {};
   bool dual = true;  ///< whether the record is that of two cameras
+  Motion motion = Motion::objects;
+  float texture = 1;  ///< contrast of textures and projected dots, 0 to 1
+  CameraFaults faults = {};
 };
 
 struct CameraFrame {
@@ -44,7 +55,7 @@ class VirtualCamera {
   /// Throws std::invalid_argument with the name of the bad field and what it may be.
   explicit VirtualCamera(const CameraConfig& config);
 
-  /// Frame `index` of a slowly moving scene. Its record and its value scale make depth millimetres.
+  /// Frame `index` of the scene. Its record and its value scale make depth millimetres.
   CameraFrame frame(unsigned index) const;
 
   const CameraConfig& config() const { return config_; }  ///< with every choice made

@@ -30,6 +30,9 @@ void bench_command(const kit::FilterLibrary& library, RunOptions options, std::o
 /// Serves the tuner's page until it is interrupted, and ends the program then.
 [[noreturn]] void tune_command(const kit::FilterLibrary& library, TuneOptions options, std::ostream& out,
                                std::ostream& notes);
+/// @throws Stopped when it was asked to end, once the best so far is written
+void advise_command(const kit::FilterLibrary& library, AdviseOptions options, std::ostream& out,
+                    std::ostream& notes);
 using kit::read_chain;
 /// Changes what TAG.key=value names.
 void override_values(kit::Chain& chain, const std::vector<std::string>& settings);

@@ -25,6 +25,7 @@ struct Arguments {
   std::string preset;
   zvfilter::RunOptions run;
   zvfilter::TuneOptions tune;
+  zvfilter::AdviseOptions advise;
   zvfilter::CameraCommandOptions camera;
   std::vector<std::string> chains;
   zvfilter::ChainConvertOptions convert;
@@ -48,8 +49,8 @@ kit::FilterLibrary open_plugin(const std::optional<std::string>& file) {
     const std::string unknown = app.remaining().front();
     const bool option = unknown.starts_with('-');
     const std::vector<std::string> options = {"--help", "--version", "--plugin"};
-    const std::vector<std::string> commands = {"list",  "help", "presets", "schema", "run",
-                                               "bench", "tune", "chain",   "camera"};
+    const std::vector<std::string> commands = {"list",  "help",   "presets", "schema", "run",
+                                               "bench", "advise", "tune",    "chain",  "camera"};
     kit::refuse(option ? "unknown option " : "unknown command ", unknown, "; ",
                 kit::suggest(unknown, option ? options : commands));
   }
@@ -86,6 +87,8 @@ int run_program(int argc, char** argv) {
   CLI::App* tune =
       app.add_subcommand("tune", "Try chains of filters on a sequence of images in a browser");
   zvfilter::describe_tune(*tune, arguments.tune);
+  CLI::App* advise = app.add_subcommand("advise", "Find filters and values that suit a recording");
+  zvfilter::describe_advise(*advise, arguments.advise);
   CLI::App* chain = app.add_subcommand("chain", "Check, show and convert chains of filters");
   chain->require_subcommand(1);
   CLI::App* check = chain->add_subcommand("check", "Say what is wrong with chains");
@@ -135,6 +138,9 @@ int run_program(int argc, char** argv) {
   } else if (tune->parsed()) {
     arguments.tune.words.assign(argv + 1, argv + argc);
     zvfilter::tune_command(open_plugin(arguments.plugin), arguments.tune, std::cout, std::cerr);
+  } else if (advise->parsed()) {
+    arguments.advise.run.report.command = zvfilter::command_text({argv, argv + argc});
+    zvfilter::advise_command(open_plugin(arguments.plugin), arguments.advise, std::cout, std::cerr);
   } else if (check->parsed()) {
     zvfilter::chain_check_command(open_plugin(arguments.plugin), arguments.chains, std::cout);
   } else if (show->parsed()) {

@@ -1,6 +1,7 @@
 #ifndef ZVFILTER_OPTIONS_H
 #define ZVFILTER_OPTIONS_H
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -63,6 +64,17 @@ struct TuneOptions {
   std::vector<std::string> words;  ///< of the command line, after the command's name
 };
 
+struct AdviseOptions {
+  RunOptions run;                    ///< the frames and the chain
+  std::filesystem::path output;      ///< the chain file
+  std::vector<std::string> weights;  ///< NAME=VALUE
+  std::string step;                  ///< whose values alone are looked for; empty: all
+  std::uint64_t seed = 1;
+  std::optional<std::size_t> evaluations;
+  double seconds = 60;
+  bool with_truth = false;  ///< of the virtual camera
+};
+
 struct CameraCommandOptions {
   std::vector<kit::CameraSetting> settings;
   std::filesystem::path output;
@@ -80,6 +92,7 @@ struct ChainConvertOptions {
 void describe_run(CLI::App& command, RunOptions& run);
 void describe_bench(CLI::App& command, RunOptions& run);
 void describe_tune(CLI::App& command, TuneOptions& tune);
+void describe_advise(CLI::App& command, AdviseOptions& advise);
 void describe_chain_convert(CLI::App& command, ChainConvertOptions& convert);
 void describe_camera(CLI::App& command, CameraCommandOptions& camera);
 

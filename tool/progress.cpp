@@ -36,7 +36,7 @@ void Progress::clear() {
   visible_ = false;
 }
 
-void Progress::show(std::size_t done) {
+void Progress::show(std::size_t done, const std::string& note) {
   const Clock::time_point now = Clock::now();
   constexpr std::chrono::milliseconds pause(50);  // a terminal is slower than the filters
   if (!visible_ || (now - shown_ < pause && done != total_)) return;
@@ -47,7 +47,7 @@ void Progress::show(std::size_t done) {
   if (total_ != 0) {
     const auto left = static_cast<unsigned long>(static_cast<double>(total_ - done) / rate + 0.5);
     text = kit::concat(done, '/', total_, rated, "  ", left / 60, ':', std::setfill('0'), std::setw(2),
-                       left % 60, " left");
+                       left % 60, " left", note);
     text.insert(0, bar(done, columns() - std::min(columns(), text.size())));
   }
   // A line that the terminal breaks could not be written over.

@@ -15,7 +15,8 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
   ~Progress() { clear(); }
-  void show(std::size_t done);
+  /// @param note  a few words behind the rate
+  void show(std::size_t done, const std::string& note = {});
   void clear();
 
  private:

@@ -8,11 +8,8 @@
 
 namespace zvfilter {
 
-namespace {
-
 using Rows = std::vector<std::vector<std::string>>;
 
-/// Aligned columns under a heading: the first to the left, the others to the right.
 void print_table(const Rows& rows, std::ostream& out) {
   std::vector<std::size_t> widths(rows.front().size());
   for (const auto& row : rows) {
@@ -26,6 +23,8 @@ void print_table(const Rows& rows, std::ostream& out) {
     out << '\n';
   }
 }
+
+namespace {
 
 std::string rounded(std::optional<double> value, int places, const char* unit = "") {
   return value ? kit::concat(std::fixed, std::setprecision(places), *value, unit) : "-";

@@ -25,8 +25,9 @@ kit::ReportStep describe_step(const kit::Pipeline& pipeline, std::size_t index) 
 }
 
 kit::ReportSettings describe_run(const RunOptions& options, const kit::Pipeline& pipeline,
-                                 std::size_t frames) {
+                                 std::size_t frames, std::vector<kit::ReportTable> tables) {
   kit::ReportSettings settings;
+  settings.tables = std::move(tables);
   settings.input = kit::join(options.inputs, " ");
   settings.command = options.report.command;
   settings.chain_file = kit::chain_json({"", options.attributes.camera, pipeline.chain()});
@@ -54,9 +55,9 @@ fs::path result_of(const std::string& stem, const std::vector<fs::path>& results
 }  // namespace
 
 RunReport::RunReport(const RunOptions& options, const kit::Pipeline& pipeline,
-                     const kit::FrameSource& source)
+                     const kit::FrameSource& source, std::vector<kit::ReportTable> tables)
     : file_(options.report.file),
-      report_(describe_run(options, pipeline, source.names.size())),
+      report_(describe_run(options, pipeline, source.names.size(), std::move(tables))),
       names_(source.names) {
   for (const std::size_t index : options.report.frames) {
     if (index >= names_.size())

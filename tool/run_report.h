@@ -14,7 +14,8 @@ namespace zvfilter {
 class RunReport {
  public:
   /// @throws kit::Error when a frame asked for isn't in the source or the other run lacks a result
-  RunReport(const RunOptions& options, const kit::Pipeline& pipeline, const kit::FrameSource& source);
+  RunReport(const RunOptions& options, const kit::Pipeline& pipeline, const kit::FrameSource& source,
+            std::vector<kit::ReportTable> tables = {});
 
   /// The passage's frames have to stay until end_frame().
   void add(const kit::Passage& passage, const kit::AccuracySummary& accuracy);

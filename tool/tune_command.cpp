@@ -24,8 +24,8 @@ constexpr auto kInterruptionPause = std::chrono::milliseconds(20);
 kit::Chain first_chain(TuneOptions& options) {
   RunOptions& run = options.run;
   const bool named = !run.filters.empty() || !run.chain.empty() || !run.preset.empty();
-  const bool new_file =
-      kit::is_chain_file(run.chain) && !std::filesystem::exists(std::filesystem::symlink_status(run.chain));
+  const bool new_file = kit::is_chain_file(run.chain) &&
+                        !std::filesystem::exists(std::filesystem::symlink_status(run.chain));
   if (named && !new_file) return open_chain(run);
   if (!run.settings.empty()) kit::refuse("--set ", run.settings.front(), ": there is no chain yet");
   return {};

@@ -50,9 +50,10 @@ bool enough(const std::vector<float>& values, std::size_t frames) {
   return 4 * values.size() >= 3 * frames;
 }
 
-bool at_rest(std::span<const std::vector<float>> frames, std::size_t pixel) {
-  const std::vector<float> values = valid_values(frames, pixel);
-  if (!enough(values, frames.size())) return false;
+}  // namespace
+
+bool is_at_rest(const std::vector<float>& values, std::size_t frames) {
+  if (!enough(values, frames)) return false;
   const double centre = median(values);
   const double least = std::max(deviation(values, centre), kLeastDeviation * centre);
   const bool close = std::all_of(values.begin(), values.end(), [&](float value) {
@@ -63,8 +64,6 @@ bool at_rest(std::span<const std::vector<float>> frames, std::size_t pixel) {
   const double drift = median({values.begin(), middle}) - median({middle, values.end()});
   return close && std::abs(drift) <= kMostDrift * least;
 }
-
-}  // namespace
 
 void Steadiness::add(const FrameView& before, const FrameView& after) {
   if (width_ == 0) {
@@ -88,7 +87,7 @@ void Steadiness::end_window() {
     const std::size_t pixels = old_.window.front().size();
     looked_at_ += pixels;
     for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
-      if (!at_rest(old_.window, pixel)) continue;
+      if (!is_at_rest(valid_values(old_.window, pixel), frames)) continue;
       measure(old_, pixel);
       if (comparable_ && enough(valid_values(new_.window, pixel), frames)) measure(new_, pixel);
     }

@@ -17,6 +17,9 @@ struct SteadinessSummary {
   std::optional<double> noise;    ///< median of the pixels' deviations
 };
 
+/// Whether a pixel's valid values, in the order of `frames` frames, stay within their own noise, as Steadiness has it.
+bool is_at_rest(const std::vector<float>& values, std::size_t frames);
+
 /// How steady the pixels are that see something at rest, before and after a chain, without a truth.
 ///
 /// The frames are taken in windows of 16 (a last one of at least 4) and, on a lattice of some 16000 pixels, each pixel by

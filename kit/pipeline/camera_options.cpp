@@ -5,6 +5,7 @@
 #include <optional>
 #include <stdexcept>
 #include <type_traits>
+#include <utility>
 
 #include "kit/common/error.h"
 #include "kit/common/suggestions.h"
@@ -42,6 +43,25 @@ bool set_size(CameraRequest& request, std::string_view text) {
   return true;
 }
 
+template <auto field>
+bool set_fault(CameraRequest& request, std::string_view text) {
+  const auto value = within<parse_number, 0, 1000>(text);
+  if (value) request.config.faults.*field = static_cast<float>(*value);
+  return value.has_value();
+}
+
+bool set_motion(CameraRequest& request, std::string_view text) {
+  using devhost::Motion;
+  constexpr std::pair<std::string_view, Motion> all[] = {
+      {"still", Motion::still}, {"objects", Motion::objects}, {"camera", Motion::camera}};
+  for (const auto& [name, motion] : all) {
+    if (name != text) continue;
+    request.config.motion = motion;
+    return true;
+  }
+  return false;
+}
+
 bool set_mono(CameraRequest& request, std::string_view) { return request.mono = true; }
 
 const CameraOption* option_named(std::string_view name) {
@@ -77,6 +97,8 @@ const std::vector<CameraOption>& camera_options() {
   constexpr auto set_correction = set<parse_integer, &Config::disparity_correction>;
   constexpr auto set_baseline = set<within<parse_number, 0, 1000000>, &Config::baseline>;
   constexpr auto set_fx = set<parse_number, &Config::fx>;
+  using Faults = devhost::CameraFaults;
+  constexpr auto set_texture = set<within<parse_number, 0, 1000>, &Config::texture>;
   static const std::vector<CameraOption> all = {
       {"frames", "N", "How many, 10 by default", "1 to 10000", set_frames, ""},
       {"size", "WxH", "640x400 by default", "WIDTHxHEIGHT, for example 640x400", set_size,
@@ -94,6 +116,20 @@ const std::vector<CameraOption>& camera_options() {
       {"baseline", "MM", "Distance of the two viewpoints, 50 by default", "a number from 5 to 500",
        set_baseline, "baseline"},
       {"fx", "PIXELS", "Focal length, 0.7 times the width by default", "a number", set_fx, "fx"},
+      {"motion", "WHAT",
+       "What moves: still (nothing), objects (a box and a ball, default) or camera (they and the camera)",
+       "still, objects or camera", set_motion, ""},
+      {"texture", "SHARE", "Contrast of textures and projected dots, 1 by default",
+       "a number from 0 to 1", set_texture, "texture"},
+      {"noise", "PIXELS",
+       "Deviation of the disparity 1 m away, more with the distance and at grazing angles; none by "
+       "default",
+       "a number from 0 to 4", set_fault<&Faults::noise>, "noise"},
+      {"speckle", "SHARE", "Pixels that another projector spoils, in spots; none by default",
+       "a number from 0 to 0.3", set_fault<&Faults::speckle>, "speckle"},
+      {"dropouts", "SHARE",
+       "How likely a pixel beside an edge or on a dark or shiny surface is missing; 0 by default",
+       "a number from 0 to 1", set_fault<&Faults::dropouts>, "dropouts"},
       {"mono", "", "The parameters are those of one camera", "", set_mono, ""},
   };
   return all;

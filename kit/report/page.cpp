@@ -64,9 +64,9 @@ class Page {
 
   std::string text(const Details& details) {
     const std::size_t others = report_.shown().size() - 1;
-    std::string body = header_of(settings_) + key_figures(report_, totals_) + hero(details) +
-                       steps(details) + sequence() + other_frames(details) + chain_again(settings_) +
-                       left_out(details, others, settings_.most_bytes);
+    std::string body = header_of(settings_) + key_figures(report_, totals_) + tables_of(settings_) +
+                       hero(details) + steps(details) + sequence() + other_frames(details) +
+                       chain_again(settings_) + left_out(details, others, settings_.most_bytes);
     const auto fill = [](std::string text, const std::string& name, const std::string& value) {
       const std::string mark = "{{" + name + "}}";
       return text.replace(text.find(mark), mark.size(), value);

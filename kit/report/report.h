@@ -22,6 +22,13 @@ struct ReportStep {
   std::vector<ReportParameter> parameters = {};
 };
 
+/// What else is to be said of the chain.
+struct ReportTable {
+  std::string title;
+  std::vector<std::vector<std::string>> rows;  ///< the first is the heading
+  std::vector<std::string> sentences;          ///< below it
+};
+
 struct ReportSettings {
   std::string input;       ///< what the frames are, in a few words
   std::string command;     ///< that makes this run again
@@ -30,7 +37,8 @@ struct ReportSettings {
   std::vector<std::size_t> frames = {};  ///< shown in any case, by number from 0
   std::string against = {};              ///< where the results of the other run are; empty: there is none
   std::optional<std::size_t> last = {};  ///< number of the frame that is sure to be the last
-  std::size_t most_bytes = 10'000'000;   ///< of the page, whose details give way
+  std::vector<ReportTable> tables = {};
+  std::size_t most_bytes = 10'000'000;  ///< of the page, whose details give way
 };
 
 /// A frame that is shown.

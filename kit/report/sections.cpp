@@ -59,6 +59,28 @@ std::string key_figures(const Report& report, const std::vector<StageTotals>& to
   return "<dl class=\"figures\">" + out + "</dl>\n";
 }
 
+std::string tables_of(const ReportSettings& settings) {
+  std::string out;
+  for (const ReportTable& table : settings.tables) {
+    std::string rows;
+    for (const auto& row : table.rows) {
+      const bool heading = &row == &table.rows.front();
+      std::string cells;
+      for (const std::string& cell : row) {
+        const bool name = heading || &cell == &row.front();
+        const char* const begin = heading ? "<th scope=\"col\">" : name ? "<th scope=\"row\">" : "<td>";
+        cells += begin + escaped(cell) + (name ? "</th>" : "</td>");
+      }
+      rows += concat(heading ? "<thead>" : "", "<tr>", cells, "</tr>", heading ? "</thead><tbody>" : "");
+    }
+    out += concat("<section><h2>", escaped(table.title), "</h2><div class=\"wide\"><table>", rows,
+                  "</tbody></table></div>");
+    for (const std::string& sentence : table.sentences) out += concat("<p>", escaped(sentence), "</p>");
+    out += "</section>\n";
+  }
+  return out;
+}
+
 std::string comparison(const ReportFrame& frame, const std::string& against) {
   if (!frame.other_measures) return "";
   const StageMeasures &mine = frame.measures.back(), &other = *frame.other_measures;

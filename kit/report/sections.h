@@ -14,6 +14,8 @@ namespace kit {
 std::string header_of(const ReportSettings& settings);
 /// What the whole chain did, in a few numbers.
 std::string key_figures(const Report& report, const std::vector<StageTotals>& totals);
+/// What was measured beside the run.
+std::string tables_of(const ReportSettings& settings);
 /// Beside the other run's result; empty where there is none.
 std::string comparison(const ReportFrame& frame, const std::string& against);
 /// Of a frame before and after the chain; empty where their units differ.

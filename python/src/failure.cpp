@@ -33,9 +33,11 @@ void translate_failures() {
       const zvf_error& error = failure.error;
       raise(error.code, error.step, error.tag, error.key, error.message);
     } catch (const kit::Error& error) {
-      // Only files are read and written without the library.
+      // Without the library only files are read and written, and frames advised on.
       const bool bad_request = error.kind() == kit::Error::Kind::bad_request;
-      raise(bad_request ? ZVF_BAD_ARGUMENT : ZVF_NO_FILE, -1, "", "", error.what());
+      const kit::Place& place = error.place();
+      raise(bad_request ? ZVF_BAD_ARGUMENT : ZVF_NO_FILE, place.step, place.tag.c_str(),
+            place.key.c_str(), error.what());
     }
   });
 }

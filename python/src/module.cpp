@@ -1,5 +1,6 @@
 #include <pybind11/pybind11.h>
 
+#include "advise.h"
 #include "camera.h"
 #include "chain.h"
 #include "failure.h"
@@ -16,5 +17,6 @@ PYBIND11_MODULE(_zvfilter, module) {
   zvpython::bind_chain(module);
   zvpython::bind_files(module);
   zvpython::bind_camera(module);
+  zvpython::bind_advise(module);
   zvpython::bind_kernels(module);
 }

@@ -10,6 +10,7 @@ Frames are arrays of uint16, one a pixel, shape (height, width). 0 is no depth. 
 from . import batch, kernels
 from ._zvfilter import chain_file_schema, level
 from ._zvfilter import version as __version__
+from .advice import Advice, advise
 from .camera import CameraFrame, VirtualCamera
 from .chain import Chain, Stage, Step
 from .errors import Code, Error, FailedError, FileError, InvalidError
@@ -18,6 +19,6 @@ from .filters import __all__ as _filters
 from .images import read, write
 from .inputs import Input, Output
 
-__all__ = ["CameraFrame", "Chain", "Code", "Error", "FailedError", "FileError", "Input", "InvalidError", "Output", "Stage", "Step",
-           "VirtualCamera", "__version__", "batch", "chain_file_schema", "kernels", "level", "read", "write"]
+__all__ = ["Advice", "CameraFrame", "Chain", "Code", "Error", "FailedError", "FileError", "Input", "InvalidError", "Output", "Stage", "Step",
+           "VirtualCamera", "__version__", "advise", "batch", "chain_file_schema", "kernels", "level", "read", "write"]
 __all__ += _filters

@@ -45,6 +45,16 @@ class VirtualCamera(Sequence[CameraFrame]):
         Disparity missing from every code, pixels, -128 to 128.
     dual : bool
         The parameters are those of two cameras.
+    motion : {"objects", "still", "camera"}
+        What moves: a box and a ball, nothing, or they and the camera.
+    texture : float
+        Contrast of textures and projected dots, 0 to 1.
+    noise : float
+        Deviation of the disparity 1 m away, pixels, 0 to 4; it grows with the distance and at grazing angles.
+    speckle : float
+        Share of the pixels that another projector spoils, 0 to 0.3.
+    dropouts : float
+        How likely a pixel beside an edge or on a dark or shiny surface is missing, 0 to 1.
 
     Raises
     ------
@@ -61,13 +71,14 @@ class VirtualCamera(Sequence[CameraFrame]):
 
     def __init__(self, size: Tuple[int, int] = (640, 400), *, frames: int = 10, seed: int = 1, baseline: float = 50,
                  fx: Optional[float] = None, pack_mode: int = 2, bits: Optional[int] = None, packed: bool = False,
-                 correction: Optional[int] = None, dual: bool = True) -> None:
+                 correction: Optional[int] = None, dual: bool = True, motion: str = "objects", texture: float = 1,
+                 noise: float = 0, speckle: float = 0, dropouts: float = 0) -> None:
         self._frames = operator.index(frames)
         if self._frames < 0:
             raise ValueError(f"frames is {frames}; expected 0 or more")
         width, height = size
         self._native = _zvfilter.NativeCamera(width, height, seed, baseline, fx or 0, pack_mode, bits or 0, packed,
-                                              correction, dual)
+                                              correction, dual, motion, texture, noise, speckle, dropouts)
 
     @property
     def input(self) -> Input:

@@ -102,12 +102,88 @@ TEST(VirtualCamera, EveryCodingReadsBackAsTheDepthThatWasMeasured) {
   EXPECT_EQ(sum, 1463794316u) << "as on every machine";
 }
 
+TEST(VirtualCamera, FaultsSpoilWhatTheySayAndNothingElse) {
+  const CameraConfig config = small_config();
+  const CameraFrame clean = VirtualCamera(config).frame(0);
+  const Pixels depths = read_depths(clean);
+  const auto spoiled = [&](const CameraFaults& faults) {
+    CameraConfig other = config;
+    other.faults = faults;
+    const CameraFrame frame = VirtualCamera(other).frame(0);
+    EXPECT_EQ(frame.truth, clean.truth);
+    return read_depths(frame);
+  };
+  const auto share = [&](const auto& holds) {
+    double all = 0, held = 0;
+    for (std::size_t i = 0; i < depths.size(); ++i) {
+      if (depths[i] == 0) continue;
+      ++all;
+      held += holds(i) ? 1 : 0;
+    }
+    return held / all;
+  };
+  // Noise moves what is far more than what is near, beyond the square of the distance.
+  const Pixels noisy = spoiled({.noise = 0.1f});
+  const auto noise_of = [&](int nearest, int farthest) {
+    std::vector<double> disparities;
+    for (std::size_t i = 0; i < depths.size(); ++i) {
+      if (depths[i] >= nearest && depths[i] < farthest && noisy[i] != 0)
+        disparities.push_back(std::abs(1000.0 / noisy[i] - 1000.0 / depths[i]));
+    }
+    const auto middle = disparities.begin() + static_cast<std::ptrdiff_t>(disparities.size() / 2);
+    std::nth_element(disparities.begin(), middle, disparities.end());
+    return *middle;
+  };
+  EXPECT_GT(noise_of(3500, 5000), 1.5 * noise_of(400, 1500));
+  EXPECT_GT(noise_of(400, 1500), 0);
+
+  const Pixels speckled = spoiled({.speckle = 0.05f});
+  const double hit = share([&](std::size_t i) { return speckled[i] != depths[i]; });
+  EXPECT_GT(hit, 0.02);
+  EXPECT_LT(hit, 0.08);
+
+  const Pixels dropped = spoiled({.dropouts = 1});
+  EXPECT_EQ(share([&](std::size_t i) { return dropped[i] != 0 && dropped[i] != depths[i]; }), 0);
+  const double missing = share([&](std::size_t i) { return dropped[i] == 0; });
+  const Pixels fewer = spoiled({.dropouts = 0.4f});
+  EXPECT_GT(missing, 0.05);
+  EXPECT_LT(missing, 0.8) << "bright surfaces stay";
+  EXPECT_LT(share([&](std::size_t i) { return fewer[i] == 0; }), missing);
+}
+
+TEST(VirtualCamera, StandsStillOrMoves) {
+  CameraConfig config = small_config();
+  config.motion = Motion::still;
+  const VirtualCamera still(config);
+  EXPECT_EQ(still.frame(9).truth, still.frame(0).truth);
+  EXPECT_NE(still.frame(9).disparity.pixels, still.frame(0).disparity.pixels) << "the noise goes on";
+  const auto changed = [&](Motion motion) {
+    config.motion = motion;
+    const VirtualCamera camera(config);
+    const Pixels before = camera.frame(0).truth, after = camera.frame(9).truth;
+    int count = 0;
+    for (std::size_t i = 0; i < before.size(); ++i) count += before[i] != after[i];
+    return count;
+  };
+  EXPECT_GT(changed(Motion::camera), 2 * changed(Motion::objects));
+  config.texture = 0.2f;
+  const auto valid = [](const CameraFrame& frame) {
+    const Pixels depths = read_depths(frame);
+    return depths.size() - static_cast<std::size_t>(std::count(depths.begin(), depths.end(), 0));
+  };
+  EXPECT_LT(valid(VirtualCamera(config).frame(0)), valid(still.frame(0)) / 2);
+}
+
 TEST(VirtualCamera, FramesDependOnSeedAndIndexOnly) {
   CameraConfig config = small_config();
   const VirtualCamera camera(config);
   EXPECT_EQ(checksum(camera.frame(7)), 1786264795u) << "on every machine";
   EXPECT_EQ(checksum(VirtualCamera(config).frame(1)), checksum(camera.frame(1)));
   EXPECT_NE(checksum(camera.frame(0)), checksum(camera.frame(1)));
+  CameraConfig faulty = config;
+  faulty.faults = {.noise = 0.1f, .speckle = 0.02f, .dropouts = 0.5f};
+  faulty.motion = Motion::camera;
+  EXPECT_EQ(checksum(VirtualCamera(faulty).frame(3)), 1021021970u) << "on every machine";
   config.seed = 2;
   EXPECT_NE(VirtualCamera(config).frame(0).truth, camera.frame(0).truth);
 }

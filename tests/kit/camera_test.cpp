@@ -34,6 +34,11 @@ TEST(CameraOptions, AreRefusedByName) {
       {"correction=129", "camera: correction=129: has to be -128 to 128"},
       {"baseline=nan", "camera: baseline=nan: expected a number"},
       {"fx=1", "camera: fx=1: has to be"},
+      {"motion=fast", "camera: motion=fast: expected still, objects or camera"},
+      {"texture=2", "camera: texture=2: has to be 0 to 1"},
+      {"noise=-1", "camera: noise=-1: expected a number from 0 to 4"},
+      {"speckle=0.5", "camera: speckle=0.5: has to be 0 to 0.3"},
+      {"dropouts=1.5", "camera: dropouts=1.5: has to be 0 to 1"},
   };
   for (const auto& [options, start] : cases) {
     const std::string input = concat("camera:", options);

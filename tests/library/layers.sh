@@ -43,6 +43,7 @@ try kit_texts filter_texts.cpp kit/texts/presets.h kit/json/json.h
 try kit_filter filter_library.cpp kit/filter/filter_library.h kit/chain/chain.h
 try kit_chain pipeline.cpp kit/chain/pipeline.h kernels/kernel_set.h
 try kit_pipeline sequence.cpp kit/chain/pipeline.h kit/plugin/plugin.h
+try kit_advise trial.cpp kit/chain/pipeline.h kit/pipeline/workers.h
 try kit_report report.cpp kit/measure/accuracy.h kit/chain/pipeline.h
 try kit_tuner session.cpp kit/pipeline/sequence.h kit/report/report.h
 exit $status
