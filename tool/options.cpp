@@ -8,8 +8,17 @@
 
 #include "kit/common/error.h"
 #include "kit/frame/camera_file.h"
+#include "option_groups.h"
 
 namespace zvfilter {
+
+CLI::Validator expect(const std::string& what, std::function<bool(const std::string& text)> holds) {
+  return CLI::Validator(
+      [what, holds = std::move(holds)](const std::string& text) {
+        return holds(text) ? std::string() : text + ": expected " + what;
+      },
+      "");
+}
 
 namespace {
 
@@ -35,34 +44,9 @@ constexpr const char* kRunFooter =
     "  zvfilter run --preset moving-camera --set steady.enabled=false --camera camera.json frames/ -o "
     "out";
 
-constexpr const char* kAdviseFooter =
-    "Looks for values, and without a chain for the filters, that suit a recording. Two thirds of the "
-    "frames are searched on,\n"
-    "the table is of the others: untouched, with the schemas' defaults, and with what is advised.\n"
-    "Without --truth, predictions of the next raw frame, surfaces, places at rest, hidden pixels and "
-    "planted speckles say what\n"
-    "is good; docs/advise.md says how and how far to trust it. Ctrl-C ends the search with the best so "
-    "far.\n"
-    "\n"
-    "Examples:\n"
-    "  zvfilter advise frames/ -o chain.json --report advice.html\n"
-    "  zvfilter advise --chain 'NoiseRemovalFilter:; smooth=SpatialAdvancedFilter:' --step smooth "
-    "frames/ "
-    "-o chain.json\n"
-    "  zvfilter advise frames/ --truth truth/ --evaluations 300 --weight missing=0.3 -o chain.json";
-
 constexpr const char* kSyncHelp =
     "Wait for the storage after each file; without it after the last, and a power cut may leave others "
     "empty";
-
-/// Refuses texts and says what is expected instead. The text in --help stays that of type_name().
-CLI::Validator expect(const std::string& what, std::function<bool(const std::string& text)> holds) {
-  return CLI::Validator(
-      [what, holds = std::move(holds)](const std::string& text) {
-        return holds(text) ? std::string() : text + ": expected " + what;
-      },
-      "");
-}
 
 const CLI::Validator& positive() {
   static const CLI::Validator check = expect("a number above 0", [](const std::string& text) {
@@ -157,7 +141,8 @@ void add_report(CLI::App& command, ReportOptions& report) {
       ->type_name("DIR");
 }
 
-/// The chain.
+}  // namespace
+
 void describe_chain(CLI::App& command, RunOptions& run) {
   const auto add_filters = [&run](const std::vector<std::string>& texts) {
     for (const std::string& text : texts) run.filters.push_back(kit::parse_step(text));
@@ -203,6 +188,8 @@ void describe_input_names(CLI::App& command, RunOptions& run) {
       ->type_name("");
 }
 
+namespace {
+
 /// The form of what comes out.
 void describe_form(CLI::App& command, RunOptions& run) {
   command
@@ -226,7 +213,8 @@ void describe_form(CLI::App& command, RunOptions& run) {
       ->type_name("KIND");
 }
 
-/// What the frames are, and who works on them.
+}  // namespace
+
 void describe_source(CLI::App& command, RunOptions& run) {
   command
       .add_option("-j,--jobs", run.jobs, "Threads, all processors by default; the results are the same")
@@ -289,20 +277,13 @@ void describe_source(CLI::App& command, RunOptions& run) {
       ->type_name("NUMBER");
 }
 
+namespace {
+
 void describe_frames(CLI::App& command, RunOptions& run) {
   describe_chain(command, run);
   describe_input_names(command, run);
   describe_form(command, run);
   describe_source(command, run);
-}
-
-/// "60", "60s" or "5m".
-std::optional<double> parse_seconds(const std::string& text) {
-  const bool minutes = text.ends_with('m');
-  const std::string number = minutes || text.ends_with('s') ? text.substr(0, text.size() - 1) : text;
-  const auto value = kit::parse_number(number);
-  if (!value || *value <= 0 || *value > 86400) return std::nullopt;
-  return *value * (minutes ? 60 : 1);
 }
 
 }  // namespace
@@ -351,42 +332,6 @@ void describe_run(CLI::App& command, RunOptions& run) {
 }
 
 void describe_bench(CLI::App& command, RunOptions& run) { describe_frames(command, run); }
-
-void describe_advise(CLI::App& command, AdviseOptions& advise) {
-  describe_input_names(command, advise.run);
-  describe_chain(command, advise.run);
-  command.add_option("-o,--output", advise.output, "The chain file to write")
-      ->required()
-      ->type_name("FILE");
-  command.add_option("--report", advise.run.report.file, "Also write a page (HTML in one file) about it")
-      ->type_name("FILE");
-  command
-      .add_option_function<std::string>(
-          "--budget", [&advise](const std::string& text) { advise.seconds = *parse_seconds(text); },
-          "Time to search, 60s by default; how far the search gets depends on the machine")
-      ->check(expect("a time such as 30s or 5m",
-                     [](const std::string& text) { return parse_seconds(text).has_value(); }))
-      ->type_name("TIME");
-  command
-      .add_option("--evaluations", advise.evaluations,
-                  "Instead, chains to try: the same answer every time and for any -j")
-      ->check(CLI::Range(1, 1000000).description(""))
-      ->excludes("--budget")
-      ->type_name("N");
-  command.add_option("--seed", advise.seed, "Of the search, 1 by default")->type_name("N");
-  command
-      .add_option("--weight", advise.weights,
-                  "What a measure counts: missing, median, p95, off, flicker, roughness or speckles")
-      ->allow_extra_args(false)
-      ->type_name("NAME=VALUE");
-  command
-      .add_option("--step", advise.step,
-                  "The only step of the chain whose values are looked for, by tag, filter or number")
-      ->type_name("STEP");
-  command.add_flag("--own-truth", advise.with_truth, "Use the truth that camera: brings");
-  describe_source(command, advise.run);
-  command.footer(kAdviseFooter);
-}
 
 void describe_chain_convert(CLI::App& command, ChainConvertOptions& convert) {
   command.add_option("CHAIN", convert.source, "A chain file or the text of steps")
