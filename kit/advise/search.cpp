@@ -189,12 +189,19 @@ Search::Candidate Search::refine(Candidate centre, std::size_t until) {
   return centre;
 }
 
+Search::Candidate Search::best_with(const std::vector<Candidate>& candidates) {
+  if (candidates.empty()) return best_;
+  Candidate first = candidates.front();
+  first.loss = loss(first.chain);
+  return better(first, best_) ? first : best_;
+}
+
 Search::Candidate Search::run() {
   std::vector<Candidate> candidates = first_candidates();
   for (std::size_t rung = 0; rung < rungs_.size(); ++rung) {
     const bool goes_on = evaluate(candidates, rung);
     std::stable_sort(candidates.begin(), candidates.end(), better);
-    if (!goes_on) break;
+    if (!goes_on) return best_with(candidates);
     if (rung + 1 < rungs_.size()) candidates.resize((candidates.size() + kKept - 1) / kKept);
   }
   // The best of each order before the second of any.

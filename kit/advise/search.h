@@ -58,6 +58,8 @@ class Search {
   std::vector<Candidate> neighbours(const Candidate& centre, double step);
   /// The centre with every change of one thing that made it better.
   Chain combined(const Candidate& centre, std::vector<Candidate> around) const;
+  /// The best on all frames, or the first of the candidates, which were seen on fewer, if it is better there.
+  Candidate best_with(const std::vector<Candidate>& candidates);
   Candidate refine(Candidate centre, std::size_t until);
   bool stopped() const { return settings_.stop && settings_.stop(); }
 

@@ -48,8 +48,8 @@ TEST_F(Advise, LooksForTheStepsGivenByTruthAndWithinATime) {
 }
 
 TEST_F(Advise, EndsWithTheBestSoFarWhenItIsStopped) {
-  const Outcome outcome =
-      run(concat("advise ", kCamera, "--evaluations 100000 -o chain.json"), "timeout --preserve-status -s INT 4 ");
+  const Outcome outcome = run(concat("advise ", kCamera, "--evaluations 100000 -o chain.json"),
+                              "timeout --preserve-status -s INT 4 ");
   EXPECT_EQ(outcome.status, 130) << outcome.err;
   EXPECT_MENTIONS(outcome.err, "stopped; chain.json has the best so far");
   EXPECT_MENTIONS(outcome.out, "all, weighted");

@@ -264,7 +264,7 @@ TEST_F(Program, ComparesEveryStageWithTheTruth) {
 }
 
 TEST_F(Program, SaysHowSteadyAStillSceneIs) {
-  for (int i = 0; i < 8; ++i) {
+  for (std::size_t i = 0; i < 8; ++i) {
     Image image = make_image(10, 10);
     for (std::size_t at = 0; at < image.pixels.size(); ++at)
       image.pixels[at] = static_cast<std::uint16_t>(1000 + (i + at) % 2 * 4);
