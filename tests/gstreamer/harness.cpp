@@ -18,11 +18,17 @@ void each_row(GstBuffer* buffer, GstMapFlags flags, std::uint32_t width, const V
   gst_buffer_unmap(buffer, &map);
 }
 
+/// At the end the leak tracer says what is left.
+class GStreamer : public testing::Environment {
+  void SetUp() override { gst_init(nullptr, nullptr); }
+  void TearDown() override { gst_deinit(); }
+};
+[[maybe_unused]] const testing::Environment* const kGStreamer =
+    testing::AddGlobalTestEnvironment(new GStreamer);
+
 }  // namespace
 
 Harness::Harness(const std::string& description) {
-  static const bool started = gst_init_check(nullptr, nullptr, nullptr) != FALSE;
-  EXPECT_TRUE(started);
   GstElement* const made = gst_parse_launch(description.c_str(), nullptr);
   auto* const element = static_cast<GstElement*>(gst_object_ref_sink(made));
   harness_ = gst_harness_new_with_element(element, "sink", "src");
