@@ -78,14 +78,14 @@ TEST_P(EveryElement, HasTheRangesOfTheSchema) {
   const Harness harness(element_of(GetParam().name));
   zvf_parameter parameter;
   for (std::size_t i = 0; zvf_parameter_at(filter(), i, &parameter); ++i) {
-    GParamSpec* const spec =
+    GParamSpec* const property =
         g_object_class_find_property(G_OBJECT_GET_CLASS(harness.element()), parameter.name);
-    ASSERT_NE(spec, nullptr) << parameter.name;
-    EXPECT_TRUE(spec->flags & GST_PARAM_CONTROLLABLE);
-    EXPECT_STREQ(g_param_spec_get_blurb(spec), parameter.description);
+    ASSERT_NE(property, nullptr) << parameter.name;
+    EXPECT_TRUE(property->flags & GST_PARAM_CONTROLLABLE);
+    EXPECT_STREQ(g_param_spec_get_blurb(property), parameter.description);
     GValue value = G_VALUE_INIT, number = G_VALUE_INIT;
-    g_value_init(&value, spec->value_type);
-    g_object_get_property(G_OBJECT(harness.element()), spec->name, &value);
+    g_value_init(&value, property->value_type);
+    g_object_get_property(G_OBJECT(harness.element()), property->name, &value);
     g_value_init(&number, G_TYPE_DOUBLE);
     if (std::string(parameter.type) == "bool") {
       EXPECT_EQ(g_value_get_boolean(&value), parameter.default_value);
@@ -95,13 +95,13 @@ TEST_P(EveryElement, HasTheRangesOfTheSchema) {
     EXPECT_EQ(g_value_get_double(&number), parameter.default_value) << parameter.name;
     for (const double limit : {parameter.min, parameter.max}) {
       const double beyond = limit + (limit == parameter.min ? -parameter.step : parameter.step);
-      if (beyond < 0 && spec->value_type == G_TYPE_UINT) continue;
+      if (beyond < 0 && property->value_type == G_TYPE_UINT) continue;
       g_value_set_double(&number, beyond);
       g_value_transform(&number, &value);
-      EXPECT_TRUE(g_param_value_validate(spec, &value)) << parameter.name << " takes " << beyond;
+      EXPECT_TRUE(g_param_value_validate(property, &value)) << parameter.name << " takes " << beyond;
       g_value_set_double(&number, limit);
       g_value_transform(&number, &value);
-      EXPECT_FALSE(g_param_value_validate(spec, &value)) << parameter.name << " refuses " << limit;
+      EXPECT_FALSE(g_param_value_validate(property, &value)) << parameter.name << " refuses " << limit;
     }
   }
 }
