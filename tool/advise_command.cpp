@@ -1,10 +1,9 @@
 #include <cmath>
 #include <ostream>
-#include <set>
 
 #include "commands.h"
 #include "interruption.h"
-#include "kit/advise/advice.h"
+#include "kit/advise/footage.h"
 #include "kit/common/error.h"
 #include "kit/pipeline/sequence.h"
 #include "kit/pipeline/workers.h"
@@ -17,28 +16,6 @@
 namespace zvfilter {
 
 namespace {
-
-/// Only what the parts need: a recording may be long.
-kit::Footage load(const kit::FrameSource& source, const kit::Workers& workers) {
-  const std::size_t count = source.names.size();
-  const kit::Split split = kit::split_frames(count);
-  std::set<std::size_t> needed;
-  for (const auto* part : {&split.search, &split.held_out}) {
-    for (const kit::Clip& clip : *part) {
-      for (std::size_t i = 0; i < clip.count; ++i) needed.insert(clip.first + i);
-    }
-  }
-  const std::vector<std::size_t> numbers(needed.begin(), needed.end());
-  std::vector<kit::SourceFrame> loaded(count);
-  workers.for_each(numbers.size(), [&](std::size_t i) { loaded[numbers[i]] = source.load(numbers[i]); });
-  kit::Footage footage;
-  const bool has_truth = loaded.front().truth.has_value();
-  for (kit::SourceFrame& each : loaded) {
-    footage.frames.push_back(std::move(each.frame));
-    if (has_truth) footage.truth.push_back(each.truth ? std::move(*each.truth) : kit::Image());
-  }
-  return footage;
-}
 
 kit::ReportTable table_of(const kit::Advice& advice) {
   kit::ReportTable table{advice.held_out ? "On frames held out" : "On the frames searched on", {}, {}};
@@ -121,7 +98,14 @@ void advise_command(const kit::FilterLibrary& library, AdviseOptions options, st
   const kit::FrameSource& source = sequences.front().source;
   const kit::Workers workers(run.jobs);
   const Interruption interruption;
-  request.footage = load(source, workers);
+  request.for_each = [&](std::size_t count, const std::function<void(std::size_t)>& work) {
+    workers.for_each(count, work);
+  };
+  const auto load = [&](std::size_t index) -> kit::FrameAndTruth {
+    kit::SourceFrame loaded = source.load(index);
+    return {std::move(loaded.frame), std::move(loaded.truth)};
+  };
+  request.footage = kit::load_footage(source.names.size(), load, request.for_each);
   // The virtual camera brings its truth, but it is there to be tried as a camera is.
   if (run.camera_input && !options.with_truth) request.footage.truth.clear();
   if (!run.camera_input) note_nominal_camera(run, kit::sensible_orders({}, false).front(), notes);
@@ -132,9 +116,6 @@ void advise_command(const kit::FilterLibrary& library, AdviseOptions options, st
   request.seed = options.seed;
   request.evaluations = options.evaluations;
   request.seconds = options.seconds;
-  request.for_each = [&](std::size_t count, const std::function<void(std::size_t)>& work) {
-    workers.for_each(count, work);
-  };
   request.stop = Interruption::asked;
   std::optional<Progress> progress;
   request.progress = [&](const kit::AdviceProgress& now) {

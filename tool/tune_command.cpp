@@ -104,6 +104,7 @@ void tune_command(const kit::FilterLibrary& library, TuneOptions options, std::o
   }
   settings.intrinsics = options.run.camera_input ||
                         (options.run.attributes.camera && options.run.attributes.camera->has_intrinsics);
+  settings.use_truth = options.run.truth.has_value();
   settings.input = kit::join(options.run.inputs, " ");
   settings.command = [words = input_words(options.words)](const std::string& chain) {
     return run_command_text(words, chain);

@@ -17,15 +17,6 @@ namespace {
 
 constexpr std::size_t kPixelValues = 65536;
 
-Json steps_json(const Chain& chain) {
-  return Json::parse(chain_json({"", std::nullopt, chain}))["steps"];
-}
-
-Chain read_steps(const JsonObject& object) {
-  const Json& steps = object.find("chain", "an array of steps");
-  return parse_chain(Json{{"version", 1}, {"steps", steps}}.dump(), "the chain").steps;
-}
-
 std::vector<std::string> read_names(const JsonObject& object, const std::string& field) {
   const Json& names = object.find(field, "an array of texts");
   std::vector<std::string> texts;
@@ -209,6 +200,15 @@ class Parts {
 };
 
 }  // namespace
+
+Json steps_json(const Chain& chain) {
+  return Json::parse(chain_json({"", std::nullopt, chain}))["steps"];
+}
+
+Chain read_steps(const JsonObject& object) {
+  const Json& steps = object.find("chain", "an array of steps");
+  return parse_chain(Json{{"version", 1}, {"steps", steps}}.dump(), "the chain").steps;
+}
 
 FrameRequest parse_frame_request(std::string_view text, std::size_t frames) {
   const std::string label = "the request";

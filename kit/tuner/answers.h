@@ -19,6 +19,7 @@ struct Settings {
   std::string input;                 ///< what the page calls the sequence
   bool intrinsics = false;           ///< whether those of the frames are known
   bool points = false;               ///< whether the page has a view of points in space
+  bool use_truth = false;            ///< whether suggestions are judged by the truth
   /// The command that runs the chain with this text on the sequence.
   std::function<std::string(const std::string& chain)> command;
 };
@@ -33,6 +34,12 @@ struct FrameRequest {
   bool accuracy = false;            ///< whether it wants the errors
   std::vector<std::string> tables;  ///< of values that it has
 };
+
+/// Steps as a chain file has them.
+Json steps_json(const Chain& chain);
+/// Those in the field chain.
+/// @throws Error naming what is wrong
+Chain read_steps(const JsonObject& object);
 
 /// Fields client, number, frame, chain (the steps of a chain file), names, input, accuracy, tables.
 /// @throws Error naming the field that is wrong

@@ -1,5 +1,6 @@
 #include "kit/tuner/server.h"
 
+#include <atomic>
 #include <httplib.h>
 #include <map>
 #include <mutex>
@@ -9,6 +10,7 @@
 #include "kit/common/files.h"
 #include "kit/tuner/guard.h"
 #include "kit/tuner/sessions.h"
+#include "kit/tuner/suggestion.h"
 #include "tuner_files.h"
 
 namespace kit::tuner {
@@ -115,6 +117,7 @@ class Server::Parts {
   }
 
   ~Parts() {
+    stopped_ = true;
     http_.stop();
     if (thread_.joinable()) thread_.join();
   }
@@ -186,6 +189,14 @@ class Server::Parts {
     response.set_content(chain_texts(parse_chain_request(body), settings_, frames_), kJson);
   }
 
+  /// A search has all processors, so there is one at a time.
+  void find_values(const std::string& body, httplib::Response& response) {
+    const SuggestionRequest request = parse_suggestion_request(body);
+    const std::unique_lock one(searching_, std::try_to_lock);
+    if (!one) return say(response, 409, "a search is at work already; try again when it has ended");
+    response.set_content(suggest(library_, frames_, request, settings_.use_truth, stopped_), kJson);
+  }
+
   void save(const std::string& body, httplib::Response& response) {
     ChainFile file = settings_.chain;
     file.steps = parse_chain_request(body);
@@ -202,6 +213,7 @@ class Server::Parts {
   const std::map<std::string, Call> calls_ = {{"/api/setup", &Parts::describe_all},
                                               {"/api/frame", &Parts::show_frame},
                                               {"/api/texts", &Parts::texts},
+                                              {"/api/suggest", &Parts::find_values},
                                               {"/api/save", &Parts::save}};
   FilterLibrary library_;
   Settings settings_;
@@ -209,6 +221,8 @@ class Server::Parts {
   Sessions sessions_;
   httplib::Server http_;
   Guard guard_;
+  std::mutex searching_;
+  std::atomic<bool> stopped_ = false;
   std::mutex saving_;
   bool finished_ = false;
   std::thread thread_;

@@ -9,6 +9,7 @@ import {addKeys} from "./keys.js";
 import {Player} from "./player.js";
 import {addSequenceBar} from "./sequence_bar.js";
 import {Server} from "./server.js";
+import {addSuggestion} from "./suggestion.js";
 import {View} from "./view.js";
 
 function complain(problem) {
@@ -26,6 +27,7 @@ function start(server, setup, kept) {
   const player = new Player(sequence.labels.length, (index, accuracy) => server.frame(index, chain.steps, accuracy));
   const showPlace = addSequenceBar(player, chain, sequence.labels);
   const {save} = addActions(chain, server, setup.chainFile, complain);
+  addSuggestion(chain, server, setup.filters, complain);
   addKeys({player, view, chain, save});
 
   let shown = null;

@@ -59,6 +59,10 @@ export class Server {
   async texts(chain) {
     return (await call("/api/texts", this.#token, {chain})).json();
   }
+  // Values that suit the sequence, for the whole chain or one step: {chain, helps, left, sentences}.
+  async suggest(chain, step, seconds) {
+    return (await call("/api/suggest", this.#token, {chain, step, seconds})).json();
+  }
   async save(chain) {
     return (await call("/api/save", this.#token, {chain})).json();
   }
