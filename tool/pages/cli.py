@@ -35,6 +35,7 @@ class Command:
     positionals: list[Option] = field(default_factory=list)
     options: list[Option] = field(default_factory=list)
     commands: list["Command"] = field(default_factory=list)
+    notes: str = ""  # what follows the options
 
 
 class Program:
@@ -52,9 +53,12 @@ class Program:
         summary, usage, *rest = self.ask(*name.split(), "--help").split("\n")
         command = Command(name, summary.rstrip("."), usage.removeprefix("Usage: "))
         section, last = "", None
-        for line in rest:
-            if re.fullmatch(r"\w+:", line):
+        for number, line in enumerate(rest):
+            if line in ("Positionals:", "Options:", "Subcommands:"):
                 section = line[:-1]
+            elif section and re.match(r"\S", line):
+                command.notes = "\n".join(rest[number:]).rstrip()
+                break
             elif match := re.fullmatch(r"  (\S.*?)(?:\s{2,}(\S.*))?", line):
                 head, text = match[1], match[2] or ""
                 if section == "Subcommands":

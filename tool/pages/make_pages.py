@@ -27,6 +27,8 @@ def page(program: Program, command: Command) -> str:
     for heading, options in (("ARGUMENTS", command.positionals), ("OPTIONS", command.options)):
         if options:
             parts.append(f"# {heading}\n\n" + "\n".join(map(definition, options)))
+    if command.notes:
+        parts.append("# NOTES\n\n" + "\n".join(f"    {line}".rstrip() for line in command.notes.split("\n")) + "\n")
     if command.commands:
         parts.append("# COMMANDS\n\n" + "\n".join(f"**{escaped(sub.name)}**\n:   {escaped(sub.summary)}\n"
                                                    for sub in command.commands))

@@ -2,7 +2,7 @@
 # needs: man-db bash-completion zsh
 # Frames of the virtual camera go through a chain to PNG files and a page.
 zvfilter camera --frames 2 --size 160x100 -o recorded
-zvfilter run -f DisparityTransform: -f HoleFillingFilter:hole_filling_mode=1 --truth recorded/truth recorded --report page.html -o filtered | grep -q HoleFillingFilter
+zvfilter run -f DisparityTransform: -f HoleFillingFilter:hole_filling_mode=1 --truth recorded/truth recorded --report page.html -o filtered | grep HoleFillingFilter
 [ "$(find filtered -name '*.png' | wc -l)" -eq 2 ]
 grep -q '</html>' page.html
 zvfilter run --preset still-scene filtered --baseline 50 --fx 112 -o calm >/dev/null
@@ -20,9 +20,9 @@ completions() {
     _zvfilter
     printf "%s\n" "${COMPREPLY[@]}"' "$1"
 }
-completions "zvfilter " | grep -qx chain
-completions "zvfilter chain " | grep -qx convert
-completions "zvfilter run --preset s" | grep -qx still-scene
-completions "zvfilter run -f Hole" | grep -q HoleFillingFilter
-completions "zvfilter run -f TemporalFilter:w" | grep -q 'weight='
+completions "zvfilter " | grep -x chain
+completions "zvfilter chain " | grep -x convert
+completions "zvfilter run --preset s" | grep -x still-scene
+completions "zvfilter run -f Hole" | grep HoleFillingFilter
+completions "zvfilter run -f TemporalFilter:w" | grep 'weight='
 zsh -n /usr/share/zsh/vendor-completions/_zvfilter
