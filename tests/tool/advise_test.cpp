@@ -44,7 +44,7 @@ TEST_F(Advise, LooksForTheStepsGivenByTruthAndWithinATime) {
   const Chain steps = read_chain_file(folder_ / "chain.json").steps;
   ASSERT_EQ(steps.size(), 3u);
   EXPECT_EQ(step_text(steps[2]), "TemporalFilter:weight=0.77");
-  EXPECT_NE(step_text(steps[1]), "smooth=SpatialAdvancedFilter:");
+  EXPECT_TRUE(step_text(steps[1]).starts_with("smooth=SpatialAdvancedFilter:"));
 }
 
 TEST_F(Advise, EndsWithTheBestSoFarWhenItIsStopped) {
