@@ -36,7 +36,10 @@ test("a search answers with values, and there is one at a time", async () => {
     chain.map(({filter, tag}) => [filter, tag])
   );
   assert.deepEqual(Object.keys(answer.chain[1].values).sort(), ["alpha", "disp_diff", "magnitude", "radius"]);
-  assert.ok(answer.left > 0 && typeof answer.helps === "boolean" && answer.sentences.length > 0);
+  // How good it is, and what there is to say of it, depends on how far the search gets.
+  assert.ok(answer.left > 0, `left: ${answer.left}`);
+  assert.equal(typeof answer.helps, "boolean");
+  assert.ok(answer.sentences.every((sentence) => sentence.endsWith(".")));
   for (const [wish, error] of [
     [{seconds: 61}, /seconds: is 61; expected 1 to 60/],
     [{step: 2}, /step: is 2; the chain has 2 steps/],
