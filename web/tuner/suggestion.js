@@ -61,7 +61,9 @@ export function addSuggestion(chain, server, filters, complain) {
     found.replaceChildren(
       element("p", {}, said),
       ...(rows.length ? [element("table", {}, cells("th", ["value", "now", "suggested"]), ...rows.map((row) => cells("td", row)))] : []),
-      element("details", {}, element("summary", {}, "Why"), ...sentences.map((text) => element("p", {className: "note"}, text))),
+      ...(sentences.length
+        ? [element("details", {}, element("summary", {}, "Why"), ...sentences.map((text) => element("p", {className: "note"}, text)))]
+        : []),
       element("div", {className: "line"}, ...(rows.length ? [take] : []), button("Dismiss", "Keep the present values", close))
     );
   }
