@@ -53,6 +53,8 @@ inline Frame frame_of(const FrameView& view) {
   frame.pixel_type = view.pixel_type;
   frame.value_scale = view.value_scale;
   frame.disparity = view.disparity;
+  if (view.correction != 0)
+    frame.metadata[ZV_METADATA_DISPARITY_CORRECTION] = static_cast<std::int64_t>(view.correction);
   frame.pixels.assign(view.pixels.begin(), view.pixels.end());
   return frame;
 }

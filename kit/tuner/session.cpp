@@ -134,7 +134,6 @@ void Session::run(std::size_t first, std::size_t last, ShownFrame& shown) {
     if (first + index < last) return;
     shown.whole.add(input.frame, result, milliseconds);
     shown.result = frame_of(result);
-    shown.result.metadata = input.frame.metadata;
   };
   run_sequence(part, *pipeline_, {}, visitor);
   shown.result.intrinsic = pipeline_->output().traits.intrinsic;
