@@ -2,7 +2,6 @@
 # Inside the root: installs a package, uses it as use/NAME.sh says, upgrades, uses it again and purges it. Use: one_package.sh NAME
 set -euxo pipefail
 name=$1
-export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 HOME=/root
 
 # file_of FOLDER PACKAGE
 file_of() { ls /"$1"/"$2"_*.deb; }

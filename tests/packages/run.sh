@@ -1,25 +1,20 @@
 #!/usr/bin/env bash
 # Each package in an empty Debian 12: installed, used, upgraded and purged. As root; needs debootstrap and the network.
-# Use: run.sh PACKAGES [ROOT.tar], packages as ./dev package makes them and, to save the time, a root that debootstrap made
+# Use: run.sh PACKAGES ARCHITECTURE, packages as ./dev package makes them; of another processor: needs qemu-user-static
 set -euo pipefail
 packages=$(realpath "$1")
 here=$(dirname "$(realpath "$0")")
+# shellcheck source=scripts/roots.sh
+. "$here/../../scripts/roots.sh"
 work=$(mktemp -d)
 root=$work/root
 clean_up() {
-  umount "$root/proc" 2>/dev/null || true
-  rm -rf --one-file-system "$work"
+  remove_root "$root"
+  rm -rf "$work"
 }
 trap clean_up EXIT
 
-if [ $# -gt 1 ]; then
-  mkdir "$root"
-  tar -xf "$2" -C "$root"
-else
-  debootstrap --variant=minbase bookworm "$root" http://deb.debian.org/debian >"$work/log" || { tail "$work/log"; exit 1; }
-fi
-mount -t proc proc "$root/proc"
-cp /etc/resolv.conf "$root/etc/"
+make_root "$root" "$2"
 
 # The same packages with a higher version, for the upgrade.
 mkdir "$root/packages" "$root/newer"
@@ -32,11 +27,11 @@ for file in "$root"/packages/*.deb; do
   dpkg-deb --root-owner-group -b "$work/unpacked" "$root/newer" >/dev/null
 done
 cp -r "$here" "$root/tests"
-chroot "$root" apt-get update -qq
+in_root "$root" apt-get update -qq
 status=0
-for test in "$here"/use/*.sh; do
-  name=$(basename "$test" .sh)
-  if chroot "$root" /tests/one_package.sh "$name" >"$work/log" 2>&1; then
+for file in "$root"/packages/*.deb; do
+  name=$(dpkg-deb -f "$file" Package)
+  if in_root "$root" /tests/one_package.sh "$name" >"$work/log" 2>&1; then
     echo "passed: $name"
   else
     echo "FAILED: $name"
