@@ -19,7 +19,7 @@ CLOSE = np.s_[130:282, 290:530]
 def rows(name: str, real: Optional[scenes.Scene]) -> List[Shown]:
     """The filter on the virtual camera as it is, with noise and, if it takes such frames, on those of a real camera."""
     virtual = [SHOWN.get(name, Shown)(name, noisy) for noisy in (False, True)]
-    return virtual if real is None or not _Real.takes(name, real.input) else [*virtual, _Real(name, real)]
+    return virtual if real is None or not Real.takes(name, real.input) else [*virtual, Real(name, real)]
 
 
 class Shown:
@@ -123,7 +123,7 @@ class _Corrected(Shown):
         return self.scene.frames[-1]
 
 
-class _Real(Shown):
+class Real(Shown):
     """A filter at work on frames whose truth nobody knows."""
 
     @staticmethod
