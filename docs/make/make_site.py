@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes the documentation site. The module zvfilter is to be on PYTHONPATH.
 
-Use: make_site.py TOOL FOLDER    (the tool zvfilter; the site is FOLDER/html)
+Use: make_site.py TOOL FOLDER [FRAMES]    (the tool zvfilter; the site is FOLDER/html; a folder with frames of a real camera)
 """
 
 import os
@@ -14,6 +14,7 @@ import figures_of_conversion
 import figures_of_speckles
 import figures_of_strips
 import filter_pages
+import scenes
 
 HERE = Path(__file__).resolve().parent
 DOCS = HERE.parent
@@ -49,10 +50,11 @@ def run(*command: object, **options: object) -> None:
     subprocess.run([str(word) for word in command], check=True, **options)
 
 
-def main(tool: str, folder: str) -> None:
+def main(tool: str, folder: str, frames: str = "") -> None:
+    real = scenes.recorded(frames) if frames else None
     out = Path(folder).resolve()
     pages = gather(out / "source")
-    filter_pages.make(tool, pages / "filters")
+    filter_pages.make(tool, pages / "filters", real)
     for figures in (figures_of_speckles, figures_of_strips, figures_of_conversion):
         figures.make(pages / "inside")
     (out / "headers").mkdir(parents=True, exist_ok=True)
@@ -67,6 +69,6 @@ def main(tool: str, folder: str) -> None:
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 3:
+    if len(sys.argv) not in (3, 4):
         sys.exit(__doc__)
     main(*sys.argv[1:])

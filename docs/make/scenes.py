@@ -1,16 +1,15 @@
-"""What the filters are shown on: the virtual camera as it is, and with more noise than it has.
-
-No picture of the documentation is of a real camera.
-"""
+"""What the filters are shown on: the virtual camera as it is, with more noise than it has, and frames of your own camera."""
 
 from __future__ import annotations
 
 import dataclasses
-from typing import List
+from pathlib import Path
+from typing import List, Optional
 
 import numpy as np
 
 import zvfilter
+from zvfilter import batch
 
 SIZE = (640, 400)
 FRAMES = 8
@@ -18,20 +17,37 @@ FRAMES = 8
 
 @dataclasses.dataclass
 class Scene:
-    """Frames of a sequence and the true depth of the last, millimetres."""
+    """Frames of a sequence and, where it is known, the true depth of the last, millimetres."""
 
     name: str
     title: str
     input: zvfilter.Input
     frames: List[np.ndarray]
-    truth: np.ndarray
-    truth_before: np.ndarray  # of the frame before the last
+    truth: Optional[np.ndarray] = None
+    truth_before: Optional[np.ndarray] = None  # of the frame before the last
 
 
 def camera(**options: object) -> Scene:
     source = zvfilter.VirtualCamera(SIZE, frames=FRAMES, **options)
     frames = [frame.disparity for frame in source]
     return Scene("camera", "virtual camera", source.input, frames, source[-1].truth, source[-2].truth)
+
+
+def recorded(folder: str) -> Scene:
+    """The last frames in a folder, as its camera.json says or else depth in millimetres of the tool's nominal camera."""
+    try:
+        frames = [zvfilter.read(file) for file in batch.frame_files(folder)[-FRAMES:]]
+        described = Path(folder, "camera.json")
+        kind = zvfilter.Input.load(described) if described.exists() else zvfilter.Input()
+        if len(frames) < 2 or len({frame.shape for frame in frames}) > 1:
+            raise ValueError(f"expected two or more images of one size; its last have {[frame.shape[::-1] for frame in frames]}")
+        if kind.baseline is None:
+            kind = dataclasses.replace(kind, baseline=50, fx=0.7 * frames[0].shape[1])
+        if not zvfilter.Chain(["DisparityTransform"], input=kind)(frames[-1]).any():
+            raise ValueError("expected depth; its last image has no valid pixel")
+    except (zvfilter.Error, OSError, ValueError) as problem:
+        raise SystemExit(f"no pictures can be made of the frames in {folder}: {problem}") from problem
+    return Scene("real", "real frame", kind, frames)
 
 
 def with_noise(scene: Scene, seed: int = 11) -> Scene:

@@ -6,7 +6,7 @@ Use: run_commands.py PREFIX GUIDE [--show]    (--show prints what each command s
 console   lines after "$ " are commands (a line that ends in \\ goes on), the others what they print; "..." stands for anything
 sh        a script
 python    a program; those of a guide share their names
-c         a file; its first line is a comment with its name, and a later command has to name it
+c, cpp    a file; its first line is a comment with its name, and a later command or file has to name it
 """
 
 import contextlib
@@ -18,7 +18,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-BLOCK = re.compile(r"^(```+)(console|sh|python|c)\n(.*?)^\1$", re.MULTILINE | re.DOTALL)
+BLOCK = re.compile(r"^(```+)(console|sh|python|cpp|c)\n(.*?)^\1$", re.MULTILINE | re.DOTALL)
 
 
 class Failure(Exception):
@@ -64,7 +64,7 @@ class Guide:
         return count
 
     def command(self, text: str) -> str:
-        self.unused -= {name for name in self.unused if name in text}
+        self.use(text)
         done = subprocess.run(["bash", "-euo", "pipefail", "-c", text], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
         if self.show:
             print(f"$ {text}\n{done.stdout}", end="")
@@ -98,12 +98,18 @@ class Guide:
         return 1
 
     def c(self, text: str) -> int:
-        name = re.match(r"/\* (\w+\.c)\b", text)
+        name = re.match(r"/[*/] (\w+\.(?:c|cpp|h))\b", text)
         if not name:
-            raise Failure("a C block begins with a comment that is its file's name")
+            raise Failure("a C or C++ block begins with a comment that is its file's name")
+        self.use(text[name.end():])
         Path(name[1]).write_text(text)
         self.unused.add(name[1])
         return 0
+
+    cpp = c
+
+    def use(self, text: str) -> None:
+        self.unused -= {name for name in self.unused if name in text}
 
 
 def main() -> None:
