@@ -276,6 +276,19 @@ TEST(DisparityFilters, AFrameOfAnotherSizeBringsItsOwnProfile) {
   }
 }
 
+TEST(DisparityFilters, TakeTheGeometryOfTheFramesProfile) {
+  const devhost::FrameTraits near = disparity_frame(camera(2, true), {1000});
+  devhost::FrameTraits far = near;
+  far.disparity.baseline *= 2;
+  FilterDriver of_near(kTransform), of_far(kTransform);
+  const devhost::Frame frame = devhost::make_frame(near);
+  devhost::attach_profile(frame.get(), devhost::inspect_profile(devhost::make_frame(far).get()));
+  const Pixels expected = of_far.filtered(far);
+  EXPECT_NE(of_near.filtered(near), expected);
+  FilterDriver filter(kTransform);
+  EXPECT_EQ(devhost::inspect(filter.process(frame).get()).pixels, expected);
+}
+
 TEST(DisparityTransform, AnUnknownPackModeFailsOnceAndThenGivesZeros) {
   for (const bool dual : {true, false}) {
     FilterDriver filter(kTransform);

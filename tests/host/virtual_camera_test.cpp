@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
+#include "disparity_code.h"
 #include "support/filter_driver.h"
 
 namespace devhost {
@@ -100,6 +102,46 @@ TEST(VirtualCamera, EveryCodingReadsBackAsTheDepthThatWasMeasured) {
     sum = sum * 31 + checksum(frame);
   }
   EXPECT_EQ(sum, 1463794316u) << "as on every machine";
+}
+
+TEST(VirtualCamera, TakesBothEndsOfItsRangesAndNothingBeyond) {
+  const auto takes = [](const auto& change) {
+    CameraConfig config = small_config();
+    change(config);
+    try {
+      VirtualCamera camera(config);
+      return true;
+    } catch (const std::invalid_argument&) {
+      return false;
+    }
+  };
+  const auto expect_range = [&](auto CameraConfig::*field, double least, double most, double beyond) {
+    const auto taken = [&](double value) {
+      return takes([&](CameraConfig& c) {
+        c.*field = static_cast<std::remove_reference_t<decltype(c.*field)>>(value);
+      });
+    };
+    EXPECT_TRUE(taken(least) && taken(most)) << least;
+    EXPECT_FALSE(taken(least - beyond) || taken(most + beyond)) << least;
+  };
+  expect_range(&CameraConfig::width, 64, 4096, 1);
+  expect_range(&CameraConfig::height, 48, 4096, 1);
+  expect_range(&CameraConfig::baseline, 5, 500, 0.5);
+  expect_range(&CameraConfig::fx, 0.25 * 160, 4.0 * 160, 0.5);
+  expect_range(&CameraConfig::bit_size, 11, 16, 1);
+  expect_range(&CameraConfig::disparity_correction, -128, 128, 1);
+}
+
+TEST(DisparityCode, EndsWithTheRecordsBits) {
+  ZVDisparityParam record = {};
+  record.isDualCamera = 1;
+  record.packMode = 2;
+  record.bitSize = 11;  // eighths of a pixel
+  const DisparityCode eleven(record, 0);
+  EXPECT_EQ(eleven(255.875), 2047);
+  EXPECT_EQ(eleven(256), eleven.invalid());
+  EXPECT_EQ(eleven(0.125), 1);
+  EXPECT_EQ(eleven(0.01), eleven.invalid());
 }
 
 TEST(VirtualCamera, FaultsSpoilWhatTheySayAndNothingElse) {

@@ -61,6 +61,7 @@ TEST_F(Advise, EndsWithTheBestSoFarWhenItIsStopped) {
 TEST_F(Advise, RefusesWhatMakesNoSense) {
   expect_refused(2, concat("advise ", kCamera, "-o results "),
                  {{"--weight medain=1", "did you mean median?"},
+                  {"--output=", "the chain file to write has no name"},
                   {"--weight off", "expected NAME=VALUE"},
                   {"--budget soon", "expected a time such as 30s or 5m"},
                   {"--evaluations 0", "--evaluations"},
