@@ -76,6 +76,15 @@ void write_report(const kit::FilterLibrary& library, const RunOptions& options, 
   page.write(results);
 }
 
+/// How much was looked at, and how the same is found again.
+std::string extent_of(const kit::Advice& advice, const AdviseOptions& options) {
+  if (options.evaluations)
+    return kit::concat(advice.evaluations, " evaluations, seed ", options.seed, ".");
+  if (advice.evaluations == 0) return "No evaluation in the time given; a longer --budget finds more.";
+  return kit::concat(advice.evaluations, " evaluations in the time given; --evaluations ",
+                     advice.evaluations, " makes the answer the same every time.");
+}
+
 }  // namespace
 
 void advise_command(const kit::FilterLibrary& library, AdviseOptions options, std::ostream& out,
@@ -128,11 +137,7 @@ void advise_command(const kit::FilterLibrary& library, AdviseOptions options, st
   kit::ReportTable table = table_of(advice);
   table.sentences = advice.reasons;
   table.sentences.insert(table.sentences.end(), advice.remarks.begin(), advice.remarks.end());
-  table.sentences.push_back(
-      options.evaluations
-          ? kit::concat(advice.evaluations, " evaluations, seed ", options.seed, ".")
-          : kit::concat(advice.evaluations, " evaluations in the time given; --evaluations ",
-                        advice.evaluations, " makes the answer the same every time."));
+  table.sentences.push_back(extent_of(advice, options));
   print(advice, table, out);
   const std::string text = kit::chain_json({kit::concat("Advised for ", kit::join(run.inputs, " "), "."),
                                             run.attributes.camera, advice.chain});

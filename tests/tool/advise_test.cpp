@@ -45,6 +45,9 @@ TEST_F(Advise, LooksForTheStepsGivenByTruthAndWithinATime) {
   ASSERT_EQ(steps.size(), 3u);
   EXPECT_EQ(step_text(steps[2]), "TemporalFilter:weight=0.77");
   EXPECT_TRUE(step_text(steps[1]).starts_with("smooth=SpatialAdvancedFilter:"));
+
+  outcome = run(concat("advise ", kCamera, chain, "--budget 0.000001s -o none.json"));
+  EXPECT_MENTIONS(outcome.out, "No evaluation in the time given; a longer --budget finds more.");
 }
 
 TEST_F(Advise, EndsWithTheBestSoFarWhenItIsStopped) {
@@ -59,9 +62,9 @@ TEST_F(Advise, EndsWithTheBestSoFarWhenItIsStopped) {
 }
 
 TEST_F(Advise, RefusesWhatMakesNoSense) {
+  expect_refused(run(concat("advise ", kCamera, "-o ''")), 2, "the chain file to write has no name");
   expect_refused(2, concat("advise ", kCamera, "-o results "),
                  {{"--weight medain=1", "did you mean median?"},
-                  {"--output=", "the chain file to write has no name"},
                   {"--weight off", "expected NAME=VALUE"},
                   {"--budget soon", "expected a time such as 30s or 5m"},
                   {"--evaluations 0", "--evaluations"},
