@@ -402,6 +402,7 @@ TEST(OpenNIDisparityTransform, RewritesTheIntrinsicsOfTheSampledProfile) {
     EXPECT_EQ(i.cy, 200);
     EXPECT_EQ(i.fx, 500);
     EXPECT_EQ(i.width, c.width);
+    EXPECT_EQ(i.height, c.height);
     EXPECT_EQ(devhost::live_objects().profiles, before.profiles + 2) << "the cached one and the output's";
   }
 }

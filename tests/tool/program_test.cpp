@@ -178,6 +178,8 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
                  "step 1 (a): unknown key weigth; did you mean weight?");
   expect_refused(run("run --chain chain.json --set full.scale=1 in/a.png -o d"), 2, "has no step full");
   expect_refused(run("run --chain chain.json --set fill=1 in/a.png -o d"), 2, "expected TAG.key=value");
+  expect_refused(run("run --chain chain.json --set fill.enabled=1 in/a.png -o d"), 2,
+                 "expected true or false");
   expect_refused(run("run --chain chain.json -f TemporalFilter in/a.png -o d"), 2, "excludes");
   const std::string sized = R"({"version": 1, "input": {"width": 640, "height": 400}, "steps": []})";
   put("sized.json", Bytes(sized.begin(), sized.end()));
