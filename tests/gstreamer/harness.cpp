@@ -1,22 +1,12 @@
 #include "gstreamer/harness.h"
 
-#include <cstring>
-
 #include <gst/video/video.h>
 
 namespace zvfilter {
 
 namespace {
 
-/// Calls `visit(row of the buffer, its place without padding, bytes)` for each row.
-template <typename Visit>
-void each_row(GstBuffer* buffer, GstMapFlags flags, std::uint32_t width, const Visit& visit) {
-  GstMapInfo map;
-  ASSERT_TRUE(gst_buffer_map(buffer, &map, flags));
-  const std::size_t bytes = width * 2u, stride = (bytes + 3) / 4 * 4;
-  for (std::size_t y = 0; y < map.size / stride; ++y) visit(map.data + y * stride, y * width, bytes);
-  gst_buffer_unmap(buffer, &map);
-}
+std::size_t stride_of(std::uint32_t width) { return (width * std::size_t{2} + 3) / 4 * 4; }
 
 /// At the end the leak tracer says what is left.
 class GStreamer : public testing::Environment {
@@ -28,13 +18,14 @@ class GStreamer : public testing::Environment {
 
 }  // namespace
 
-Harness::Harness(const std::string& description) {
+Harness::Harness(const std::string& description, std::uint32_t width, std::uint32_t height) {
   GstElement* const made = gst_parse_launch(description.c_str(), nullptr);
   auto* const element = static_cast<GstElement*>(gst_object_ref_sink(made));
   harness_ = gst_harness_new_with_element(element, "sink", "src");
   gst_object_unref(element);
   bus_ = gst_bus_new();
   gst_element_set_bus(harness_->element, bus_);
+  if (width > 0) set_size(width, height);
 }
 
 Harness::~Harness() {
@@ -58,11 +49,10 @@ void Harness::set(const std::string& property, const std::string& value) {
 }
 
 GstFlowReturn Harness::push(const Pixels& frame, bool discontinuity) {
-  GstBuffer* const buffer =
-      gst_buffer_new_allocate(nullptr, (width_ * 2u + 3) / 4 * 4 * height_, nullptr);
-  each_row(buffer, GST_MAP_WRITE, width_, [&](guint8* row, std::size_t first, std::size_t bytes) {
-    std::memcpy(row, &frame[first], bytes);
-  });
+  const std::size_t stride = stride_of(width_);
+  GstBuffer* const buffer = gst_buffer_new_allocate(nullptr, stride * height_, nullptr);
+  for (std::size_t y = 0; y < height_; ++y)
+    gst_buffer_fill(buffer, y * stride, &frame[y * width_], width_ * std::size_t{2});
   GST_BUFFER_PTS(buffer) = gst_util_uint64_scale(pushed_++, GST_SECOND, 30);
   if (discontinuity) GST_BUFFER_FLAG_SET(buffer, GST_BUFFER_FLAG_DISCONT);
   return gst_harness_push(harness_, buffer);
@@ -76,11 +66,11 @@ std::optional<Pixels> Harness::pull() {
   EXPECT_TRUE(gst_video_info_from_caps(&info, caps));
   gst_caps_unref(caps);
   const auto width = static_cast<std::uint32_t>(info.width);
-  Pixels pixels(std::size_t{width} * static_cast<std::uint32_t>(info.height));
-  EXPECT_EQ(gst_buffer_get_size(buffer), info.size);
-  each_row(buffer, GST_MAP_READ, width, [&](const guint8* row, std::size_t first, std::size_t bytes) {
-    std::memcpy(&pixels[first], row, bytes);
-  });
+  const auto height = static_cast<std::uint32_t>(info.height);
+  Pixels pixels(std::size_t{width} * height);
+  EXPECT_EQ(gst_buffer_get_size(buffer), stride_of(width) * height);
+  for (std::size_t y = 0; y < height; ++y)
+    gst_buffer_extract(buffer, y * stride_of(width), &pixels[y * width], width * std::size_t{2});
   gst_buffer_unref(buffer);
   return pixels;
 }
@@ -88,15 +78,6 @@ std::optional<Pixels> Harness::pull() {
 Pixels Harness::filtered(const Pixels& frame, bool discontinuity) {
   EXPECT_EQ(push(frame, discontinuity), GST_FLOW_OK) << error();
   return pull().value_or(Pixels());
-}
-
-std::string Harness::caps() const {
-  GstCaps* const caps = gst_pad_get_current_caps(harness_->sinkpad);
-  gchar* const text = gst_caps_to_string(caps);
-  std::string result = text;
-  g_free(text);
-  gst_caps_unref(caps);
-  return result;
 }
 
 std::string Harness::error() const {

@@ -1,7 +1,6 @@
 #ifndef TESTS_GSTREAMER_HARNESS_H
 #define TESTS_GSTREAMER_HARNESS_H
 
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -14,7 +13,7 @@ namespace zvfilter {
 /// An element between two pads, as a pipeline has it.
 class Harness {
  public:
-  explicit Harness(const std::string& description);
+  explicit Harness(const std::string& description, std::uint32_t width = 0, std::uint32_t height = 0);
   ~Harness();
 
   /// @param format in the caps, "GRAY16_LE" unless another one is to be refused
@@ -26,7 +25,6 @@ class Harness {
   /// What came out since, without padding; nothing: no frame.
   std::optional<Pixels> pull();
   Pixels filtered(const Pixels& frame, bool discontinuity = false);
-  std::string caps() const;
   /// The text of the first error on the bus, empty without one.
   std::string error() const;
 

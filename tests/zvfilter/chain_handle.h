@@ -26,6 +26,29 @@ inline ChainHandle parse(const std::string& text) {
   return chain;
 }
 
+inline bool has(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+inline std::vector<zvf_parameter> parameters_of(const std::string& filter) {
+  std::vector<zvf_parameter> parameters;
+  for (std::size_t i = 0; i < zvf_filter_count(); ++i) {
+    if (zvf_filter_name(i) != filter) continue;
+    for (zvf_parameter each; zvf_parameter_at(i, parameters.size(), &each);) parameters.push_back(each);
+  }
+  return parameters;
+}
+
+/// "key=value,..." in the order of the parameters.
+inline std::string values_text(const std::string& filter, const std::vector<std::string>& values) {
+  auto value = values.begin();
+  std::string text;
+  for (const zvf_parameter& each : parameters_of(filter)) {
+    text.append(text.empty() ? "" : ",").append(each.name).append("=").append(*value++);
+  }
+  return text;
+}
+
 /// A chain for frames of this size, with the geometry of two cameras.
 inline ChainHandle chain_for(const std::string& text, std::uint32_t width, std::uint32_t height) {
   ChainHandle chain = parse(text);

@@ -9,53 +9,44 @@ namespace zvfilter {
 
 namespace {
 
-struct Refusal {
-  const char* text;
-  zvf_code code;
-  int step;
-  const char* tag;
-  const char* key;
-  const char* message;  // a part of it
-};
-
-class RefusedText : public testing::TestWithParam<Refusal> {};
-
-TEST_P(RefusedText, NamesStepTagAndKey) {
-  const Refusal& expected = GetParam();
-  zvf_error error = {};
-  EXPECT_EQ(zvf_chain_parse(expected.text, &error), nullptr);
-  EXPECT_EQ(error.code, expected.code);
-  EXPECT_EQ(error.step, expected.step);
-  EXPECT_STREQ(error.tag, expected.tag);
-  EXPECT_STREQ(error.key, expected.key);
-  EXPECT_NE(std::string(error.message).find(expected.message), std::string::npos) << error.message;
-  EXPECT_EQ(zvf_chain_parse(expected.text, nullptr), nullptr);
+TEST(Texts, AreRefusedByStepTagAndKey) {
+  const struct {
+    const char* text;
+    int step;
+    const char* tag;
+    const char* key;
+    const char* message;  // a part of it
+  } cases[] = {
+      {"TemporalFilter;HoleFilingFilter:", 1, "HoleFilingFilter", "", "did you mean HoleFillingFilter?"},
+      {"s=SpatialAdvancedFilter:alpah=1", 0, "s", "alpah", "did you mean alpha?"},
+      {"s=SpatialAdvancedFilter:alpha=1.01", 0, "s", "alpha", "expected 0.1 to 1"},
+      {"DepthResize:scale=0.05", 0, "DepthResize", "scale", "expected 0.1 to 50"},
+      {"HoleFillingFilter:hole_filling_mode=0.5", 0, "HoleFillingFilter", "hole_filling_mode",
+       "a whole number"},
+      {"HardwareD2DCorrectionFilter:x=1", 0, "HardwareD2DCorrectionFilter", "x", "no parameters"},
+      {"a=TemporalFilter\na=TemporalFilter", 1, "a", "", "tag of step 1 too"},
+      {"1a=TemporalFilter", 0, "1a", "", "a letter first"},
+      {R"({"version": 2, "steps": []})", -1, "", "", "version: is 2"},
+      {R"({"version": 1, "stepts": []})", -1, "", "", "did you mean steps?"},
+      {R"({"version": 1, "version": 1})", -1, "", "", "given twice"},
+      {R"({"version": 1, "steps": [{"filter": "TemporalFilter"}, {"filter": 3}]})", 1, "", "",
+       "step 2: filter: is 3; expected a text"},
+      {R"({"version": 1, "steps": [{"filter": "TemporalFilter", "values": {"weight": "0.4"}}]})", 0, "",
+       "", "expected a number"},
+      {R"({"version": 1, "input": {"disparity": {"baseline": 50}}, "steps": []})", -1, "", "",
+       "disparity.fx: is missing"}};
+  for (const auto& [text, step, tag, key, message] : cases) {
+    SCOPED_TRACE(text);
+    zvf_error error = {};
+    EXPECT_EQ(zvf_chain_parse(text, &error), nullptr);
+    EXPECT_EQ(error.code, ZVF_BAD_CHAIN);
+    EXPECT_EQ(error.step, step);
+    EXPECT_STREQ(error.tag, tag);
+    EXPECT_STREQ(error.key, key);
+    EXPECT_TRUE(has(error.message, message)) << error.message;
+    EXPECT_EQ(zvf_chain_parse(text, nullptr), nullptr);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, RefusedText,
-    testing::Values(
-        Refusal{"TemporalFilter;HoleFilingFilter:", ZVF_BAD_CHAIN, 1, "HoleFilingFilter", "",
-                "did you mean HoleFillingFilter?"},
-        Refusal{"s=SpatialAdvancedFilter:alpah=1", ZVF_BAD_CHAIN, 0, "s", "alpah", "did you mean alpha?"},
-        Refusal{"s=SpatialAdvancedFilter:alpha=1.01", ZVF_BAD_CHAIN, 0, "s", "alpha",
-                "expected 0.1 to 1"},
-        Refusal{"DepthResize:scale=0.05", ZVF_BAD_CHAIN, 0, "DepthResize", "scale", "expected 0.1 to 50"},
-        Refusal{"HoleFillingFilter:hole_filling_mode=0.5", ZVF_BAD_CHAIN, 0, "HoleFillingFilter",
-                "hole_filling_mode", "a whole number"},
-        Refusal{"HardwareD2DCorrectionFilter:x=1", ZVF_BAD_CHAIN, 0, "HardwareD2DCorrectionFilter", "x",
-                "no parameters"},
-        Refusal{"a=TemporalFilter\na=TemporalFilter", ZVF_BAD_CHAIN, 1, "a", "", "tag of step 1 too"},
-        Refusal{"1a=TemporalFilter", ZVF_BAD_CHAIN, 0, "1a", "", "a letter first"},
-        Refusal{R"({"version": 2, "steps": []})", ZVF_BAD_CHAIN, -1, "", "", "version: is 2"},
-        Refusal{R"({"version": 1, "stepts": []})", ZVF_BAD_CHAIN, -1, "", "", "did you mean steps?"},
-        Refusal{R"({"version": 1, "version": 1})", ZVF_BAD_CHAIN, -1, "", "", "given twice"},
-        Refusal{R"({"version": 1, "steps": [{"filter": "TemporalFilter"}, {"filter": 3}]})",
-                ZVF_BAD_CHAIN, 1, "", "", "step 2: filter: is 3; expected a text"},
-        Refusal{R"({"version": 1, "steps": [{"filter": "TemporalFilter", "values": {"weight": "0.4"}}]})",
-                ZVF_BAD_CHAIN, 0, "", "", "expected a number"},
-        Refusal{R"({"version": 1, "input": {"disparity": {"baseline": 50}}, "steps": []})", ZVF_BAD_CHAIN,
-                -1, "", "", "disparity.fx: is missing"}));
 
 TEST(Chain, KeepsAllThatItsFileSays) {
   const std::string file =
@@ -80,7 +71,7 @@ TEST(Chain, KeepsAllThatItsFileSays) {
   EXPECT_TRUE(step.as_made);
   ASSERT_EQ(zvf_chain_step(chain.get(), 2, &step, nullptr), ZVF_OK);
   EXPECT_FALSE(step.as_made);
-  EXPECT_NE(json.find("0.123456789"), std::string::npos);
+  EXPECT_TRUE(has(json, "0.123456789"));
 }
 
 TEST(Chain, KeepsAnInputWithoutASize) {
@@ -89,8 +80,7 @@ TEST(Chain, KeepsAnInputWithoutASize) {
   ASSERT_TRUE(zvf_chain_input(chain.get(), &input));
   EXPECT_EQ(input.value_scale, 0.1f);
   EXPECT_EQ(input.width, 0u);
-  EXPECT_NE(std::string(zvf_chain_json(chain.get(), nullptr)).find("\"valueScale\": 0.1\n"),
-            std::string::npos);
+  EXPECT_TRUE(has(zvf_chain_json(chain.get(), nullptr), "\"valueScale\": 0.1\n"));
   EXPECT_EQ(zvf_chain_output(chain.get(), &input, nullptr), ZVF_BAD_INPUT);
 }
 
@@ -104,12 +94,8 @@ TEST(Chain, RefusesToRunWithoutWhatItsStepsNeed) {
   ASSERT_EQ(zvf_chain_set_input(chain.get(), &input, &error), ZVF_OK);
   EXPECT_EQ(zvf_chain_run(chain.get(), frame.data(), 0, result.data(), 0, &error), ZVF_BAD_INPUT);
   EXPECT_STREQ(error.tag, "smooth");
-  EXPECT_NE(std::string(error.message).find("baseline"), std::string::npos);
+  EXPECT_TRUE(has(error.message, "baseline"));
   EXPECT_EQ(zvf_chain_enable(chain.get(), 1, false, &error), ZVF_OK);
-  EXPECT_EQ(zvf_chain_run(chain.get(), frame.data(), 0, result.data(), 0, &error), ZVF_OK);
-  EXPECT_EQ(zvf_chain_enable(chain.get(), 1, true, &error), ZVF_OK);
-  input.pixel_type = ZVF_LINEAR_DEPTH;
-  ASSERT_EQ(zvf_chain_set_input(chain.get(), &input, &error), ZVF_OK);
   EXPECT_EQ(zvf_chain_run(chain.get(), frame.data(), 0, result.data(), 0, &error), ZVF_OK);
 }
 
@@ -240,7 +226,7 @@ TEST(Filters, AreListedWithTheirParameters) {
   ASSERT_EQ(zvf_filter_count(), 9u);
   EXPECT_STREQ(zvf_filter_name(3), "SpatialAdvancedFilter");
   EXPECT_EQ(zvf_filter_name(9), nullptr);
-  EXPECT_NE(std::string(zvf_filter_summary(3)).find("mooth"), std::string::npos);
+  EXPECT_TRUE(has(zvf_filter_summary(3), "mooth"));
   EXPECT_EQ(zvf_filter_summary(9), nullptr);
   std::string with_history, resizing;
   for (std::size_t i = 0; i < zvf_filter_count(); ++i) {
