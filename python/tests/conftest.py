@@ -1,4 +1,7 @@
+import contextlib
 import os
+import threading
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 import numpy as np
@@ -11,6 +14,24 @@ REPOSITORY = Path(__file__).resolve().parents[2]
 #: What remembers, what changes sizes, and a tag.
 STEPS = ["DisparityTransform:", "NoiseRemovalFilter:max_size=60,min_diff=64", "smooth=SpatialAdvancedFilter:alpha=0.4",
          "TemporalFilter:weight=0.3", "HoleFillingFilter:hole_filling_mode=1", "DepthResize:scale=0.5"]
+
+
+@contextlib.contextmanager
+def meanwhile(work):
+    """Another thread does this over and over."""
+    done = threading.Event()
+
+    def repeat():
+        while not done.is_set():
+            work()
+
+    with ThreadPoolExecutor(1) as pool:
+        repeated = pool.submit(repeat)
+        try:
+            yield
+        finally:
+            done.set()
+        repeated.result()
 
 
 @pytest.fixture(scope="session")

@@ -3,7 +3,6 @@
 import json
 import os
 import signal
-import subprocess
 import sys
 import threading
 import time
@@ -151,22 +150,3 @@ def test_a_lost_workers_sequence_is_made_by_another(tmp_path, sequences, chain, 
         assert contents(tmp_path / "out") == contents(tmp_path / "local")
         again = batch.run(chain, sequences, tmp_path / "out", cluster.scheduler_address)
         assert names(again, skipped=True) == names(again)
-
-
-def test_a_killed_run_goes_on_to_the_same_bytes(tmp_path, sequences, chain):
-    batch.run(chain, sequences, tmp_path / "whole")
-    (tmp_path / "chain.json").write_text(chain.to_json())
-    code = f"""
-import zvfilter
-from zvfilter import batch
-batch.run(zvfilter.Chain.load({str(tmp_path / 'chain.json')!r}), {[str(folder) for folder in sequences]!r}, {str(tmp_path / 'out')!r})
-"""
-    process = subprocess.Popen([sys.executable, "-c", code])
-    while not (tmp_path / "out/scene_1/f_2.png").exists() and process.poll() is None:
-        time.sleep(0.002)
-    process.kill()
-    process.wait()
-    done_before = len(contents(tmp_path / "out"))
-    reports = batch.run(chain, sequences, tmp_path / "out")
-    assert 0 < done_before and reports[0].skipped and not reports[3].skipped
-    assert contents(tmp_path / "out") == contents(tmp_path / "whole")

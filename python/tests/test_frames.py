@@ -74,15 +74,6 @@ def test_inputs():
         assert (refusal.value.code, refusal.value.key) == (zvfilter.Code.BAD_INPUT, key)
 
 
-def test_a_filter_says_what_it_needs_to_know(noise):
-    transform = zvfilter.DisparityTransform(input=zvfilter.Input("disparity"))
-    with pytest.raises(zvfilter.InvalidError, match="baseline and fx") as refusal:
-        transform(noise())
-    assert (refusal.value.step, refusal.value.tag) == (0, "DisparityTransform")
-    transform.input = zvfilter.Input("disparity", baseline=50, fx=448)
-    assert transform(np.full((2, 2), 10 << 8, np.uint16)).tolist() == [[2240, 2240], [2240, 2240]]
-
-
 def test_another_input_or_size_starts_afresh(noise):
     calm = zvfilter.TemporalFilter()
     calm(noise(seed=1))
