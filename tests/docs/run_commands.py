@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs every command of a guide, in order, in an empty folder with the installed project on the paths.
 
-Use: run_commands.py PREFIX GUIDE [--show]    (--show prints what each command says, for who writes a guide)
+Use: run_commands.py PREFIX GUIDE
 
 console   lines after "$ " are commands (a line that ends in \\ goes on), the others what they print; "..." stands for anything
 sh        a script
@@ -44,10 +44,9 @@ def same(shown: str, said: str) -> bool:
 
 
 class Guide:
-    def __init__(self, file: Path, show: bool) -> None:
+    def __init__(self, file: Path) -> None:
         self.text = file.read_text()
         self.file = file
-        self.show = show
         self.names = {"__name__": "__main__"}
         self.unused = set()
 
@@ -66,8 +65,6 @@ class Guide:
     def command(self, text: str) -> str:
         self.use(text)
         done = subprocess.run(["bash", "-euo", "pipefail", "-c", text], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
-        if self.show:
-            print(f"$ {text}\n{done.stdout}", end="")
         if done.returncode != 0:
             raise Failure(f"exit status {done.returncode} of\n{text}\n{done.stdout}")
         return done.stdout
@@ -87,14 +84,11 @@ class Guide:
         return len(commands)
 
     def python(self, text: str) -> int:
-        said = io.StringIO()
         try:
-            with contextlib.redirect_stdout(said):
+            with contextlib.redirect_stdout(io.StringIO()):
                 exec(compile(text, str(self.file), "exec"), self.names)  # noqa: S102 - that is what it is for
         except Exception as problem:  # noqa: BLE001 - whatever it is, the guide is wrong
             raise Failure(f"{type(problem).__name__}: {problem}\n{text}") from problem
-        if self.show:
-            print(said.getvalue(), end="")
         return 1
 
     def c(self, text: str) -> int:
@@ -113,18 +107,16 @@ class Guide:
 
 
 def main() -> None:
-    show = "--show" in sys.argv
-    words = [word for word in sys.argv[1:] if word != "--show"]
-    if len(words) != 2:
+    if len(sys.argv) != 3:
         sys.exit(__doc__)
-    prefix, file = (Path(word).resolve() for word in words)
+    prefix, file = (Path(word).resolve() for word in sys.argv[1:])
     with tempfile.TemporaryDirectory() as folder:
         if "GUIDE_FOLDER" not in os.environ:
             # Again, with the paths set, so that what a guide imports and runs is what is installed.
             done = subprocess.run([sys.executable, __file__, *sys.argv[1:]], env={**environment(prefix, folder), "GUIDE_FOLDER": folder}, check=False)
             sys.exit(done.returncode)
         os.chdir(folder)
-        count = Guide(file, show).run()
+        count = Guide(file).run()
     if count == 0:
         sys.exit(f"{file}: no command")
     print(f"{file.name}: {count} commands and programs ran")
