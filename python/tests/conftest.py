@@ -1,6 +1,6 @@
 import contextlib
-import os
 import threading
+import time
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
@@ -34,6 +34,22 @@ def meanwhile(work):
         repeated.result()
 
 
+def longest_pause(work):
+    """The longest time in which no other Python thread ran while this was done, as a share of all its time."""
+    ticks = []
+
+    def tick():
+        ticks.append(time.perf_counter())
+        time.sleep(0.0005)
+
+    with meanwhile(tick):
+        start = time.perf_counter()
+        work()
+        end = time.perf_counter()
+    times = [start, *(each for each in ticks if start < each < end), end]
+    return max(later - earlier for earlier, later in zip(times, times[1:])) / (end - start)
+
+
 @pytest.fixture(scope="session")
 def camera():
     return zvfilter.VirtualCamera((320, 200), frames=6, seed=7)
@@ -58,11 +74,3 @@ def noise():
         frame[random.random(shape) < 0.1] = 0
         return frame
     return make
-
-
-@pytest.fixture(scope="session")
-def tool():
-    path = Path(os.environ.get("ZVFILTER_TOOL", REPOSITORY / "build/release/bin/zvfilter"))
-    if not path.exists():
-        pytest.skip("the tool is not built; ZVFILTER_TOOL may name it")
-    return path
