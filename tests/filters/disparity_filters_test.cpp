@@ -245,6 +245,7 @@ TEST(DisparityFilters, AFrameOfAnotherSizeBringsItsOwnProfile) {
       [](ZVDisparityParam& p) { p.dispOffset = 1; },  [](ZVDisparityParam& p) { p.invalidDisp = 211; },
       [](ZVDisparityParam& p) { p.isDualCamera = 0; }};
   const Pixels codes = {30000, 15008};  // 94 pixels of disparity and, for two cameras, 211.125
+  const devhost::LiveObjects before = devhost::live_objects();
   for (const bool open_ni : {false, true}) {
     for (const Change& change : changes) {
       for (const std::uint32_t height : {1u, 2u}) {
@@ -261,6 +262,7 @@ TEST(DisparityFilters, AFrameOfAnotherSizeBringsItsOwnProfile) {
       }
     }
   }
+  EXPECT_EQ(devhost::live_objects(), before) << "the other profile is given back";
 }
 
 TEST(DisparityTransform, AnUnknownPackModeFailsOnceAndThenGivesZeros) {
@@ -279,6 +281,7 @@ TEST(DisparityTransform, AnUnknownPackModeFailsOnceAndThenGivesZeros) {
 
 TEST(DisparityTransform, BitSizesWithoutATableGiveZeros) {
   FilterDriver filter(kTransform);
+  EXPECT_EQ(filter.filtered(kThreeCodes), kDepths);
   for (const int bits : {0, 200})
     EXPECT_EQ(filter.filtered(disparity_frame(camera(2, true, bits), {160, 65535})), Pixels(2));
 }

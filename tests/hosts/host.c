@@ -223,9 +223,9 @@ void paint(uint16_t* pixels, uint32_t width, uint32_t height) {
   }
 }
 
-zv_frame_t* make_frame(const struct description* d) {
-  zv_frame_t* frame = zv_create_frame(ZV_FRAME_TYPE_DEPTH, d->format, d->width * d->height * 2, NULL);
-  zv_stream_profile_t like = {.format = d->format, .width = d->width, .height = d->height};
+zv_frame_t* make_frame(const struct description* d, uint32_t width, uint32_t height) {
+  zv_frame_t* frame = zv_create_frame(ZV_FRAME_TYPE_DEPTH, d->format, width * height * 2, NULL);
+  zv_stream_profile_t like = {.format = d->format, .width = width, .height = height};
   like.intrinsic.fx = like.disparity.fx = 600;
   like.disparity.zpd = 1000;
   like.disparity.baseline = 50;
@@ -235,8 +235,8 @@ zv_frame_t* make_frame(const struct description* d) {
   like.disparity.dispIntPlace = 8;
   like.disparity.isDualCamera = !d->one_camera;
   frame->profile = new_profile(&like);
-  frame->info = (struct info){d->format, d->pixel_type, d->width, d->height, 16, 1, d->corrected};
-  paint(frame->pixels, d->width, d->height);
+  frame->info = (struct info){d->format, d->pixel_type, width, height, 16, 1, d->corrected};
+  paint(frame->pixels, width, height);
   if (!d->in_set) return frame;
   zv_frame_t* set = zv_create_frame(ZV_FRAME_TYPE_SET, d->format, 0, NULL);
   set->depth = frame;

@@ -58,6 +58,7 @@ TEST_P(ResizeLevel, CountersOf32BitsWrap) {
   const Pixels row = resized(70000, 7000, 0.1f, 0);
   EXPECT_EQ(row[6553], 65530 - 60000 + 1);
   EXPECT_EQ(row[6554], 4 + 1) << "65540 in 16 bits";
+  EXPECT_EQ(resized(65536, 65536, 1.0f, 0).back(), 65535 - 60000 + 1) << "the largest position";
 }
 
 TEST(DepthProcess, ChecksSizesThenScaleThenAgreement) {
