@@ -27,10 +27,9 @@ std::string in_range(Source& input, const kit::SchemaParameter& parameter) {
       return parameter.max;
     case 3:
       return std::to_string(min + (max - min) * input.integer(0, 4096) / 4096);
-    default: {  // small numbers are what small frames need
-      const double unit = parameter.type == "float" ? 0.05 : 1;
-      return std::to_string(std::min(max, min + unit * input.integer(0, 60)));
-    }
+    default:  // small numbers are what small frames need
+      return std::to_string(
+          std::min(max, min + (parameter.type == "float" ? 0.05 : 1) * input.integer(0, 60)));
   }
 }
 
