@@ -1,10 +1,12 @@
 // A host's doings with the plug-in: filters are made, configured, given frames, reset and destroyed in
 // any order, while host calls fail.
+#include <algorithm>
 #include <array>
+#include <cstdlib>
 
-#include "arguments.h"
 #include "filter_handle.h"
 #include "frames.h"
+#include "kit/schema/schema.h"
 #include "target.h"
 
 namespace filterprocessor::fuzz {
@@ -12,6 +14,54 @@ namespace filterprocessor::fuzz {
 namespace {
 
 using devhost::FilterHandle;
+
+std::string in_range(Source& input, const kit::SchemaParameter& parameter) {
+  const double min = std::atof(parameter.min.c_str());
+  const double max = std::atof(parameter.max.c_str());
+  switch (input.integer(0, 7)) {
+    case 0:
+      return parameter.default_value;
+    case 1:
+      return parameter.min;
+    case 2:
+      return parameter.max;
+    case 3:
+      return std::to_string(min + (max - min) * input.integer(0, 4096) / 4096);
+    default:  // small numbers are what small frames need
+      return std::to_string(
+          std::min(max, min + (parameter.type == "float" ? 0.05 : 1) * input.integer(0, 60)));
+  }
+}
+
+std::string anything(Source& input, const kit::SchemaParameter& parameter) {
+  switch (input.integer(0, 3)) {
+    case 0:
+      return std::to_string(std::atof(parameter.min.c_str()) - 1);
+    case 1:
+      return std::to_string(std::atof(parameter.max.c_str()) + 1);
+    case 2:
+      return input.pick({"nan", "inf", "-inf", "", "x", "-1", "0", "1e400", "1e-400",
+                         "99999999999999999999", "-99999999999999999999", "2147483648", " 1", "0x10",
+                         "1,5", "0.1", "50"});
+    default: {
+      const auto bytes = input.take(input.size(0, 12));
+      return std::string(bytes.begin(), bytes.end());
+    }
+  }
+}
+
+/// Texts for a filter's parameters: mostly all of them in range, otherwise some that are not, and now and
+/// then some too many or too few.
+std::vector<std::string> any_arguments(Source& input,
+                                       const std::vector<kit::SchemaParameter>& parameters) {
+  std::vector<std::string> texts;
+  const bool usual = !input.one_in(4);
+  for (const kit::SchemaParameter& parameter : parameters) {
+    texts.push_back(usual || input.flag() ? in_range(input, parameter) : anything(input, parameter));
+  }
+  if (input.one_in(16)) texts.resize(input.size(0, 12), "1");
+  return texts;
+}
 
 /// Makes the n-th host call fail, whichever it is, while `action` runs; none for 0.
 void with_fault(int occurrence, const auto& action) {

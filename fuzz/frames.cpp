@@ -1,7 +1,5 @@
 #include "frames.h"
 
-#include <utility>
-
 #include "cases/images.h"
 
 namespace filterprocessor::fuzz {
@@ -35,10 +33,10 @@ Sides any_frame_sides(Source& input) {
   if (input.one_in(8)) {
     // Sizes that have a form of their own in the speckle kernels.
     const auto side = input.pick<std::size_t>({160, 320, 424, 640, 1280, 266});
-    const auto other = static_cast<std::size_t>(input.integer(1, 8));
+    const auto other = input.size(1, 8);
     return input.flag() ? Sides{other, side} : Sides{side, other};
   }
-  return {static_cast<std::size_t>(input.integer(0, 40)), static_cast<std::size_t>(input.integer(0, 40))};
+  return {input.size(0, 40), input.size(0, 40)};
 }
 
 devhost::FrameTraits any_traits(Source& input) {
@@ -64,7 +62,7 @@ devhost::FrameTraits any_traits(Source& input) {
 
 /// More or fewer pixels than described, or described.
 void break_size(Source& input, devhost::FrameTraits& traits) {
-  if (input.flag()) return traits.pixels.resize(static_cast<std::size_t>(input.integer(0, 4000)));
+  if (input.flag()) return traits.pixels.resize(input.size(0, 4000));
   const auto claim = [&](std::uint32_t& side) {
     side = any_of<std::uint32_t>(input, {side, 0xffffffff, 0x80000000, 65536, 70000, 32768});
   };
@@ -109,7 +107,7 @@ devhost::Frame any_frame(Source& input) {
       devhost::attach_profile(frame.get(), profile);
     }
     if (input.one_in(32)) {
-      const std::string odd(static_cast<std::size_t>(2 * input.integer(0, 100) + 1), 'x');
+      const std::string odd(2 * input.size(0, 100) + 1, 'x');
       zv_frame_update_data(frame.get(), odd.data(), static_cast<std::uint32_t>(odd.size()), nullptr);
     }
   }

@@ -14,28 +14,28 @@ namespace filterprocessor::fuzz {
 
 namespace {
 
-void read_camera(std::string_view text) {
-  kit::Input camera;
+/// What `read` gives, or nothing where it refuses its input.
+auto accepted(const auto& read) -> std::optional<decltype(read())> {
   try {
-    camera = kit::parse_camera_json(text, "camera.json");
+    return read();
   } catch (const kit::Error&) {
-    return;
+    return {};
   }
-  const std::string written = kit::input_json(camera, false).dump();
+}
+
+void read_camera(std::string_view text) {
+  const auto camera = accepted([&] { return kit::parse_camera_json(text, "camera.json"); });
+  if (!camera) return;
+  const std::string written = kit::input_json(*camera, false).dump();
   const kit::Input again = kit::parse_camera_json(written, "again");
   require(kit::input_json(again, false).dump() == written, "a camera says the same when read again");
 }
 
 void read_image(std::string_view format, kit::ByteView file, const kit::Size& size) {
   const kit::Codec& codec = *kit::codec_named(format);
-  kit::Image image;
-  try {
-    image = codec.decode(file, size);
-  } catch (const kit::Error&) {
-    return;
-  }
-  const kit::Bytes written = codec.encode(image);
-  require(codec.decode(written, {image.width, image.height}) == image,
+  const auto image = accepted([&] { return codec.decode(file, size); });
+  if (!image) return;
+  require(codec.decode(codec.encode(*image), {image->width, image->height}) == *image,
           "an image is the same when read again");
 }
 
@@ -92,19 +92,17 @@ void run_input(Source& input) {
   if (reader == 'r' || reader == 'R')
     size = {input.number<std::uint8_t>(), input.number<std::uint32_t>()};
   const auto file = input.take_rest();
+  struct Reader {
+    char letter;
+    std::string_view format;
+  };
+  for (const auto& [letter, format] :
+       {Reader{'p', "png"}, {'g', "pgm"}, {'n', "npy"}, {'r', "raw"}, {'t', "tiff"}}) {
+    if (reader == letter) return read_image(format, file, size);
+  }
   switch (reader) {
     case 'c':
       return read_camera({reinterpret_cast<const char*>(file.data()), file.size()});
-    case 'p':
-      return read_image("png", file, size);
-    case 'g':
-      return read_image("pgm", file, size);
-    case 'n':
-      return read_image("npy", file, size);
-    case 'r':
-      return read_image("raw", file, size);
-    case 't':
-      return read_image("tiff", file, size);
     case 'G':
       return read_stream("pgm", file, {});
     case 'N':

@@ -16,8 +16,7 @@ devhost::FrameTraits ramp(std::uint32_t width, std::uint32_t height) {
 }
 
 TEST(DepthResize, ScalesAndDescribesTheNewSize) {
-  FilterDriver filter("DepthResize");
-  EXPECT_EQ(filter.update({"4", "2", "0.5", "1", "0", "0", "0"}), kNoError);
+  FilterDriver filter("DepthResize", {"4", "2", "0.5", "1", "0", "0", "0"});
   devhost::FrameTraits source = ramp(6, 4);
   source.format = 3;
   source.value_scale = 0.25f;
@@ -59,8 +58,7 @@ TEST(DepthResize, AFilterNeitherConfiguredNorResetFailsOnEveryFrame) {
 }
 
 TEST(DepthResize, StoresWhatComesBeforeABadValue) {
-  FilterDriver filter("DepthResize");
-  EXPECT_EQ(filter.update({"7", "5", "1", "1e3", "-1000", "999", "-999"}), kNoError);
+  FilterDriver filter("DepthResize", {"7", "5", "1", "1e3", "-1000", "999", "-999"});
   EXPECT_EQ(filter.update({"0", "9", "2", "0", "0", "0", "0"}), out_of_range("dst_width"));
   EXPECT_EQ(filter.refused(ramp(6, 4)), kDisagrees);
   EXPECT_FALSE(filter.filtered(ramp(7, 5)).empty()) << "that changed nothing";
@@ -71,8 +69,7 @@ TEST(DepthResize, StoresWhatComesBeforeABadValue) {
 }
 
 TEST(DepthResize, RefusesATargetOfMoreThan32BitsOfBytesBeforeItMakesAFrame) {
-  FilterDriver filter("DepthResize");
-  EXPECT_EQ(filter.update({"60000", "60000", "1", "59994", "0", "59996", "0"}), kNoError);
+  FilterDriver filter("DepthResize", {"60000", "60000", "1", "59994", "0", "59996", "0"});
   devhost::start_call_log();
   EXPECT_EQ(filter.refused(ramp(6, 4)), kFailed);
   for (const std::string& call : devhost::stop_call_log()) EXPECT_NE(call, "zv_create_frame");

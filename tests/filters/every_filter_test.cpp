@@ -64,8 +64,7 @@ TEST(AllFilters, RefuseDataThatDoNotFitTheirDescription) {
     const devhost::FrameTraits traits = lively_frame(40, 24, use.pixel_type, 1);
     devhost::FrameTraits short_of_one = traits;
     short_of_one.pixels.pop_back();
-    FilterDriver filter(use.name);
-    EXPECT_EQ(filter.update(use.configuration), kNoError);
+    FilterDriver filter(use.name, use.configuration);
     const devhost::LiveObjects before = devhost::live_objects();
     EXPECT_EQ(filter.refused(short_of_one), kBadFrame);
     devhost::hide_data(true);

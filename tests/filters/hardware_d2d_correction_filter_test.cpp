@@ -59,19 +59,6 @@ TEST(HardwareD2DCorrectionFilter, KeepsTheDepthUnderANewProfileUntilTheCorrectio
   }
 }
 
-TEST(HardwareD2DCorrectionFilter, AFrameOfAnotherSizeBringsItsOwnProfile) {
-  FilterDriver filter(kName);
-  for (const auto& [width, height] : {std::pair{4u, 1u}, {8u, 1u}, {8u, 2u}}) {
-    const std::size_t area = std::size_t{width} * height;
-    devhost::FrameTraits traits = corrected(std::int64_t{width} * height, Pixels(area, 5750));
-    traits.width = width;
-    traits.height = height;
-    traits.disparity.fx = 115.0 * width;
-    traits.disparity.baseline = 50.0f * static_cast<float>(height);
-    EXPECT_EQ(filter.filtered(traits), Pixels(area)) << width << " x " << height;
-  }
-}
-
 TEST(HardwareD2DCorrectionFilter, ResetForgetsEverything) {
   HardwareD2DCorrectionFilter filter;
   const devhost::LiveObjects before = devhost::live_objects();

@@ -65,13 +65,8 @@ devhost::Frame make_input(const Scenario& scenario, bool as_set, std::uint32_t w
 
 /// A filter that has seen a frame `before`, if that is one.
 FilterDriver prepared(const Scenario& scenario, const devhost::Frame& before) {
-  FilterDriver filter(scenario.filter);
-  if (!scenario.configuration.empty()) {
-    EXPECT_EQ(filter.update(scenario.configuration), kNoError);
-  }
-  if (before) {
-    EXPECT_TRUE(filter.process(before));
-  }
+  FilterDriver filter(scenario.filter, scenario.configuration);
+  EXPECT_TRUE(!before || filter.process(before));
   return filter;
 }
 
@@ -108,9 +103,9 @@ std::vector<Pixels> expected_next(const Scenario& scenario, const devhost::Frame
 /// Makes one call fail and checks what the caller gets, what is printed and that nothing is left behind.
 void expect_survived(const Scenario& scenario, const devhost::Frame& before, const devhost::Frame& input,
                      const std::string& call, int occurrence, bool null_slot) {
-  const std::string what = std::string(scenario.filter) + ", " + scenario.name + ", " + call +
-                           " number " + std::to_string(occurrence) + " after " +
-                           (before ? "a frame" : "none");
+  SCOPED_TRACE(testing::Message() << scenario.filter << ", " << scenario.name << ", " << call
+                                  << " number " << occurrence << " after "
+                                  << (before ? "a frame" : "none"));
   const std::vector<Pixels> expected = expected_next(scenario, before, input, call);
   const devhost::LiveObjects baseline = devhost::live_objects();
   {
@@ -119,25 +114,21 @@ void expect_survived(const Scenario& scenario, const devhost::Frame& before, con
     const std::string printed = FilterDriver::output_of([&] {
       PrivFilterContext* context = filter.context();
       if (null_slot) {
-        EXPECT_EQ(context->process(context->filter, input.get(), nullptr), nullptr) << what;
+        EXPECT_EQ(context->process(context->filter, input.get(), nullptr), nullptr);
       } else {
-        EXPECT_FALSE(filter.process(input)) << what;
+        EXPECT_FALSE(filter.process(input));
       }
     });
-    ASSERT_TRUE(devhost::clear_fault()) << what;
+    ASSERT_TRUE(devhost::clear_fault());
     EXPECT_EQ(printed, "zv_error was raised: \n\tcall: " + call +
-                           "()\n\tmessage: injected fault\n\terror type: 7\n")
-        << what;
-    if (!null_slot) {
-      EXPECT_EQ(filter.last_error(), (ErrorTexts{"injected fault", call, "", 7})) << what;
-    }
-    EXPECT_EQ(devhost::live_objects().frames, baseline.frames) << what;
+                           "()\n\tmessage: injected fault\n\terror type: 7\n");
+    EXPECT_EQ(filter.last_error(), (null_slot ? kNoError : ErrorTexts{"injected fault", call, "", 7}));
+    EXPECT_EQ(devhost::live_objects().frames, baseline.frames);
     const devhost::Frame next = filter.process(input);
-    ASSERT_TRUE(next) << what << ": the next frame: " << filter.last_error();
-    EXPECT_NE(std::count(expected.begin(), expected.end(), depth_pixels(next)), 0)
-        << what << ": the next frame";
+    ASSERT_TRUE(next) << "the next frame: " << filter.last_error();
+    EXPECT_NE(std::ranges::count(expected, depth_pixels(next)), 0) << "the next frame";
   }
-  EXPECT_EQ(devhost::live_objects(), baseline) << what;
+  EXPECT_EQ(devhost::live_objects(), baseline);
 }
 
 TEST(HostFaults, EveryFailingCallIsPrintedOnceAndLeavesNothingBehind) {

@@ -108,9 +108,8 @@ TEST(NoiseRemovalFilter, ShiftFollowsTheDepthUnit) {
 }
 
 TEST(NoiseRemovalFilter, ScalesFromTheSizeItIsConfiguredFor) {
-  FilterDriver filter(kName);
+  FilterDriver filter(kName, {"1000", "128", "1280", "1024"});
   const devhost::FrameTraits traits = room(424, 240);
-  EXPECT_EQ(filter.update({"1000", "128", "1280", "1024"}), kNoError);
   EXPECT_EQ(filter.filtered(traits), despeckled(traits, {3, 12, 28, 50, 78, 112, 153}, 9, 0, 77));
   filter.reset();
   EXPECT_EQ(filter.filtered(traits), despeckled(traits, kTable, 9, 0, 20));
@@ -125,8 +124,7 @@ TEST(NoiseRemovalFilter, AFailedConfigurationIsNotRetriedForTheSameKindOfFrame) 
   for (const Case& c : {Case{"frame_info.bxf", 0, 1, 424},
                         {"frame_info.depth_unit", 50, 0, 424},
                         {"frame_info.width||frame_info.height", 50, 1, 0}}) {
-    FilterDriver filter(kName);
-    EXPECT_EQ(filter.update({"80", "100", "848", "480"}), kNoError);
+    FilterDriver filter(kName, {"80", "100", "848", "480"});
     EXPECT_EQ(filter.update({"80", "256", "848", "480"}), kNoError);
     devhost::FrameTraits good = room(424, 240);
     devhost::FrameTraits bad = good;

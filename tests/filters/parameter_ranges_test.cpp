@@ -52,24 +52,20 @@ TEST(ParameterRanges, BothEndsAreAcceptedAndNothingPastThem) {
 }
 
 TEST(ParameterRanges, OfSeveralBadValuesTheFirstIsNamedAndNothingIsStored) {
-  for (const FilterUse& use : every_filter(320, 200)) {
-    const std::string name = use.name;
-    if (name != "NoiseRemovalFilter" && name != "SpatialAdvancedFilter" &&
-        name != "EdgeNoiseRemovalFilter")
-      continue;  // the others store what comes before a bad value
-    FilterDriver filter(name);
+  const std::vector<FilterUse> uses = every_filter(320, 200);
+  for (const FilterUse& use : {uses[2], uses[3], uses[6]}) {  // the others store what comes before it
+    FilterDriver filter(use.name, use.configuration);
     const auto parameters = kit::parse_schema(filter.schema());
     const devhost::FrameTraits frame = lively_frame(320, 200, use.pixel_type, 0);
-    EXPECT_EQ(filter.update(use.configuration), kNoError);
     const Pixels before = filter.filtered(frame);
     std::vector<std::string> values = use.other;
     for (std::size_t i = values.size(); i-- > 0;) {
       values[i] = "-1";
       EXPECT_EQ(filter.update(values), out_of_range(parameters[i].name));
-      EXPECT_EQ(filter.filtered(frame), before) << name << ", " << parameters[i].name;
+      EXPECT_EQ(filter.filtered(frame), before) << use.name << ", " << parameters[i].name;
     }
     EXPECT_EQ(filter.update(use.other), kNoError);
-    EXPECT_NE(filter.filtered(frame), before) << name;
+    EXPECT_NE(filter.filtered(frame), before) << use.name;
   }
 }
 

@@ -24,6 +24,11 @@ const std::string kRecord =
     "fx:            600\ninvalidDisp:   0\nisDualCamera:  \x01\nminDisparity:  0\n"
     "packMode:      \x02\nunit:          1\nzpd:           1234.57\nzpps:          0.25\n";
 
+const std::string kNoise =
+    "anchor_params: \nwidth:    848\nheight:   480\nmax_size: 80\nmin_diff: 256\n"
+    "current_filter_params: \nwidth:    640\nheight:   400\nmax_size: 50\nmin_diff: 256\n"
+    "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        ";
+
 /// After a frame of 640 x 400, or before it.
 const Print kPrints[] = {
     {0, {}, kRecord, ZV_PIXEL_TYPE_DISPARITY},
@@ -32,18 +37,14 @@ const Print kPrints[] = {
     {1, {"2"}, "hole filling mode: farest\n"},
     {2,
      {},
-     "anchor_params: \nwidth:    848\nheight:   480\nmax_size: 80\nmin_diff: 256\n"
-     "current_filter_params: \nwidth:    640\nheight:   400\nmax_size: 50\nmin_diff: 256\n"
-     "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        30060\ndepth_flag: 0\n"
-     "depth_unit: 1\nfraction_bit_size: \x08\n"
-     "depth_diff_lut: \n8 33 74 133 207 299 407 \ndepth_shift: \x09\n"},
+     kNoise + "30060\ndepth_flag: 0\n"
+              "depth_unit: 1\nfraction_bit_size: \x08\n"
+              "depth_diff_lut: \n8 33 74 133 207 299 407 \ndepth_shift: \x09\n"},
     {2,
      {},
-     "anchor_params: \nwidth:    848\nheight:   480\nmax_size: 80\nmin_diff: 256\n"
-     "current_filter_params: \nwidth:    640\nheight:   400\nmax_size: 50\nmin_diff: 256\n"
-     "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        0\ndepth_flag: 4\n"
-     "depth_unit: 1\nfraction_bit_size: \x06\n"
-     "depth_diff_lut: \n256 512 768 1024 1280 1536 1792 \ndepth_shift: \x09\n",
+     kNoise + "0\ndepth_flag: 4\n"
+              "depth_unit: 1\nfraction_bit_size: \x06\n"
+              "depth_diff_lut: \n256 512 768 1024 1280 1536 1792 \ndepth_shift: \x09\n",
      ZV_PIXEL_TYPE_LINEAR_DEPTH},
     {3,
      {},

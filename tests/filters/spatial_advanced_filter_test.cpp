@@ -46,11 +46,10 @@ TEST(SpatialAdvancedFilter, TurnsTheDisparityStepIntoStepsOfDepth) {
 }
 
 TEST(SpatialAdvancedFilter, GoesOverDisparityFramesOnceWithAFixedStep) {
-  FilterDriver filter(kName);
+  FilterDriver filter(kName, {"5", "0.5", "160", "1"});
   devhost::FrameTraits traits = room();
   traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
   traits.value_scale = 0;  // does not matter for disparity
-  EXPECT_EQ(filter.update({"5", "0.5", "160", "1"}), kNoError);
   EXPECT_EQ(filter.filtered(traits), smoothed_fixed(traits, 160));
   traits.bits = 12;  // 4 fraction bits
   EXPECT_EQ(filter.filtered(traits), smoothed_fixed(traits, 10));
@@ -70,18 +69,16 @@ TEST(SpatialAdvancedFilter, KeepsTheGeometryOfAnEarlierFrameForLinearDepth) {
 }
 
 TEST(SpatialAdvancedFilter, OnlyHolesChangeInFramesOfOtherPixelTypes) {
-  FilterDriver filter(kName);
+  FilterDriver filter(kName, {"1", "0.5", "160", "8"});
   devhost::FrameTraits traits = room();
   traits.pixel_type = 9;
-  EXPECT_EQ(filter.update({"1", "0.5", "160", "8"}), kNoError);
   EXPECT_EQ(filter.filtered(traits), smoothed(traits, Pixels(7), 0, 1, 0.5f, 8));
   traits.pixel_type = -1;
   EXPECT_EQ(filter.refused(traits), invalid("frame_info.pixel_type"));
 }
 
 TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
-  FilterDriver filter(kName);
-  EXPECT_EQ(filter.update({"1", "0.5", "160", "1"}), kNoError);
+  FilterDriver filter(kName, {"1", "0.5", "160", "1"});
   const Pixels result = filter.filtered(room());
   devhost::FrameTraits bad = room();
   bad.disparity.baseline = 0;

@@ -32,6 +32,12 @@ Pixels read_depths(const CameraFrame& frame) {
   return depths;
 }
 
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + std::ssize(values) / 2;
+  std::nth_element(values.begin(), middle, values.end());
+  return values.empty() ? 1 : *middle;
+}
+
 /// The median relative error of the pixels that have a depth which every format can hold.
 double median_error(const Pixels& depths, const Pixels& truths) {
   std::vector<double> errors;
@@ -40,9 +46,7 @@ double median_error(const Pixels& depths, const Pixels& truths) {
     if (depths[i] != 0 && truth > 0 && truth <= 4000)
       errors.push_back(std::abs(depths[i] - truth) / static_cast<double>(truth));
   }
-  const auto middle = errors.begin() + static_cast<std::ptrdiff_t>(errors.size() / 2);
-  std::nth_element(errors.begin(), middle, errors.end());
-  return errors.empty() ? 1 : *middle;
+  return median(errors);
 }
 
 std::uint32_t checksum(const CameraFrame& frame) {
@@ -105,24 +109,15 @@ TEST(VirtualCamera, EveryCodingReadsBackAsTheDepthThatWasMeasured) {
 }
 
 TEST(VirtualCamera, TakesBothEndsOfItsRangesAndNothingBeyond) {
-  const auto takes = [](const auto& change) {
-    CameraConfig config = small_config();
-    change(config);
-    try {
-      VirtualCamera camera(config);
-      return true;
-    } catch (const std::invalid_argument&) {
-      return false;
-    }
-  };
-  const auto expect_range = [&](auto CameraConfig::*field, double least, double most, double beyond) {
-    const auto taken = [&](double value) {
-      return takes([&](CameraConfig& c) {
-        c.*field = static_cast<std::remove_reference_t<decltype(c.*field)>>(value);
-      });
+  const auto expect_range = [](auto CameraConfig::*field, double least, double most, double beyond) {
+    const auto camera_with = [&](double value) {
+      CameraConfig config = small_config();
+      config.*field = static_cast<std::remove_reference_t<decltype(config.*field)>>(value);
+      return VirtualCamera(config);
     };
-    EXPECT_TRUE(taken(least) && taken(most)) << least;
-    EXPECT_FALSE(taken(least - beyond) || taken(most + beyond)) << least;
+    for (const double end : {least, most}) EXPECT_NO_THROW(camera_with(end)) << end;
+    for (const double past : {least - beyond, most + beyond})
+      EXPECT_THROW(camera_with(past), std::invalid_argument) << past;
   };
   expect_range(&CameraConfig::width, 64, 4096, 1);
   expect_range(&CameraConfig::height, 48, 4096, 1);
@@ -158,9 +153,8 @@ TEST(VirtualCamera, FaultsSpoilWhatTheySayAndNothingElse) {
   const auto share = [&](const auto& holds) {
     double all = 0, held = 0;
     for (std::size_t i = 0; i < depths.size(); ++i) {
-      if (depths[i] == 0) continue;
-      ++all;
-      held += holds(i) ? 1 : 0;
+      all += depths[i] != 0;
+      held += depths[i] != 0 && holds(i);
     }
     return held / all;
   };
@@ -172,9 +166,7 @@ TEST(VirtualCamera, FaultsSpoilWhatTheySayAndNothingElse) {
       if (depths[i] >= nearest && depths[i] < farthest && noisy[i] != 0)
         disparities.push_back(std::abs(1000.0 / noisy[i] - 1000.0 / depths[i]));
     }
-    const auto middle = disparities.begin() + static_cast<std::ptrdiff_t>(disparities.size() / 2);
-    std::nth_element(disparities.begin(), middle, disparities.end());
-    return *middle;
+    return median(disparities);
   };
   EXPECT_GT(noise_of(3500, 5000), 1.5 * noise_of(400, 1500));
   EXPECT_GT(noise_of(400, 1500), 0);
@@ -211,7 +203,7 @@ TEST(VirtualCamera, StandsStillOrMoves) {
   config.texture = 0.2f;
   const auto valid = [](const CameraFrame& frame) {
     const Pixels depths = read_depths(frame);
-    return depths.size() - static_cast<std::size_t>(std::count(depths.begin(), depths.end(), 0));
+    return std::ssize(depths) - std::ranges::count(depths, 0);
   };
   EXPECT_LT(valid(VirtualCamera(config).frame(0)), valid(still.frame(0)) / 2);
 }

@@ -111,8 +111,8 @@ static void use_filter(PrivFilterContext* filter, const zv_frame_t* input, const
 
 static void try_filter(void) {
   const struct filter_case* what = walk->filter;
-  zv_frame_t* input = make_input(what, walk->width, HEIGHT);
-  zv_frame_t* other = make_input(what, walk->width + 16, HEIGHT + 8);
+  zv_frame_t* input = make_frame(&what->frame, walk->width, HEIGHT);
+  zv_frame_t* other = make_frame(&what->frame, walk->width + 16, HEIGHT + 8);
   begin_shortage();
   complain(!names_are_right(&plugin), "wrong names");
   PrivFilterContext* filter = plugin.create(what->index);

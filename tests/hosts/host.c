@@ -6,7 +6,7 @@
 #include <string.h>
 
 struct zv_error {
-  char message[128], function[128], args[128];
+  char message[128];
   int32_t exception_type;
 };
 
@@ -44,18 +44,15 @@ long live_objects(void) { return live; }
 
 zv_error* zv_create_error(int32_t status, const char* message, const char* function, const char* args,
                           int32_t exception_type) {
-  (void)status;
   struct zv_error* error = &errors[errors_made++ % 64];
-  snprintf(error->message, sizeof error->message, "%s", message);
-  snprintf(error->function, sizeof error->function, "%s", function);
-  snprintf(error->args, sizeof error->args, "%s", args);
+  snprintf(error->message, sizeof error->message, "%s: %s(%s), %d", message, function, args, status);
   error->exception_type = exception_type;
   return error;
 }
 
 const char* zv_error_get_message(const zv_error* error) { return error->message; }
-const char* zv_error_get_function(const zv_error* error) { return error->function; }
-const char* zv_error_get_args(const zv_error* error) { return error->args; }
+const char* zv_error_get_function(const zv_error* error) { return error->message; }
+const char* zv_error_get_args(const zv_error* error) { return error->message; }
 int32_t zv_error_get_exception_type(const zv_error* error) { return error->exception_type; }
 
 static bool fails(bool failure, const char* function, zv_error** error) {
@@ -70,8 +67,7 @@ static bool fails(bool failure, const char* function, zv_error** error) {
 
 #define GET(Object, Result, function, expression)           \
   Result function(const Object* object, zv_error** error) { \
-    static const Result none;                               \
-    BEGIN(object == NULL, none);                            \
+    BEGIN(object == NULL, (Result){0});                     \
     return expression;                                      \
   }
 #define SET(Object, Value, function, member)                     \
@@ -83,6 +79,8 @@ static bool fails(bool failure, const char* function, zv_error** error) {
 GET(zv_frame_t, int32_t, zv_frame_get_type, object->type)
 GET(zv_frame_t, int32_t, zv_frame_get_format, object->info.format)
 GET(zv_frame_t, uint32_t, zv_frame_get_data_size, object->size)
+GET(zv_frame_t, void*, zv_frame_get_data, (void*)object->pixels)
+GET(zv_frame_t, zv_frame_t*, zv_frameset_get_depth_frame, object->depth)
 GET(zv_frame_t, uint32_t, zv_video_frame_get_width, object->info.width)
 GET(zv_frame_t, uint32_t, zv_video_frame_get_height, object->info.height)
 GET(zv_frame_t, int32_t, zv_video_frame_get_pixel_type, object->info.pixel_type)
@@ -100,16 +98,6 @@ GET(zv_stream_profile_t, ZVDisparityParam, zv_disparity_based_stream_profile_get
 SET(zv_stream_profile_t, uint32_t, zv_video_stream_profile_set_width, width)
 SET(zv_stream_profile_t, uint32_t, zv_video_stream_profile_set_height, height)
 SET(zv_stream_profile_t, ZVCameraIntrinsic, zv_video_stream_profile_set_intrinsic, intrinsic)
-
-void* zv_frame_get_data(const zv_frame_t* frame, zv_error** error) {
-  BEGIN(frame == NULL, NULL);
-  return (void*)frame->pixels;
-}
-
-zv_frame_t* zv_frameset_get_depth_frame(const zv_frame_t* set, zv_error** error) {
-  BEGIN(set == NULL, NULL);
-  return set->depth;
-}
 
 void zv_frame_update_data(zv_frame_t* frame, const void* data, uint32_t size, zv_error** error) {
   BEGIN(frame == NULL || size > frame->size, NOTHING);
@@ -235,23 +223,20 @@ void paint(uint16_t* pixels, uint32_t width, uint32_t height) {
   }
 }
 
-zv_frame_t* make_frame(const struct description* d) {
-  zv_frame_t* frame = zv_create_frame(ZV_FRAME_TYPE_DEPTH, d->format, d->width * d->height * 2, NULL);
-  const zv_stream_profile_t like = {.format = d->format,
-                                    .width = d->width,
-                                    .height = d->height,
-                                    .intrinsic = {.fx = 600, .fy = 600},
-                                    .disparity = {.zpd = 1000,
-                                                  .baseline = 50,
-                                                  .fx = 600,
-                                                  .bitSize = 16,
-                                                  .unit = 1,
-                                                  .packMode = 2,
-                                                  .dispIntPlace = 8,
-                                                  .isDualCamera = !d->one_camera}};
+zv_frame_t* make_frame(const struct description* d, uint32_t width, uint32_t height) {
+  zv_frame_t* frame = zv_create_frame(ZV_FRAME_TYPE_DEPTH, d->format, width * height * 2, NULL);
+  zv_stream_profile_t like = {.format = d->format, .width = width, .height = height};
+  like.intrinsic.fx = like.disparity.fx = 600;
+  like.disparity.zpd = 1000;
+  like.disparity.baseline = 50;
+  like.disparity.unit = 1;
+  like.disparity.bitSize = 16;
+  like.disparity.packMode = 2;
+  like.disparity.dispIntPlace = 8;
+  like.disparity.isDualCamera = !d->one_camera;
   frame->profile = new_profile(&like);
-  frame->info = (struct info){d->format, d->pixel_type, d->width, d->height, 16, 1, d->corrected};
-  paint(frame->pixels, d->width, d->height);
+  frame->info = (struct info){d->format, d->pixel_type, width, height, 16, 1, d->corrected};
+  paint(frame->pixels, width, height);
   if (!d->in_set) return frame;
   zv_frame_t* set = zv_create_frame(ZV_FRAME_TYPE_SET, d->format, 0, NULL);
   set->depth = frame;

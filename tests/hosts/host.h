@@ -6,13 +6,12 @@
 
 /* What a depth frame is made of. Its pixels are a scene with surfaces, speckles and holes. */
 struct description {
-  uint32_t width, height;
   int32_t pixel_type, format;
   bool one_camera, corrected, in_set;
 };
 
 /* A frame or set of the caller's. */
-zv_frame_t* make_frame(const struct description* description);
+zv_frame_t* make_frame(const struct description* description, uint32_t width, uint32_t height);
 
 /* A number that tells the depth pixels and the width of one frame or set from another's; never 0. */
 uint64_t fingerprint(const zv_frame_t* frame);

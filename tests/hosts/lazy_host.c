@@ -11,10 +11,10 @@ static const char *path, *whole_host, *lacking_host;
 
 /* Fills a hole with the host's functions, wherever they are. */
 static const char* use_filter(void* plugin, void* host) {
-  const struct description description = {.width = 32, .height = 16};
+  const struct description description = {.in_set = false};
   zv_error* error = NULL;
   PrivFilterContext* filter = FIND(plugin, zv_create_filter)(1);
-  const zv_frame_t* input = FIND(host, make_frame)(&description);
+  const zv_frame_t* input = FIND(host, make_frame)(&description, 32, 16);
   return filter->process(filter->filter, input, &error) != NULL ? NULL : "no frame";
 }
 

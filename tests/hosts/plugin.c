@@ -10,6 +10,7 @@
 #include <filterprocessor/speckle.h>
 #include <filterprocessor/temporal.h>
 
+#define DEPTH .pixel_type = ZV_PIXEL_TYPE_DEPTH
 #define DISPARITY .pixel_type = ZV_PIXEL_TYPE_DISPARITY
 #define LINEAR .pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH
 #define SET .in_set = true
@@ -17,24 +18,24 @@
 #define SAMPLED "9000 10 0.5 %1$u %2$u 0.5 1 1 1 1"
 
 const struct filter_case filter_cases[] = {
-    {"DisparityTransform, depth", 0, "9000 10 0.5", {.width = 0}},
+    {"DisparityTransform, depth", 0, "9000 10 0.5", {DEPTH}},
     {"DisparityTransform", 0, "9000 10 0.5", {DISPARITY}},
     {"DisparityTransform, packed set", 0, "9000 10 0.5", {DISPARITY, SET, PACKED}},
     {"DisparityTransform, one camera", 0, "9000 10 0.5", {DISPARITY, .one_camera = true}},
-    {"HoleFillingFilter, top", 1, "0", {.width = 0}},
+    {"HoleFillingFilter, top", 1, "0", {DEPTH}},
     {"HoleFillingFilter, nearest, set", 1, "1", {SET}},
-    {"HoleFillingFilter, farthest", 1, "2", {.width = 0}},
+    {"HoleFillingFilter, farthest", 1, "2", {DEPTH}},
     {"NoiseRemovalFilter, set", 2, "80 256 848 480", {SET}},
     {"NoiseRemovalFilter, disparity", 2, "80 256 848 480", {DISPARITY}},
     {"NoiseRemovalFilter, linear depth", 2, "80 256 848 480", {LINEAR}},
     {"SpatialAdvancedFilter, set", 3, "2 0.5 160 4", {SET}},
     {"SpatialAdvancedFilter, disparity", 3, "2 0.3 160 8", {DISPARITY}},
     {"SpatialAdvancedFilter, linear depth", 3, "1 0.5 160 1", {LINEAR}},
-    {"TemporalFilter", 4, "0.5 0.4", {.width = 0}},
+    {"TemporalFilter", 4, "0.5 0.4", {DEPTH}},
     {"TemporalFilter, set", 4, "0.5 0.4", {SET}},
-    {"DepthResize", 5, "%1$u %2$u 0.5 0 0 0 0", {.width = 0}},
+    {"DepthResize", 5, "%1$u %2$u 0.5 0 0 0 0", {DEPTH}},
     {"DepthResize, set", 5, "%1$u %2$u 0.5 0 0 0 0", {SET}},
-    {"EdgeNoiseRemovalFilter, rows", 6, "6 6 70 30 0 1280 800", {.width = 0}},
+    {"EdgeNoiseRemovalFilter, rows", 6, "6 6 70 30 0 1280 800", {DEPTH}},
     {"EdgeNoiseRemovalFilter, set", 6, "6 6 70 30 1 1280 800", {SET}},
     {"HardwareD2DCorrectionFilter", 7, "", {.corrected = true}},
     {"HardwareD2DCorrectionFilter, set", 7, "", {.corrected = true, SET}},
@@ -62,13 +63,6 @@ bool open_plugin(struct plugin* plugin, const char* path, int flags) {
   return true;
 }
 
-zv_frame_t* make_input(const struct filter_case* what, uint32_t width, uint32_t height) {
-  struct description frame = what->frame;
-  frame.width = width;
-  frame.height = height;
-  return make_frame(&frame);
-}
-
 bool configure(PrivFilterContext* filter, const struct filter_case* what, uint32_t width,
                uint32_t height) {
   char text[128];
@@ -88,7 +82,7 @@ uint64_t try_case(const struct plugin* plugin, const struct filter_case* what, u
   PrivFilterContext* filter = plugin->create(what->index);
   if (filter == NULL) return 0;
   uint64_t seen = 0;
-  zv_frame_t* input = make_input(what, width, height);
+  zv_frame_t* input = make_frame(&what->frame, width, height);
   bool right =
       filter->get_config_schema(filter->filter, NULL) != NULL && configure(filter, what, width, height);
   for (int frame = 0; right && frame < 3; ++frame) {

@@ -31,8 +31,6 @@ struct filter_case {
 extern const struct filter_case filter_cases[];
 extern const size_t filter_case_count;
 
-/* A frame for the case. */
-zv_frame_t* make_input(const struct filter_case* what, uint32_t width, uint32_t height);
 /* Whether the filter takes the case's values for frames of this size. */
 bool configure(PrivFilterContext* filter, const struct filter_case* what, uint32_t width,
                uint32_t height);

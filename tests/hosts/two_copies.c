@@ -30,10 +30,8 @@ static int check_copy(const struct plugin* plugin, const char* path, const char*
     strange_file = NULL;
     const bool works = try_case(plugin, &filter_cases[i], 64, 48) != 0;
     if (works && strange_file == NULL) continue;
-    if (++wrong == 1)
-      printf("%s: %s: %s\n", how, filter_cases[i].name, works ? strange_file : "no frame");
+    ++wrong, printf("%s: %s: %s\n", how, filter_cases[i].name, works ? strange_file : "no frame");
   }
-  if (wrong > 0) printf("%s: wrong in %d of %zu cases\n", how, wrong, filter_case_count);
   return wrong;
 }
 

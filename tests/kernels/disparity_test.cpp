@@ -7,13 +7,6 @@ namespace {
 class DisparityLevel : public LevelTest {};
 FILTERPROCESSOR_EVERY_LEVEL(DisparityLevel);
 
-class DisparityVectors : public LevelTest {};
-FILTERPROCESSOR_VECTOR_LEVELS(DisparityVectors);
-
-TEST_P(DisparityVectors, EqualThePlainForm) { expect_plain(disparity_case, 800); }
-
-TEST_P(DisparityVectors, CorrectionEqualsThePlainForm) { expect_plain(correction_case, 2000); }
-
 TEST_P(DisparityLevel, ConversionEqualsTheTableForEveryPixelValue) {
   Source source(4);
   Pixels codes(65536 + 5);

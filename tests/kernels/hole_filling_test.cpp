@@ -8,11 +8,6 @@ namespace {
 class HoleFillingLevel : public LevelTest {};
 FILTERPROCESSOR_EVERY_LEVEL(HoleFillingLevel);
 
-class HoleFillingVectors : public LevelTest {};
-FILTERPROCESSOR_VECTOR_LEVELS(HoleFillingVectors);
-
-TEST_P(HoleFillingVectors, EqualThePlainForm) { expect_plain(hole_filling_case, 3000); }
-
 TEST_P(HoleFillingLevel, FillsFromTheTopDownToTheLastRow) {
   // Columns: one value in row 2, nothing at all, a value that stays.
   Pixels image = {0, 0, 9, 0, 0, 9, 500, 0, 9, 0, 0, 0, 0, 0, 7};

@@ -1,11 +1,21 @@
 #include "kernels/kernel_set.h"
 
-#include <cstring>
-
-#include <gtest/gtest.h>
+#include "support/levels.h"
 
 namespace filterprocessor {
 namespace {
+
+class VectorLevel : public LevelTest {};
+INSTANTIATE_TEST_SUITE_P(Levels, VectorLevel, levels_from(1), level_test_name);
+
+TEST_P(VectorLevel, CorrectionEqualsThePlainForm) { expect_plain(correction_case, 2000); }
+TEST_P(VectorLevel, DisparityEqualsThePlainForm) { expect_plain(disparity_case, 800); }
+TEST_P(VectorLevel, HoleFillingEqualsThePlainForm) { expect_plain(hole_filling_case, 3000); }
+TEST_P(VectorLevel, MarginEqualsThePlainForm) { expect_plain(margin_case, 3000); }
+TEST_P(VectorLevel, ResizeEqualsThePlainForm) { expect_plain(resize_case, 2000); }
+TEST_P(VectorLevel, SpatialEqualsThePlainForm) { expect_plain(spatial_case, 3000); }
+TEST_P(VectorLevel, SpeckleEqualsThePlainForm) { expect_plain(speckle_case, 3000); }
+TEST_P(VectorLevel, TemporalEqualsThePlainForm) { expect_plain(temporal_case, 2000); }
 
 TEST(KernelSet, TheBestThatTheMachineRunsIsChosenAndAWishCanLowerIt) {
   const KernelSet* best = nullptr;

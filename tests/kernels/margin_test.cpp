@@ -71,11 +71,6 @@ TEST(Margin, PlainFormFollowsTheRule) {
   expect_rule(wide, 3, 70001, {.margin_y = 66000, .limit_y = 66000});
 }
 
-class MarginVectors : public LevelTest {};
-FILTERPROCESSOR_VECTOR_LEVELS(MarginVectors);
-
-TEST_P(MarginVectors, EqualThePlainForm) { expect_plain(margin_case, 3000); }
-
 TEST(MarginInterface, ChecksInOrderAndChangesNothing) {
   Pixels image(64, 5);
   const Pixels before = image;

@@ -37,9 +37,6 @@ struct SpatialLevel : LevelTest {
 };
 FILTERPROCESSOR_EVERY_LEVEL(SpatialLevel);
 
-class SpatialVectors : public LevelTest {};
-FILTERPROCESSOR_VECTOR_LEVELS(SpatialVectors);
-
 TEST_P(SpatialLevel, FillsHolesFromBothSidesUpToTheRadius) {
   const Pixels row = {100, 0, 0, 0, 0, 100};
   EXPECT_EQ(across(row, 0, 0.5f, 3), Pixels(6, 100));
@@ -141,8 +138,6 @@ TEST_P(SpatialLevel, BlendIsTheWrappedMeanOfUnsignedPixels) {
   EXPECT_EQ(across({100, 101}, 65535, 0.5f, 0)[0], 100) << "65535 + 1 is 0";
 }
 #endif
-
-TEST_P(SpatialVectors, EqualThePlainForm) { expect_plain(spatial_case, 3000); }
 
 // -- The exported functions, on ten by sixteen pixels
 

@@ -101,11 +101,6 @@ TEST(Speckle, PlainFormEqualsReachability) {
   }
 }
 
-class SpeckleVectors : public LevelTest {};
-FILTERPROCESSOR_VECTOR_LEVELS(SpeckleVectors);
-
-TEST_P(SpeckleVectors, EqualThePlainForm) { expect_plain(speckle_case, 3000); }
-
 // -- Rules
 
 Pixels pyramid(int width, const Pixels& pixels, int max_diff, int max_size) {

@@ -21,9 +21,6 @@ struct TemporalLevel : LevelTest {
 };
 FILTERPROCESSOR_EVERY_LEVEL(TemporalLevel);
 
-class TemporalVectors : public LevelTest {};
-FILTERPROCESSOR_VECTOR_LEVELS(TemporalVectors);
-
 TEST_P(TemporalLevel, BlendsOnlyValidPixelsThatAreStrictlyClose) {
   EXPECT_EQ(smooth(1000, 1050, 0.1f, 0.4f), 1020);
   EXPECT_EQ(smooth(1000, 1100, 0.1f, 0.4f), 1100) << "a change of exactly a tenth is a jump";
@@ -49,8 +46,6 @@ TEST_P(TemporalLevel, ParametersOutsideTheirRangesGiveDefinedPixels) {
   EXPECT_EQ(smooth(100, 101, 0.1f, 65536.0f), 100) << "65636, of which the low 16 bits stay";
   EXPECT_EQ(smooth(100, 101, 0.1f, 1e30f), 65535) << "saturates at 2^31 - 1";
 }
-
-TEST_P(TemporalVectors, EqualThePlainForm) { expect_plain(temporal_case, 2000); }
 
 }  // namespace
 }  // namespace filterprocessor

@@ -8,7 +8,6 @@ cmake --install "$1" --prefix "$work/prefix" >/dev/null
 cmake -S "$here/consumer" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" >"$work/log" 2>&1 &&
   cmake --build "$work/cmake" >>"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
 "$work/cmake/consumer"
-"$work/cmake/kernels"
 pc=$(dirname "$(find "$work/prefix" -name filterprocessor.pc)")
 PKG_CONFIG_PATH=$pc cc -std=c11 "$here/consumer/consumer.c" -o "$work/consumer" \
   $(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs filterprocessor) -Wl,-rpath,"$(dirname "$pc")"

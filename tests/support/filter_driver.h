@@ -37,8 +37,11 @@ inline std::ostream& operator<<(std::ostream& out, const ErrorTexts& e) {
 
 class FilterDriver {
  public:
-  explicit FilterDriver(const std::string& name) : context_(devhost::make_filter(name)) {
+  /// Configured with the values, if there are any, which have to be taken.
+  explicit FilterDriver(const std::string& name, const std::vector<std::string>& values = {})
+      : context_(devhost::make_filter(name)) {
     if (!context_) ADD_FAILURE() << name << " was not created";
+    EXPECT_EQ(values.empty() ? ErrorTexts{} : update(values), ErrorTexts{}) << name;
   }
 
   std::string schema() { return context_->get_config_schema(context_->filter, nullptr); }
@@ -61,12 +64,13 @@ class FilterDriver {
   }
   devhost::Frame process(const devhost::Frame& frame) { return process(frame.get()); }
 
-  /// The pixels that a frame, which has to be taken, becomes.
-  Pixels filtered(const devhost::FrameTraits& traits) {
-    const devhost::Frame output = process(devhost::make_frame(traits));
+  /// What a frame, which has to be taken, becomes.
+  devhost::FrameTraits output(const devhost::FrameTraits& traits) {
+    const devhost::Frame result = process(devhost::make_frame(traits));
     EXPECT_EQ(last_error_, ErrorTexts{});
-    return output ? devhost::inspect(output.get()).pixels : Pixels{};
+    return result ? devhost::inspect(result.get()) : devhost::FrameTraits{};
   }
+  Pixels filtered(const devhost::FrameTraits& traits) { return output(traits).pixels; }
   /// The error for a frame, which has to be refused.
   ErrorTexts refused(const devhost::FrameTraits& traits) {
     printed_ = output_of([&] { EXPECT_FALSE(process(devhost::make_frame(traits))); });

@@ -33,6 +33,7 @@ class LevelTest : public testing::TestWithParam<const KernelSet*> {
   }
 };
 
+/// From 1 on, those to compare with the plain form.
 inline auto levels_from(std::size_t first) {
   std::vector<const KernelSet*> sets;
   for (const KernelSet& set : kernel_sets().subspan(first)) sets.push_back(&set);
@@ -45,9 +46,6 @@ inline std::string level_test_name(const testing::TestParamInfo<const KernelSet*
 
 #define FILTERPROCESSOR_EVERY_LEVEL(suite) \
   INSTANTIATE_TEST_SUITE_P(Levels, suite, levels_from(0), level_test_name)
-/// Those to compare with the plain form.
-#define FILTERPROCESSOR_VECTOR_LEVELS(suite) \
-  INSTANTIATE_TEST_SUITE_P(Levels, suite, levels_from(1), level_test_name)
 
 }  // namespace filterprocessor
 
