@@ -265,6 +265,18 @@ TEST(DisparityFilters, AFrameOfAnotherSizeBringsItsOwnProfile) {
   EXPECT_EQ(devhost::live_objects(), before) << "the other profile is given back";
 }
 
+TEST(DisparityFilters, TakeTheGeometryOfTheFramesProfile) {
+  const devhost::FrameTraits near = disparity_frame(camera(2, true), {1000});
+  devhost::FrameTraits far = near;
+  far.disparity.baseline *= 2;
+  const devhost::Frame frame = devhost::make_frame(near);
+  devhost::attach_profile(frame.get(), devhost::inspect_profile(devhost::make_frame(far).get()));
+  FilterDriver filter(kTransform), of_near(kTransform), of_far(kTransform);
+  const Pixels expected = of_far.filtered(far);
+  EXPECT_NE(of_near.filtered(near), expected);
+  EXPECT_EQ(devhost::inspect(filter.process(frame).get()).pixels, expected);
+}
+
 TEST(DisparityTransform, AnUnknownPackModeFailsOnceAndThenGivesZeros) {
   for (const bool dual : {true, false}) {
     FilterDriver filter(kTransform);
