@@ -34,9 +34,12 @@ inline Frames run_chain(const std::string& chain, const Frames& inputs) {
 }
 
 /// @param options as of the input camera:
+inline FrameSource camera(const std::string& options) {
+  return camera_source(make_camera_request(parse_camera_input("camera:" + options)), {});
+}
+
 inline Frames camera_frames(const std::string& options) {
-  const FrameSource source =
-      camera_source(make_camera_request(parse_camera_input("camera:" + options)), {});
+  const FrameSource source = camera(options);
   Frames frames;
   for (std::size_t i = 0; i < source.names.size(); ++i) frames.push_back(source.load(i).frame);
   return frames;

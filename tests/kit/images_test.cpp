@@ -1,15 +1,11 @@
-#include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <limits>
 #include <png.h>
-#include <stdlib.h>
-#include <string>
+#include <random>
 #include <tuple>
 #include <zlib.h>
 
-#include <gtest/gtest.h>
-
+#include "folder.h"
 #include "kit/image/image_files.h"
 #include "kit/image/image_stream.h"
 #include "kit/image/png.h"
@@ -37,8 +33,6 @@ std::string refusal(const char* codec, const Bytes& file, const Size& size = kNo
   return refusal(Error::Kind::failed_run, [&] { codec_named(codec)->decode(file, size); });
 }
 
-#define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
-
 class EveryCodec : public testing::TestWithParam<const char*> {};
 
 TEST_P(EveryCodec, KeepsEveryBitOfAnImage) {
@@ -47,11 +41,8 @@ TEST_P(EveryCodec, KeepsEveryBitOfAnImage) {
   EXPECT_EQ(codec.decode(codec.encode(image), {5, 3}), image);
 
   Image noise = make_image(301, 203);  // hardly compresses
-  std::uint32_t state = 1;
-  for (std::uint16_t& pixel : noise.pixels) {
-    state = state * 1664525u + 1013904223u;
-    pixel = static_cast<std::uint16_t>(state >> 16);
-  }
+  std::mt19937 random;
+  for (std::uint16_t& pixel : noise.pixels) pixel = static_cast<std::uint16_t>(random());
   EXPECT_EQ(codec.decode(codec.encode(noise), {301, 203}), noise);
 }
 
@@ -91,13 +82,12 @@ TEST(Png, ReadsWhatCompressesBestAndRefusesWhatNoFileOfItsSizeHolds) {
 
 /// A file whose rows are all noise after the filters' numbers.
 Bytes png_of_rows(std::uint32_t width, const std::vector<unsigned char>& filters, std::uint32_t seed) {
+  std::mt19937 random(seed);
   Bytes rows;
   for (const unsigned char filter : filters) {
     rows.push_back(filter);
-    for (std::uint32_t i = 0; i < 2 * width; ++i) {
-      seed = seed * 1664525u + 1013904223u;
-      rows.push_back(static_cast<unsigned char>(seed >> (seed >> 30 == 0 ? 28 : 24)));  // small ones too
-    }
+    for (std::uint32_t i = 0; i < 2 * width; ++i)  // small ones too
+      rows.push_back(static_cast<unsigned char>(random() >> (random() % 4 == 0 ? 28 : 24)));
   }
   const auto chunk = [](const char* type, const Bytes& contents) {
     Bytes bytes(8);
@@ -125,8 +115,8 @@ Bytes png_of_rows(std::uint32_t width, const std::vector<unsigned char>& filters
 TEST(Png, RestoresRowsOfEveryFilterAndSizeAsLibpngDoes) {
   for (std::uint32_t width = 1; width <= 40; ++width) {
     for (const std::size_t height : {1u, 2u, 7u, 8u, 9u, 15u, 16u, 17u, 37u}) {
-      for (unsigned char kind = 0; kind <= 6;
-           ++kind) {  // one of the filters, those without Paeth, or all
+      // One of the filters, those without Paeth, or all.
+      for (unsigned char kind = 0; kind <= 6; ++kind) {
         std::vector<unsigned char> filters(height, kind);
         for (std::size_t y = 0; y < height && kind >= 5; ++y)
           filters[y] = static_cast<unsigned char>((y * 7 + width + y / 5) % (kind - 1u));
@@ -224,20 +214,8 @@ TEST(Raw, HasExactlyTheBytesOfItsSize) {
   EXPECT_MENTIONS(refusal("raw", bytes_of("abcd"), {1, 1}), "is too long");
 }
 
-namespace fs = std::filesystem;
-
-/// Files in a folder of their own.
-class ImageFiles : public testing::Test {
+class ImageFiles : public Folder {
  protected:
-  ImageFiles() {
-    std::string pattern = (fs::temp_directory_path() / "images_test_XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-  }
-  ~ImageFiles() override { fs::remove_all(folder_); }
-  fs::path put(const std::string& name, const Bytes& bytes = {}) const {
-    write_whole(folder_ / name, bytes, Durability::buffered);
-    return folder_ / name;
-  }
   /// The images of a file, as often as it has some.
   std::vector<Image> read_all(const fs::path& file, const ReadOptions& options) const {
     const ImageFile images(file, options);
@@ -248,20 +226,16 @@ class ImageFiles : public testing::Test {
   std::string refused(const fs::path& file, const ReadOptions& options) const {
     return refusal(Error::Kind::failed_run, [&] { read_all(file, options); });
   }
-  std::vector<std::string> names(const Selection& selection) const {
-    std::vector<std::string> all;
+  Names names(const Selection& selection) const {
+    Names all;
     for (const fs::path& file : collect_images({folder_.string()}, selection))
       all.push_back(file.filename().string());
     return all;
   }
-  std::string refused_folder(const Selection& selection = {}) const {
-    return refusal(Error::Kind::failed_run, [&] { collect_images({folder_.string()}, selection); });
+  std::string refused_folder() const {
+    return refusal(Error::Kind::failed_run, [&] { names({}); });
   }
-
-  fs::path folder_;
 };
-
-using Names = std::vector<std::string>;
 
 TEST_F(ImageFiles, KeepTheImagesOfStacksInTheirOrder) {
   Image second = sample_image();
