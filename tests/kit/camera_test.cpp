@@ -64,11 +64,10 @@ Frame sample_camera() {
 TEST(CameraFile, KeepsEveryBit) {
   const Frame camera = sample_camera();
   const Frame back = parse_camera_json(camera_json(camera), "camera.json").traits;
-  EXPECT_EQ(back.format, camera.format);
-  EXPECT_EQ(back.pixel_type, camera.pixel_type);
-  EXPECT_EQ(back.bits, camera.bits);
-  EXPECT_EQ(back.value_scale, camera.value_scale);
-  EXPECT_EQ(back.metadata, camera.metadata);
+  const auto fields = [](const Frame& frame) {
+    return std::tuple(frame.format, frame.pixel_type, frame.bits, frame.value_scale, frame.metadata);
+  };
+  EXPECT_EQ(fields(back), fields(camera));
   EXPECT_EQ(std::memcmp(&back.intrinsic, &camera.intrinsic, sizeof camera.intrinsic), 0);
   EXPECT_EQ(std::memcmp(&back.disparity, &camera.disparity, sizeof camera.disparity), 0);
 }

@@ -89,25 +89,22 @@ Bytes png_of_rows(std::uint32_t width, const std::vector<unsigned char>& filters
     for (std::uint32_t i = 0; i < 2 * width; ++i)  // small ones too
       rows.push_back(static_cast<unsigned char>(random() >> (random() % 4 == 0 ? 28 : 24)));
   }
-  const auto chunk = [](const char* type, const Bytes& contents) {
-    Bytes bytes(8);
-    png_save_uint_32(bytes.data(), static_cast<png_uint_32>(contents.size()));
-    std::copy_n(type, 4, &bytes[4]);
-    bytes.insert(bytes.end(), contents.begin(), contents.end());
-    const uLong sum = crc32(0, &bytes[4], static_cast<uInt>(4 + contents.size()));
-    bytes.resize(bytes.size() + 4);
-    png_save_uint_32(&bytes[bytes.size() - 4], static_cast<png_uint_32>(sum));
+  const auto number = [](uLong value) {
+    Bytes bytes(4);
+    png_save_uint_32(bytes.data(), static_cast<png_uint_32>(value));
     return bytes;
   };
-  Bytes header(13), stream(compressBound(rows.size()));
-  png_save_uint_32(header.data(), width);
-  png_save_uint_32(&header[4], static_cast<png_uint_32>(filters.size()));
-  header[8] = 16;
-  uLongf size = stream.size();
-  EXPECT_EQ(compress(stream.data(), &size, rows.data(), rows.size()), Z_OK);
-  stream.resize(size);
-  Bytes file = bytes_of("\x89PNG\r\n\x1A\n");
-  for (const Bytes& part : {chunk("IHDR", header), chunk("IDAT", stream), chunk("IEND", {})})
+  uLongf size = compressBound(rows.size());
+  Bytes chunk = bytes_of("IDAT");
+  chunk.resize(4 + size);
+  EXPECT_EQ(compress(&chunk[4], &size, rows.data(), rows.size()), Z_OK);
+  chunk.resize(4 + size);
+  // Between the header and the end of another file of this size.
+  Bytes file = encode_png(make_image(width, static_cast<std::uint32_t>(filters.size())));
+  const Bytes end(file.end() - 12, file.end());
+  file.resize(33);
+  for (const Bytes& part :
+       {number(size), chunk, number(crc32(0, chunk.data(), static_cast<uInt>(chunk.size()))), end})
     file.insert(file.end(), part.begin(), part.end());
   return file;
 }
@@ -166,6 +163,12 @@ Bytes npy_file(int version, const std::string& header, std::string_view samples)
   return bytes_of((file + header).append(samples));
 }
 
+Bytes npy_of(const std::string& shape, std::string_view samples, const std::string& type = "'<u2'",
+             const std::string& order = "False") {
+  return npy_file(1, "{'descr': " + type + ", 'fortran_order': " + order + ", 'shape': (" + shape + ")}",
+                  samples);
+}
+
 TEST(Npy, ReadsEveryVersionAndBothByteOrders) {
   const Image image{2, 1, {0x6261, 0x6463}};
   for (const int version : {1, 2, 3}) {
@@ -182,25 +185,21 @@ TEST(Npy, WritesItsPixelsAtAMultipleOf64Bytes) {
 }
 
 TEST(Npy, RefusesOtherArrays) {
-  const auto with = [](const std::string& type, const std::string& order, const std::string& shape) {
-    const std::string header =
-        "{'descr': " + type + ", 'fortran_order': " + order + ", 'shape': " + shape + "}";
-    return refusal("npy", npy_file(1, header, "abcd"));
-  };
-  EXPECT_EQ(with("'<u2'", "False", "(2, 1)"), "");
+  EXPECT_EQ(refusal("npy", npy_of("2, 1", "abcd")), "");
   const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
-      {"'<f4'", "False", "(1, 1)", "or --metres if it holds metres"},
-      {"'|u1'", "False", "(2, 2)", "'|u1'"},
-      {"[('a', '<u2')]", "False", "(1, 2)", "structured type"},
-      {"'<u2'", "True", "(1, 2)", "column order"},
-      {"'<u2'", "False", "(2,)", "the shape (2); expected (height, width)"},
-      {"'<u2'", "False", "(1, 1, 2)", "(1, 1, 2)"},
-      {"'<u2'", "False", "(0, 2)", "no pixels"},
-      {"'<u2'", "False", "(3, 2)", "is truncated"},
-      {"'<u2'", "False", "(1, 1)", "is too long"},
-      {"'<u2'", "Maybe", "(1, 2)", "malformed"},
-      {"'<u2'", "False", "(-1, 2)", "malformed"}};
-  for (const auto& [type, order, shape, part] : cases) EXPECT_MENTIONS(with(type, order, shape), part);
+      {"'<f4'", "False", "1, 1", "or --metres if it holds metres"},
+      {"'|u1'", "False", "2, 2", "'|u1'"},
+      {"[('a', '<u2')]", "False", "1, 2", "structured type"},
+      {"'<u2'", "True", "1, 2", "column order"},
+      {"'<u2'", "False", "2,", "the shape (2); expected (height, width)"},
+      {"'<u2'", "False", "1, 1, 2", "(1, 1, 2)"},
+      {"'<u2'", "False", "0, 2", "no pixels"},
+      {"'<u2'", "False", "3, 2", "is truncated"},
+      {"'<u2'", "False", "1, 1", "is too long"},
+      {"'<u2'", "Maybe", "1, 2", "malformed"},
+      {"'<u2'", "False", "-1, 2", "malformed"}};
+  for (const auto& [type, order, shape, part] : cases)
+    EXPECT_MENTIONS(refusal("npy", npy_of(shape, "abcd", type, order)), part);
   EXPECT_MENTIONS(refusal("npy", npy_file(1, "{'shape': (1, 2)}", "abcd")), "malformed");
   EXPECT_MENTIONS(refusal("npy", bytes_of({"\x93NUMPY\2\0\0\0\1\0{", 13})),
                   "has a header of 65536 bytes");
@@ -262,16 +261,13 @@ TEST_F(ImageFiles, KeepTheImagesOfStacksInTheirOrder) {
 }
 
 TEST_F(ImageFiles, SayWhatIsWrongWithAStack) {
-  const auto npy = [&](const std::string& shape, std::size_t bytes) {
-    return npy_file(1, "{'descr': '<u2', 'fortran_order': False, 'shape': (" + shape + ")}",
-                    std::string(bytes, 'x'));
-  };
+  const std::string bytes(16, 'x');
   const std::tuple<const char*, Bytes, const char*> cases[] = {
-      {"a.npy", npy("0, 2, 2", 0), "a.npy: holds no image"},
-      {"a.npy", npy("3, 2, 2", 16), "16 bytes of pixels, expected 24 for 3 images of 2x2"},
-      {"a.npy", npy("1, 2, 2", 16), "is too long"},
-      {"a.npy", npy("18446744073709551615, 2, 2", 16), "at most 1048576 are read"},
-      {"a.npy", npy("2, 4294967296, 4294967296", 16), "claims 4294967296x4294967296 pixels"},
+      {"a.npy", npy_of("0, 2, 2", ""), "a.npy: holds no image"},
+      {"a.npy", npy_of("3, 2, 2", bytes), "16 bytes of pixels, expected 24 for 3 images of 2x2"},
+      {"a.npy", npy_of("1, 2, 2", bytes), "is too long"},
+      {"a.npy", npy_of("18446744073709551615, 2, 2", bytes), "at most 1048576 are read"},
+      {"a.npy", npy_of("2, 4294967296, 4294967296", bytes), "claims 4294967296x4294967296 pixels"},
       {"a.raw", Bytes(21), "is truncated: its frame 2 has 5 of 8 bytes"},
       {"a.raw", Bytes(), "0 bytes of pixels, expected 8 for 2x2"},
       {"a.raw", Bytes(std::size_t{8} << 20 | 8), "claims 1048577 images; at most 1048576 are read"},
@@ -280,31 +276,27 @@ TEST_F(ImageFiles, SayWhatIsWrongWithAStack) {
     EXPECT_MENTIONS(refused(put(name, file), {.size = {2, 2}}), part);
 }
 
+template <typename Number>
+Bytes npy_row(const char* type, const std::vector<Number>& numbers) {
+  const auto* bytes = reinterpret_cast<const char*>(numbers.data());
+  return npy_of(concat("1, ", numbers.size()), {bytes, numbers.size() * sizeof(Number)}, type);
+}
+
 TEST_F(ImageFiles, TakeMetresWhenTheyAreAskedFor) {
-  const auto floats = [](const char* type, auto... metres) {
-    std::string bytes;
-    (bytes.append(reinterpret_cast<const char*>(&metres), sizeof metres), ...);
-    const std::string header =
-        concat("{'descr': '", type, "', 'fortran_order': False, 'shape': (1, ", sizeof...(metres), ")}");
-    return npy_file(1, header, bytes);
-  };
   constexpr float nan = std::numeric_limits<float>::quiet_NaN(),
                   inf = std::numeric_limits<float>::infinity();
-  const fs::path file = put("a.npy", floats("<f4", 1.5f, 0.0625f, nan, inf, -2.0f, 0.0f));
-  EXPECT_EQ(read_all(file, {.units_a_metre = 1000}), (std::vector{Image{6, 1, {1500, 63, 0, 0, 0, 0}}}));
-  EXPECT_EQ(read_all(put("b.npy", floats("<f8", 2.0, 65.535)), {.units_a_metre = 1000}),
-            (std::vector{Image{2, 1, {2000, 65535}}}));
+  const ReadOptions metres{.units_a_metre = 1000};
+  const fs::path file = put("a.npy", npy_row<float>("'<f4'", {1.5f, 0.0625f, nan, inf, -2, 0}));
+  EXPECT_EQ(read_all(file, metres), (std::vector{Image{6, 1, {1500, 63, 0, 0, 0, 0}}}));
   EXPECT_MENTIONS(refused(file, {}), "or --metres if it holds metres");
-  EXPECT_MENTIONS(refused(put("c.npy", floats("<f8", 1.0, 65.536)), {.units_a_metre = 1000}),
+  EXPECT_EQ(read_all(put("b.npy", npy_row<double>("'<f8'", {2, 65.535})), metres),
+            (std::vector{Image{2, 1, {2000, 65535}}}));
+  EXPECT_MENTIONS(refused(put("b.npy", npy_row<double>("'<f8'", {1, 65.536})), metres),
                   "has 65.536 m in row 0, column 1, which is 65536 units; 16 bits hold at most 65535");
-  EXPECT_MENTIONS(refused(put("d.npy", encode_npy(sample_image())), {.units_a_metre = 1000}),
-                  "which are units already");
-  const auto shorts = [](const char* samples) {
-    return npy_file(1, "{'descr': '>i2', 'fortran_order': False, 'shape': (1, 2)}",
-                    std::string_view(samples, 4));
-  };
-  EXPECT_EQ(read_all(put("e.npy", shorts("\x7f\xff\0\1")), {}), (std::vector{Image{2, 1, {32767, 1}}}));
-  EXPECT_MENTIONS(refused(put("e.npy", shorts("\0\1\xff\xfb")), {}),
+  EXPECT_MENTIONS(refused(put("c.npy", encode_npy(sample_image())), metres), "which are units already");
+  EXPECT_EQ(read_all(put("d.npy", npy_row<std::uint16_t>("'>i2'", {0xFF7F, 0x0100})), {}),
+            (std::vector{Image{2, 1, {32767, 1}}}));
+  EXPECT_MENTIONS(refused(put("d.npy", npy_row<std::uint16_t>("'>i2'", {0x0100, 0xFBFF})), {}),
                   "has the negative value -5 in row 0, column 1");
 }
 
@@ -383,15 +375,14 @@ TEST(Streams, GiveFramesUntilTheyEndAndSayWhatTheLastOneLacks) {
 }
 
 TEST(Streams, TakeStacksAndRefuseOtherSizes) {
-  const Bytes stack = npy_file(1, "{'descr': '<u2', 'fortran_order': False, 'shape': (2, 1, 1)}", "abcd");
+  const Bytes stack = npy_of("2, 1, 1", "abcd");
   std::vector<Image> images;
   EXPECT_EQ(streamed("npy", stack, {}, images), "");
   EXPECT_EQ(images, (std::vector{Image{1, 1, {0x6261}}, Image{1, 1, {0x6463}}}));
   EXPECT_EQ(streamed("npy", stack, {.size = {2, 1}}, images),
             "stream frame 0: has 1x1 pixels; expected 2x1");
-  const Bytes large =
-      npy_file(1, "{'descr': '<u2', 'fortran_order': False, 'shape': (16384, 16384)}", "abcd");
-  EXPECT_MENTIONS(streamed("npy", large, {}, images), "4 of 536870912 bytes came");
+  EXPECT_MENTIONS(streamed("npy", npy_of("16384, 16384", "abcd"), {}, images),
+                  "4 of 536870912 bytes came");
 }
 
 TEST(Tiff, RefusesOtherKinds) {
