@@ -14,14 +14,10 @@ namespace {
 
 /// Of the virtual camera, with much noise.
 Footage footage_of(std::size_t frames, bool with_truth = false) {
-  const FrameSource source =
-      camera(concat("size=160x112,baseline=200,seed=3,noise=0.1,motion=still,frames=", frames));
   Footage footage;
-  for (std::size_t i = 0; i < frames; ++i) {
-    SourceFrame made = source.load(i);
-    footage.frames.push_back(std::move(made.frame));
-    if (with_truth) footage.truth.push_back(std::move(*made.truth));
-  }
+  footage.frames =
+      camera_frames(concat("size=160x112,baseline=200,seed=3,noise=0.1,motion=still,frames=", frames),
+                    with_truth ? &footage.truth : nullptr);
   return footage;
 }
 
@@ -39,6 +35,9 @@ Frame plane(int off_by, std::size_t every) {
   frame.width = 64;
   frame.height = 48;
   frame.value_scale = 0.1f;
+  frame.disparity.baseline = 50;
+  frame.disparity.fx = 500;
+  frame.disparity.unit = 1;
   for (std::size_t i = 0; i < 64 * 48; ++i) {
     const double depth = 10000 / (1 + 0.004 * static_cast<double>(i % 64));
     const double factor = every > 0 && i % every == 0 ? 1 + off_by / 100.0 : 1.0;
@@ -222,11 +221,6 @@ TEST(Advice, SaysThatNothingHelps) {
   // Frames of a still plane without noise, where every pixel is right.
   AdviceRequest request;
   request.footage.frames.assign(8, plane(0, 0));
-  for (Frame& frame : request.footage.frames) {
-    frame.disparity.baseline = 50;
-    frame.disparity.fx = 500;
-    frame.disparity.unit = 1;
-  }
   request.evaluations = 20;
   request.weights = Weights{};
   set_weight(*request.weights, "off=1");

@@ -49,10 +49,10 @@ FrameSource numbered(std::size_t count, const std::vector<std::size_t>& bad = {}
 
 /// Sends them through one filter.
 void run_cropped(const FrameSource& source, std::size_t threads, std::size_t in_flight,
-                 const SequenceVisitor& visitor, const std::function<bool()>& stop = {}) {
+                 const SequenceVisitor& visitor) {
   Pipeline pipeline = pipeline_of({{"CroppingFilter"}});
   Workers(threads).for_each(1, [&](std::size_t) {
-    run_sequence(source, pipeline, {Handover::frame, in_flight, stop}, visitor);
+    run_sequence(source, pipeline, {Handover::frame, in_flight, {}}, visitor);
   });
 }
 
@@ -88,46 +88,29 @@ TEST(Sequence, KeepsOrderAndBoundsWhatIsUnderWay) {
   EXPECT_EQ(std::count(delivered.begin(), delivered.end(), 1), static_cast<std::ptrdiff_t>(count));
 }
 
-class SequenceFailures : public testing::TestWithParam<std::size_t> {};
-
-TEST_P(SequenceFailures, AreThoseOfTheFirstFrameInOrderOrOfAll) {
-  const std::size_t in_flight = GetParam() == 1 ? 1 : 8;
-  for (const bool keep_going : {false, true}) {
-    std::size_t done = 0;
-    std::vector<std::string> problems;
-    SequenceVisitor visitor;
-    visitor.on_result = [](std::size_t index, const SourceFrame&, const FrameView&) {
-      if (index == 20) fail("frame 20: cannot be written");
-    };
-    visitor.on_done = [&](std::size_t) { ++done; };
-    if (keep_going)
-      visitor.on_problem = [&](const Error& problem) { problems.emplace_back(problem.what()); };
-    const std::string failure = refusal(Error::Kind::failed_run, [&] {
-      run_cropped(numbered(40, {22, 23, 30}), GetParam(), in_flight, visitor);
-    });
-    EXPECT_EQ(failure, keep_going ? "" : "frame 20: cannot be written");
-    EXPECT_EQ(done, keep_going ? 36u : 20u);
-    const char* const all =
-        "frame 20: cannot be written; frame 22: is bad; frame 23: is bad; frame 30: is bad";
-    EXPECT_EQ(join(problems, "; "), keep_going ? all : "");
+TEST(Sequence, FailsWithItsFirstFrameInOrderOrTellsOfAll) {
+  const char* const all =
+      "frame 20: cannot be written; frame 22: is bad; frame 23: is bad; frame 30: is bad";
+  for (const std::size_t threads : {1u, 4u}) {
+    for (const bool keep_going : {false, true}) {
+      std::size_t done = 0;
+      std::vector<std::string> problems;
+      SequenceVisitor visitor;
+      visitor.on_result = [](std::size_t index, const SourceFrame&, const FrameView&) {
+        if (index == 20) fail("frame 20: cannot be written");
+      };
+      visitor.on_done = [&](std::size_t) { ++done; };
+      if (keep_going)
+        visitor.on_problem = [&](const Error& problem) { problems.emplace_back(problem.what()); };
+      const std::string failure = refusal(Error::Kind::failed_run, [&] {
+        run_cropped(numbered(40, {22, 23, 30}), threads, threads == 1 ? 1 : 8, visitor);
+      });
+      EXPECT_EQ(failure, keep_going ? "" : "frame 20: cannot be written");
+      EXPECT_EQ(done, keep_going ? 36u : 20u);
+      EXPECT_EQ(join(problems, "; "), keep_going ? all : "");
+    }
   }
 }
-
-TEST_P(SequenceFailures, AreNoneWhenItIsStopped) {
-  std::size_t done = 0;
-  std::atomic<bool> stop = false;
-  SequenceVisitor visitor;
-  visitor.on_done = [&](std::size_t index) {
-    EXPECT_EQ(index, done++);
-    if (index == 10) stop = true;
-  };
-  const std::size_t in_flight = GetParam() == 1 ? 1 : 8;
-  run_cropped(numbered(100), GetParam(), in_flight, visitor, [&] { return stop.load(); });
-  EXPECT_GE(done, 11u);
-  EXPECT_LE(done, 11u + in_flight);
-}
-
-INSTANTIATE_TEST_SUITE_P(Threads, SequenceFailures, testing::Values(1, 4));
 
 TEST(FilterStatistics, GiveTheMedianOfAllDurations) {
   FilterStatistics statistics;

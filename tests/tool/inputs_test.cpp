@@ -178,8 +178,8 @@ TEST_F(Inputs, OfStreamsAndStacksRunAsAllOthersDo) {
   EXPECT_EQ(run(stream + "numbered --overwrite", "", "many.raw").status, 0);
 
   // A frame that fails is left out of a stream; of stacks, the whole one is.
-  const std::string whole = text(encode_pgm(kFilled));
-  put("mixed.pgm", whole + text(encode_pgm(make_image(2, 2))) + whole);
+  const std::string holes = text(encode_pgm(kHoles)), whole = text(encode_pgm(kFilled));
+  put("mixed.pgm", holes + text(encode_pgm(make_image(2, 2))) + holes);
   const Outcome mixed = run(kFill + "- --format pgm -o - --keep-going", "", "mixed.pgm");
   EXPECT_EQ(mixed.out, whole + whole);
   expect_failed(mixed, 1, "zvfilter: standard input frame 1: has 2x2 pixels");

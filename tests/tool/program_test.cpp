@@ -62,7 +62,8 @@ TEST_F(Program, FiltersEveryFormat) {
   const Names files = {"a.png", "b.pgm", "c.npy", "d.raw", "e.BIN", "f.tif"};
   for (const std::string& name : files) put("in/" + name, kHoles);
   const Outcome outcome = complete(
-      "run -f HoleFillingFilter in/a.png in/b.pgm in/c.npy in/d.raw in/e.BIN in/f.tif "
+      "run -f HoleFillingFilter -f HoleFillingFilter in/a.png in/b.pgm in/c.npy in/d.raw in/e.BIN "
+      "in/f.tif "
       "-o results/deep --size 3x3");
   EXPECT_EQ(outcome.err, "");
   EXPECT_EQ(listing("results/deep"), files);
@@ -71,6 +72,7 @@ TEST_F(Program, FiltersEveryFormat) {
       outcome.out.starts_with("filter             frames  valid before  valid after  changed  median ms\n"
                               "HoleFillingFilter       6            36           54       18"))
       << outcome.out;
+  EXPECT_MENTIONS(outcome.out, "\nHoleFillingFilter       6            54           54        0");
 }
 
 TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
