@@ -64,11 +64,10 @@ Frame sample_camera() {
 TEST(CameraFile, KeepsEveryBit) {
   const Frame camera = sample_camera();
   const Frame back = parse_camera_json(camera_json(camera), "camera.json").traits;
-  EXPECT_EQ(back.format, camera.format);
-  EXPECT_EQ(back.pixel_type, camera.pixel_type);
-  EXPECT_EQ(back.bits, camera.bits);
-  EXPECT_EQ(back.value_scale, camera.value_scale);
-  EXPECT_EQ(back.metadata, camera.metadata);
+  const auto fields = [](const Frame& frame) {
+    return std::tuple(frame.format, frame.pixel_type, frame.bits, frame.value_scale, frame.metadata);
+  };
+  EXPECT_EQ(fields(back), fields(camera));
   EXPECT_EQ(std::memcmp(&back.intrinsic, &camera.intrinsic, sizeof camera.intrinsic), 0);
   EXPECT_EQ(std::memcmp(&back.disparity, &camera.disparity, sizeof camera.disparity), 0);
 }
@@ -101,16 +100,17 @@ TEST(CameraFile, IsRefusedByField) {
     std::replace(field.begin(), field.end(), '/', '.');
     EXPECT_EQ(refused(json.dump()), concat("c.json: ", field, ": ", complaint));
   }
-  EXPECT_EQ(refused(R"({"disparity": {"fx": 500}})"),
-            "c.json: disparity.baseline: is missing; expected a number");
-  EXPECT_EQ(refused(R"({"bits": 12, "bits": 12})"), "c.json: bits: is given twice");
-  EXPECT_EQ(refused(R"({"bits": 17})"), "c.json: bits: is 17; expected 1 to 16");
-  EXPECT_EQ(refused(R"({"valueScale": 0})"), "c.json: valueScale: is 0; expected a number above 0");
-  EXPECT_EQ(refused(R"({"pixelType": "dept"})"),
-            "c.json: pixelType: is \"dept\"; expected depth, disparity, linear or the host's number");
-  EXPECT_EQ(refused("[]"), "c.json: is no JSON object");
-  EXPECT_EQ(refused(std::string(60000, '[')), "c.json: is nested more than 8 deep");
-  EXPECT_EQ(refused(std::string(65537, ' ')), "c.json: has 65537 bytes; at most 65536 are read");
+  const std::pair<std::string, const char*> texts[] = {
+      {R"({"disparity": {"fx": 500}})", "disparity.baseline: is missing; expected a number"},
+      {R"({"bits": 12, "bits": 12})", "bits: is given twice"},
+      {R"({"bits": 17})", "bits: is 17; expected 1 to 16"},
+      {R"({"valueScale": 0})", "valueScale: is 0; expected a number above 0"},
+      {R"({"pixelType": "dept"})",
+       "pixelType: is \"dept\"; expected depth, disparity, linear or the host's number"},
+      {"[]", "is no JSON object"},
+      {std::string(60000, '['), "is nested more than 8 deep"},
+      {std::string(65537, ' '), "has 65537 bytes; at most 65536 are read"}};
+  for (const auto& [text, complaint] : texts) EXPECT_EQ(refused(text), concat("c.json: ", complaint));
   for (const char* text : {"", "{\"bits\": 1e999}", "{", "\xff"}) {
     const std::string line = refused(text);
     EXPECT_TRUE(line.starts_with("c.json: is no JSON: ")) << line;

@@ -1,7 +1,5 @@
 // Files and texts.
-#include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -10,7 +8,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 
-#include "kit/common/files.h"
+#include "folder.h"
 #include "kit/common/natural_order.h"
 #include "refusal.h"
 
@@ -32,73 +30,53 @@ extern "C" int fsync(int file) {
 namespace kit {
 namespace {
 
-namespace fs = std::filesystem;
-
-class Files : public testing::Test {
+class Files : public Folder {
  protected:
-  Files() {
-    std::string pattern = (fs::temp_directory_path() / "kit_test_XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-    synced = 0;
-  }
-  ~Files() override {
-    storage_fails = false;
-    fs::remove_all(folder_);
-  }
-  void write(const std::string& name, const Bytes& bytes,
-             Durability durability = Durability::buffered) const {
-    write_whole(folder_ / name, bytes, durability);
-  }
+  Files() { synced = 0; }
+  ~Files() override { storage_fails = false; }
+
   Bytes read(const std::string& name) const { return read_whole(folder_ / name, 100); }
   std::string refused(const fs::path& file, std::size_t most) const {
     return refusal(Error::Kind::failed_run, [&] { read_whole(file, most); });
   }
-  std::vector<std::string> names() const {
-    std::vector<std::string> all;
-    for (const auto& entry : fs::directory_iterator(folder_)) all.push_back(entry.path().filename());
-    std::sort(all.begin(), all.end());
-    return all;
-  }
-
-  fs::path folder_;
 };
 
-using Names = std::vector<std::string>;
-
 TEST_F(Files, ReplaceWhatAKilledWriterLeftAndNothingElse) {
-  write(".a.0.tmp", {9, 9, 9});
-  write("a", {1});
-  EXPECT_EQ(names(), Names{"a"});
+  put(".a.0.tmp", {9, 9, 9});
+  put("a", {1});
+  EXPECT_EQ(listing(), Names{"a"});
   EXPECT_EQ(read("a"), Bytes{1});
 
   fs::create_symlink("a", folder_ / ".b.0.tmp");
   fs::create_directory(folder_ / ".b.1.tmp");
-  write("b", {2});
-  EXPECT_EQ(names(), (Names{".b.1.tmp", "a", "b"}));
+  put("b", {2});
+  EXPECT_EQ(listing(), (Names{".b.1.tmp", "a", "b"}));
   EXPECT_EQ(read("a"), Bytes{1});
 
-  write(".a.0.tmp", {7});
+  put(".a.0.tmp", {7});
   const int other = ::open((folder_ / ".a.0.tmp").c_str(), O_RDONLY | O_CLOEXEC);
   ASSERT_EQ(::flock(other, LOCK_EX), 0);
-  write("a", {3});
+  put("a", {3});
   EXPECT_EQ(read("a"), Bytes{3});
   EXPECT_EQ(read(".a.0.tmp"), Bytes{7}) << "another writer's file";
   ::close(other);
 }
 
 TEST_F(Files, AreOnTheirStorageWhenAsked) {
-  write("a", {1});
+  put("a", {1});
   EXPECT_EQ(synced, 0);
-  write("a", {2}, Durability::synced);
+  write_whole(folder_ / "a", Bytes{2}, Durability::synced);
   EXPECT_EQ(synced, 2) << "the file and its folder";
   storage_fails = true;
-  EXPECT_NE(refusal(Error::Kind::failed_run, [&] { write("a", {3}, Durability::synced); }), "");
+  EXPECT_NE(
+      refusal(Error::Kind::failed_run, [&] { write_whole(folder_ / "a", Bytes{3}, Durability::synced); }),
+      "");
   EXPECT_EQ(read("a"), Bytes{2});
-  EXPECT_EQ(names(), Names{"a"});
+  EXPECT_EQ(listing(), Names{"a"});
 }
 
 TEST_F(Files, AreReadWhenRegularAndNotTooLarge) {
-  write("a", Bytes(100, 5));
+  put("a", Bytes(100, 5));
   EXPECT_EQ(read("a"), Bytes(100, 5));
   EXPECT_EQ(refused(folder_ / "a", 99),
             (folder_ / "a").string() + ": has 100 bytes; at most 99 are read");
@@ -124,27 +102,10 @@ TEST(Printable, EscapesWhatATerminalWouldObey) {
 }
 
 TEST(NaturalOrder, CountsDigitsAndNothingElse) {
-  const std::vector<std::string_view> ordered = {"",
-                                                 "0",
-                                                 "00",
-                                                 "1",
-                                                 "02",
-                                                 "2",
-                                                 "2a",
-                                                 "10",
-                                                 "A1",
-                                                 "a",
-                                                 "a-1",
-                                                 "a0b",
-                                                 "a0b1",
-                                                 "a1",
-                                                 "a01b",
-                                                 "a1c",
-                                                 "a2b10",
-                                                 "a10b2",
-                                                 "a99999999999999999999998",
-                                                 "a99999999999999999999999",
-                                                 "b"};
+  const std::string texts =
+      " 0 00 1 02 2 2a 10 A1 a a-1 a0b a0b1 a1 a01b a1c a2b10 a10b2 "
+      "a99999999999999999999998 a99999999999999999999999 b";
+  const std::vector<std::string_view> ordered = split(texts, ' ');  // the first is empty
   for (std::size_t i = 0; i < ordered.size(); ++i) {
     for (std::size_t j = 0; j < ordered.size(); ++j)
       EXPECT_EQ(natural_less(ordered[i], ordered[j]), i < j) << ordered[i] << " and " << ordered[j];

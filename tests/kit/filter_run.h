@@ -34,11 +34,16 @@ inline Frames run_chain(const std::string& chain, const Frames& inputs) {
 }
 
 /// @param options as of the input camera:
-inline Frames camera_frames(const std::string& options) {
+/// @param truth of the frames, where it is wanted
+inline Frames camera_frames(const std::string& options, std::vector<Image>* truth = nullptr) {
   const FrameSource source =
       camera_source(make_camera_request(parse_camera_input("camera:" + options)), {});
   Frames frames;
-  for (std::size_t i = 0; i < source.names.size(); ++i) frames.push_back(source.load(i).frame);
+  for (std::size_t i = 0; i < source.names.size(); ++i) {
+    SourceFrame made = source.load(i);
+    frames.push_back(std::move(made.frame));
+    if (truth) truth->push_back(std::move(*made.truth));
+  }
   return frames;
 }
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <numeric>
 
 #include <gtest/gtest.h>
 
@@ -37,28 +36,6 @@ std::pair<std::uint32_t, std::uint32_t> run(Pipeline& pipeline, Handover handove
   return {traits.width, traits.height};
 }
 
-TEST(Sequence, HandsOutEveryStage) {
-  Pipeline pipeline = pipeline_of({{"EchoFilter"}, {"CroppingFilter"}, {"ConvertingFilter"}});
-  std::vector<std::size_t> numbers, heights;
-  SequenceVisitor visitor;
-  visitor.on_passage = [&](const SourceFrame&, const Passage& passage) {
-    numbers.push_back(passage.number);
-    heights.push_back(passage.frame.height);
-    EXPECT_EQ(passage.before.height, passage.number < 3 ? 3u : 1u);
-    EXPECT_GE(passage.milliseconds, 0);
-  };
-  visitor.on_result = [&](std::size_t, const SourceFrame&, const FrameView& result) {
-    EXPECT_EQ(frame_of(result).pixels, (std::vector<std::uint16_t>{1, 2}));
-  };
-  run_sequence({{{"one", "one", ".png", {}}},
-                [](std::size_t) {
-                  return SourceFrame{sample(), {}};
-                }},
-               pipeline, {}, visitor);
-  EXPECT_EQ(numbers, (std::vector<std::size_t>{0, 1, 2, 3}));
-  EXPECT_EQ(heights, (std::vector<std::size_t>{3, 3, 1, 1}));
-}
-
 /// Frames 0 to count - 1, each with its number in every pixel; those in `bad` do not load.
 FrameSource numbered(std::size_t count, const std::vector<std::size_t>& bad = {}) {
   FrameSource source;
@@ -68,6 +45,15 @@ FrameSource numbered(std::size_t count, const std::vector<std::size_t>& bad = {}
     return SourceFrame{describe_frame({1, 1, {static_cast<std::uint16_t>(index)}}, {}), {}};
   };
   return source;
+}
+
+/// Sends them through one filter.
+void run_cropped(const FrameSource& source, std::size_t threads, std::size_t in_flight,
+                 const SequenceVisitor& visitor) {
+  Pipeline pipeline = pipeline_of({{"CroppingFilter"}});
+  Workers(threads).for_each(1, [&](std::size_t) {
+    run_sequence(source, pipeline, {Handover::frame, in_flight, {}}, visitor);
+  });
 }
 
 TEST(Sequence, KeepsOrderAndBoundsWhatIsUnderWay) {
@@ -80,82 +66,51 @@ TEST(Sequence, KeepsOrderAndBoundsWhatIsUnderWay) {
     }
     return load(index);
   };
-  std::vector<std::uint16_t> measured;
-  std::vector<std::size_t> done;
+  std::size_t filtered = 0, done = 0;
   std::vector<std::atomic<int>> delivered(count);
   SequenceVisitor visitor;
   visitor.on_passage = [&](const SourceFrame&, const Passage& passage) {
-    if (passage.number == 1) measured.push_back(passage.frame.pixels[0]);
+    if (passage.number == 1) {
+      EXPECT_EQ(passage.frame.pixels[0], filtered++);
+    }
   };
   visitor.on_result = [&](std::size_t index, const SourceFrame&, const FrameView& result) {
     delivered[index] += result.pixels[0] == index;
   };
   visitor.on_done = [&](std::size_t index) {
-    done.push_back(index);
+    EXPECT_EQ(index, done++);
     --under_way;
   };
-  Pipeline pipeline = pipeline_of({{"CroppingFilter"}});
-  Workers(4).for_each(1, [&](std::size_t) {
-    run_sequence(source, pipeline, {Handover::frame, most, {}}, visitor);
-  });
+  run_cropped(source, 4, most, visitor);
   EXPECT_LE(peak, most);
-  std::vector<std::size_t> all(count);
-  std::iota(all.begin(), all.end(), std::size_t{0});
-  EXPECT_EQ(done, all);
-  EXPECT_TRUE(std::equal(measured.begin(), measured.end(), all.begin(), all.end()));
+  EXPECT_EQ(filtered, count);
+  EXPECT_EQ(done, count);
   EXPECT_EQ(std::count(delivered.begin(), delivered.end(), 1), static_cast<std::ptrdiff_t>(count));
 }
 
-class SequenceFailures : public testing::TestWithParam<std::size_t> {};
-
-TEST_P(SequenceFailures, AreThoseOfTheFirstFrameInOrderOrOfAll) {
-  const Workers workers(GetParam());
-  const std::size_t in_flight = GetParam() == 1 ? 1 : 8;
-  for (const bool keep_going : {false, true}) {
-    std::vector<std::size_t> done;
-    std::vector<std::string> problems;
-    SequenceVisitor visitor;
-    visitor.on_result = [](std::size_t index, const SourceFrame&, const FrameView&) {
-      if (index == 20) fail("frame 20: cannot be written");
-    };
-    visitor.on_done = [&](std::size_t index) { done.push_back(index); };
-    if (keep_going)
-      visitor.on_problem = [&](const Error& problem) { problems.emplace_back(problem.what()); };
-    Pipeline pipeline = pipeline_of({{"CroppingFilter"}});
-    const std::string failure = refusal(Error::Kind::failed_run, [&] {
-      workers.for_each(1, [&](std::size_t) {
-        run_sequence(numbered(40, {22, 23, 30}), pipeline, {Handover::frame, in_flight, {}}, visitor);
+TEST(Sequence, FailsWithItsFirstFrameInOrderOrTellsOfAll) {
+  const char* const all =
+      "frame 20: cannot be written; frame 22: is bad; frame 23: is bad; frame 30: is bad";
+  for (const std::size_t threads : {1u, 4u}) {
+    for (const bool keep_going : {false, true}) {
+      std::size_t done = 0;
+      std::vector<std::string> problems;
+      SequenceVisitor visitor;
+      visitor.on_result = [](std::size_t index, const SourceFrame&, const FrameView&) {
+        if (index == 20) fail("frame 20: cannot be written");
+      };
+      visitor.on_done = [&](std::size_t) { ++done; };
+      if (keep_going)
+        visitor.on_problem = [&](const Error& problem) { problems.emplace_back(problem.what()); };
+      const std::string failure = refusal(Error::Kind::failed_run, [&] {
+        run_cropped(numbered(40, {22, 23, 30}), threads, threads == 1 ? 1 : 8, visitor);
       });
-    });
-    EXPECT_EQ(failure, keep_going ? "" : "frame 20: cannot be written");
-    EXPECT_EQ(done.size(), keep_going ? 36u : 20u);
-    if (keep_going) {
-      EXPECT_EQ(problems, (std::vector<std::string>{"frame 20: cannot be written", "frame 22: is bad",
-                                                    "frame 23: is bad", "frame 30: is bad"}));
+      EXPECT_EQ(failure, keep_going ? "" : "frame 20: cannot be written");
+      EXPECT_EQ(done, keep_going ? 36u : 20u);
+      EXPECT_EQ(join(problems, "; "), keep_going ? all : "");
     }
   }
 }
-
-TEST_P(SequenceFailures, AreNoneWhenItIsStopped) {
-  const Workers workers(GetParam());
-  std::size_t done = 0;
-  std::atomic<bool> stop = false;
-  SequenceVisitor visitor;
-  visitor.on_done = [&](std::size_t index) {
-    EXPECT_EQ(index, done++);
-    if (index == 10) stop = true;
-  };
-  Pipeline pipeline = pipeline_of({{"CroppingFilter"}});
-  const std::size_t in_flight = GetParam() == 1 ? 1 : 8;
-  workers.for_each(1, [&](std::size_t) {
-    run_sequence(numbered(100), pipeline, {Handover::frame, in_flight, [&] { return stop.load(); }},
-                 visitor);
-  });
-  EXPECT_GE(done, 11u);
-  EXPECT_LE(done, 11u + in_flight);
-}
-
-INSTANTIATE_TEST_SUITE_P(Threads, SequenceFailures, testing::Values(1, 4));
 
 TEST(FilterStatistics, GiveTheMedianOfAllDurations) {
   FilterStatistics statistics;
@@ -204,17 +159,6 @@ TEST(Pipeline, MakesItsFiltersAnewWhenItIsReset) {
   EXPECT_EQ(lines, "configured: 3 0.5 1\n" + trial +
                        "frame 1: set 0\nframe 2: set 1\nconfigured: 3 0.5 1\n" + trial +
                        "frame 1: set 0\n");
-}
-
-TEST(Sequence, NamesTheFrameThatFails) {
-  Pipeline pipeline(probe(), {{"FailingFilter"}});
-  const FrameSource source =
-      camera_source(make_camera_request(parse_camera_input("camera:size=64x48")), {});
-  const std::string line =
-      refusal(Error::Kind::failed_run, [&] { run_sequence(source, pipeline, {}, {}); });
-  EXPECT_TRUE(
-      line.starts_with("camera: frame 0: step 1 (FailingFilter): FailingFilter failed: \"out of order\""))
-      << line;
 }
 
 }  // namespace

@@ -137,13 +137,10 @@ TEST(ReportPictures, StayWithinTheirLargestSide) {
 }
 
 TEST(ReportEncoding, SpellsBytesInBase64) {
-  const auto text = [](std::string_view bytes) {
-    return base64({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
-  };
-  EXPECT_EQ(text(""), "");
-  EXPECT_EQ(text("f"), "Zg==");
-  EXPECT_EQ(text("fo"), "Zm8=");
-  EXPECT_EQ(text("foobar"), "Zm9vYmFy");
+  const std::pair<std::string_view, const char*> cases[] = {
+      {"", ""}, {"f", "Zg=="}, {"fo", "Zm8="}, {"foobar", "Zm9vYmFy"}};
+  for (const auto& [bytes, text] : cases)
+    EXPECT_EQ(base64({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()}), text);
 }
 
 TEST(ReportPlots, PutNumbersAtRoundPlaces) {

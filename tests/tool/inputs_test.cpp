@@ -6,47 +6,31 @@
 namespace kit {
 namespace {
 
-const Image kHoles{3, 3, {5, 6, 7, 0, 8, 0, 9, 0, 1}};
-const Image kFilled{3, 3, {5, 6, 7, 5, 8, 7, 9, 8, 1}};
 const std::string kFill = "run -f HoleFillingFilter ";
 
 class Inputs : public Program {
  protected:
-  /// The images of these bytes of 3x3 frames, back to back.
-  static Bytes frames(const std::vector<Image>& images) {
+  static std::string text(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
+  /// A raw file of these images.
+  static std::string frames(const std::vector<Image>& images) {
     Bytes all;
     for (const Image& image : images) append_samples(image, ByteOrder::little, all);
-    return all;
+    return text(all);
   }
-  Bytes bytes_of(const std::string& name) const { return read_whole(folder_ / name, kMostBytes); }
 };
 
-TEST_F(Inputs, AreSeenInNaturalOrder) {
-  for (const int number : {0, 1, 2, 10, 11})
-    put(concat("in/f_", number, ".png"), Image{1, 1, {static_cast<std::uint16_t>(number + 1)}});
-  const std::string start = "run --overwrite -f EchoFilter in -o out --baseline 1 --fx 1";
-  const auto order = [&](const std::string& arguments) {
-    std::string seen;
-    const std::string out = run_probe(start + arguments).out;
-    // The first is an empty frame that tries the chain.
-    for (auto at = out.find("first pixel ", out.find("first pixel ") + 1); at != std::string::npos;
-         at = out.find("first pixel ", at + 1))
-      seen += out.substr(at + 12, out.find(',', at) - at - 12) + ' ';
-    return seen;
-  };
-  EXPECT_EQ(order(""), "1 2 3 11 12 ");
-  EXPECT_EQ(order(" --order name"), "1 2 11 12 3 ");
-  EXPECT_EQ(order(" --include 'f_1*' --exclude '*11*'"), "2 11 ");
-  expect_refused(2, kFill + "-o none ",
-                 {{"in --order size", "--order: size: expected name, natural or time"},
-                  {"in/f_0.png --include '*'", "--include and --exclude choose from folders"}});
-}
-
-TEST_F(Inputs, OfMixedSizesAreRefusedAtTheFrame) {
-  put("in/a.png", kHoles);
-  put("in/b.png", make_image(2, 2));
+TEST_F(Inputs, AreTakenInTheOrderAskedForAndHaveOneSize) {
+  put("in/f_2.png", kHoles);
+  for (const char* name : {"in/f_10.png", "in/f_11.png"}) put(name, make_image(2, 2));
   EXPECT_EQ(run(kFill + "in -o out").err,
-            "zvfilter: in/b.png: has 2x2 pixels; the frames before it have 3x3\n");
+            "zvfilter: in/f_10.png: has 2x2 pixels; the frames before it have 3x3\n");
+  EXPECT_EQ(run(kFill + "in -o out --overwrite --order name").err,
+            "zvfilter: in/f_2.png: has 3x3 pixels; the frames before it have 2x2\n");
+  complete(kFill + "in -o chosen --include 'f_1*' --exclude '*11*'");
+  EXPECT_EQ(listing("chosen"), Names{"f_10.png"});
+  expect_refused(2, kFill + "-o results ",
+                 {{"in --order size", "--order: size: expected name, natural or time"},
+                  {"in/f_2.png --include '*'", "--include and --exclude choose from folders"}});
   put("in/a.npy", kHoles);
   put("in/b.npy", make_image(2, 2));
   expect_refused(run(kFill + "in --include '*.npy' -o results"), 1,
@@ -54,10 +38,9 @@ TEST_F(Inputs, OfMixedSizesAreRefusedAtTheFrame) {
 }
 
 TEST_F(Inputs, UseTheCameraFileBesideThem) {
-  ASSERT_EQ(run("camera -o cam --frames 1 --size 64x48").status, 0);
+  complete("camera -o cam --frames 1 --size 64x48");
   const std::string chain = "run -f DisparityTransform: ";
-  const Outcome found = run(chain + "cam -o a");
-  EXPECT_EQ(found.status, 0);
+  const Outcome found = complete(chain + "cam -o a");
   EXPECT_EQ(found.err, "zvfilter: note: using cam/camera.json\n");
   EXPECT_EQ(run(chain + "cam/disparity_0000.png -o b").err, found.err);
   EXPECT_EQ(run(chain + "cam --camera cam/camera.json -o c").err, "");
@@ -70,18 +53,17 @@ TEST_F(Inputs, UseTheCameraFileBesideThem) {
 
   put("in/disparity_0000.png", get("cam/disparity_0000.png"));
   const auto put_chain = [&](const std::string& input) {
-    const std::string file =
-        concat(R"({"version": 1, "steps": [{"filter": "DisparityTransform"}], "input": )", input, "}");
-    put("chain.json", Bytes(file.begin(), file.end()));
+    put("chain.json",
+        concat(R"({"version": 1, "steps": [{"filter": "DisparityTransform"}], "input": )", input, "}"));
   };
-  put_chain(text_of(folder_ / "cam/camera.json"));
+  put_chain(text_of("cam/camera.json"));
   EXPECT_EQ(run("run --chain chain.json in -o e").err, "");
   put_chain(R"({"pixelType": "depth"})");
   EXPECT_EQ(run("run --chain chain.json in -o f --camera cam/camera.json").err, "");
   for (const char* result : {"e/disparity_0000.png", "f/disparity_0000.png"})
     EXPECT_EQ(get(result), get("a/disparity_0000.png"));
 
-  put("cam/camera.json", Bytes{'{', '}', '}'});
+  put("cam/camera.json", "{}}");
   EXPECT_MENTIONS(run(chain + "cam -o results").err, "\nzvfilter: cam/camera.json: is no JSON: ");
   fs::remove(folder_ / "cam/camera.json");
   fs::create_symlink("gone", folder_ / "cam/camera.json");
@@ -90,29 +72,22 @@ TEST_F(Inputs, UseTheCameraFileBesideThem) {
 
 TEST_F(Inputs, OfSeveralImagesGiveAFileOfAsMany) {
   put("a.raw", frames({kHoles, make_image(3, 3), kHoles}));
-  const Bytes filled = frames({kFilled, make_image(3, 3), kFilled});
-  ASSERT_EQ(run(kFill + "a.raw --size 3x3 -o raw").status, 0);
-  EXPECT_EQ(bytes_of("raw/a.raw"), filled);
-  for (const char* format : {"npy", "tiff"}) {
-    ASSERT_EQ(run(concat(kFill, "a.raw --size 3x3 -o stacks --format ", format)).status, 0);
-    const std::string file = std::string(format) == "npy" ? "stacks/a.npy" : "stacks/a.tif";
-    ASSERT_EQ(run(concat(kFill, file, " -o again_", format, " --format raw")).status, 0);
-    EXPECT_EQ(bytes_of(concat("again_", format, "/a.raw")), filled);
+  const std::string filled = frames({kFilled, make_image(3, 3), kFilled});
+  complete(kFill + "a.raw --size 3x3 -o raw");
+  EXPECT_EQ(text_of("raw/a.raw"), filled);
+  for (const std::string format : {"npy", "tiff"}) {
+    complete(kFill + "a.raw --size 3x3 -o stacks --format " + format);
+    complete(kFill + "stacks/a." + format.substr(0, 3) + " -o again --overwrite --format raw");
+    EXPECT_EQ(text_of("again/a.raw"), filled);
   }
-  ASSERT_EQ(run(kFill + "a.raw --size 3x3 -o single --format png").status, 0);
+  complete(kFill + "a.raw --size 3x3 -o single --format png");
   EXPECT_EQ(listing("single"), (Names{"a_0.png", "a_1.png", "a_2.png"}));
   EXPECT_EQ(get("single/a_2.png"), kFilled);
 
-  put("in/big.raw", Bytes{1, 2, 3, 4});
-  ASSERT_EQ(
-      run("run -f EchoFilter --plugin '" ZVFILTER_PROBE_PLUGIN "' in --size 2x1 --endian big -o big")
-          .status,
-      0);
-  EXPECT_EQ(bytes_of("big/big.raw"), (Bytes{1, 2, 3, 4}));
-  EXPECT_MENTIONS(run("run -f EchoFilter --plugin '" ZVFILTER_PROBE_PLUGIN
-                      "' in --size 2x1 --endian big -o big --overwrite")
-                      .out,
+  put("in/big.raw", "\1\2\3\4");
+  EXPECT_MENTIONS(run_probe("run -f EchoFilter in --size 2x1 --endian big -o big").out,
                   "first pixel 258,");
+  EXPECT_EQ(text_of("big/big.raw"), "\1\2\3\4");
 
   put("cut.raw", Bytes(20));
   expect_refused(run(kFill + "cut.raw --size 3x3 -o results"), 1,
@@ -124,27 +99,24 @@ TEST_F(Inputs, OfSeveralImagesGiveAFileOfAsMany) {
 }
 
 TEST_F(Inputs, StreamFromStandardInputToStandardOutput) {
-  const auto as_text = [](const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); };
   put("in.raw", frames({kHoles, kHoles}));
   const Outcome raw = run(kFill + "- -o - --size 3x3 --format raw", "", "in.raw");
   EXPECT_EQ(raw.status, 0);
-  EXPECT_EQ(raw.out, as_text(frames({kFilled, kFilled})));
+  EXPECT_EQ(raw.out, frames({kFilled, kFilled}));
   EXPECT_MENTIONS(raw.err, "HoleFillingFilter       2            12           18        6");
   EXPECT_FALSE(fs::exists(folder_ / "-"));
 
   const Outcome pgm = run(kFill + "- -o - --size 3x3 --input-format raw --format pgm", "", "in.raw");
-  EXPECT_EQ(pgm.out, as_text(encode_pgm(kFilled)) + as_text(encode_pgm(kFilled)));
-  put("in.pgm", Bytes(pgm.out.begin(), pgm.out.end()));
-  EXPECT_EQ(run(kFill + "- -o files --format npy --input-format pgm", "", "in.pgm").status, 0);
+  EXPECT_EQ(pgm.out, text(encode_pgm(kFilled)) + text(encode_pgm(kFilled)));
+  put("in.pgm", pgm.out);
+  run(kFill + "- -o files --format npy --input-format pgm", "", "in.pgm");
   EXPECT_EQ(listing("files"), (Names{"frame_0000.npy", "frame_0001.npy"}));
   EXPECT_EQ(get("files/frame_0001.npy"), kFilled);
-  EXPECT_EQ(run(kFill + "files -o -").out, as_text(encode_npy(kFilled)) + as_text(encode_npy(kFilled)));
+  EXPECT_EQ(run(kFill + "files -o -").out, text(encode_npy(kFilled)) + text(encode_npy(kFilled)));
 
   // What a plug-in prints is not a frame's.
-  const Outcome probe =
-      run("run -f EchoFilter --plugin '" ZVFILTER_PROBE_PLUGIN "' - -o - --size 3x3 --format raw", "",
-          "in.raw");
-  EXPECT_EQ(probe.out, as_text(frames({kHoles, kHoles})));
+  const Outcome probe = run_probe("run -f EchoFilter - -o - --size 3x3 --format raw", "in.raw");
+  EXPECT_EQ(probe.out, frames({kHoles, kHoles}));
   EXPECT_MENTIONS(probe.err, "frame 2: set 0, first pixel 5,");
 }
 
@@ -158,15 +130,11 @@ TEST_F(Inputs, ThatStreamAreRefusedWhereTheyAreNotWhole) {
   EXPECT_EQ(cut.err,
             "1 of 2 frames written to standard output\n"
             "zvfilter: standard input frame 1: is truncated: 2 of 18 bytes came for 3x3 pixels\n");
-  const auto expect_failed = [](const Outcome& outcome, const char* part) {
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_MENTIONS(outcome.err, "zvfilter: standard ");
-    EXPECT_MENTIONS(outcome.err, part);
-  };
-  expect_failed(run(start + "--size 3x3", "", "empty.raw"), "input: holds no frame\n");
-  expect_failed(run(start + "--size 3x3 --keep-going", "", "empty.raw"), "input: holds no frame\n");
-  expect_failed(run(start + "--size 3x3", "exec > /dev/full; ", "cut.raw"),
-                "output: cannot be written: ");
+  for (const char* option : {"", " --keep-going"})
+    expect_failed(run(start + "--size 3x3" + option, "", "empty.raw"), 1,
+                  "zvfilter: standard input: holds no frame\n");
+  expect_failed(run(start + "--size 3x3", "exec > /dev/full; ", "cut.raw"), 1,
+                "zvfilter: standard output: cannot be written: ");
   put("in/a.png", kHoles);
   expect_refused(
       2, kFill,
@@ -186,41 +154,35 @@ TEST_F(Inputs, ThatStreamAreRefusedWhereTheyAreNotWhole) {
 }
 
 TEST_F(Inputs, OfStreamsAndStacksRunAsAllOthersDo) {
-  const Bytes all = frames(std::vector<Image>(40, kHoles)),
-              filled = frames(std::vector<Image>(40, kFilled));
-  put("many.raw", all);
+  const std::string all = frames(std::vector<Image>(40, kHoles)),
+                    filled = frames(std::vector<Image>(40, kFilled));
+  for (const char* name : {"many.raw", "other.raw"}) put(name, all);
   const std::string stream = kFill + "- --size 3x3 --format raw -o ",
                     stack = kFill + "many.raw --size 3x3 -o ";
   for (const char* jobs : {" --jobs 1", " --jobs 4"}) {
     const Outcome out = run(stream + "-" + jobs, "", "many.raw");
-    EXPECT_EQ(Bytes(out.out.begin(), out.out.end()), filled);
+    EXPECT_EQ(out.out, filled);
     EXPECT_MENTIONS(out.err, "40 of 40 frames written to standard output");
-    EXPECT_EQ(run(stack + "stack --overwrite" + jobs).status, 0);
-    EXPECT_EQ(bytes_of("stack/many.raw"), filled);
+    complete(stack + "stack --overwrite" + jobs);
+    EXPECT_EQ(text_of("stack/many.raw"), filled);
   }
   // Results are not replaced unless that is asked for, and a stack that is there is not made again.
   EXPECT_MENTIONS(run(stack + "stack").err, "many.raw: is there already");
-  put("other.raw", all);
-  const std::string both = kFill + "many.raw other.raw --size 3x3 -o both ";
-  ASSERT_EQ(run(both).status, 0);
+  complete(stack + "both other.raw");
   fs::remove(folder_ / "both/other.raw");
-  EXPECT_MENTIONS(run(both + "--resume").out, "40 of 40 frames written to both; 40 were there");
-  EXPECT_EQ(bytes_of("both/other.raw"), filled);
-  ASSERT_EQ(run(stream + "numbered", "", "many.raw").status, 0);
+  EXPECT_MENTIONS(run(stack + "both other.raw --resume").out,
+                  "40 of 40 frames written to both; 40 were there");
+  EXPECT_EQ(text_of("both/other.raw"), filled);
+  EXPECT_EQ(run(stream + "numbered", "", "many.raw").status, 0);
   EXPECT_MENTIONS(run(stream + "numbered", "", "many.raw").err, "frame_0000.raw: is there already");
   EXPECT_EQ(run(stream + "numbered --overwrite", "", "many.raw").status, 0);
 
   // A frame that fails is left out of a stream; of stacks, the whole one is.
-  Bytes images;
-  for (const Image& image : {kHoles, make_image(2, 2), kHoles}) {
-    const Bytes one = encode_pgm(image);
-    images.insert(images.end(), one.begin(), one.end());
-  }
-  put("mixed.pgm", images);
+  const std::string holes = text(encode_pgm(kHoles)), whole = text(encode_pgm(kFilled));
+  put("mixed.pgm", holes + text(encode_pgm(make_image(2, 2))) + holes);
   const Outcome mixed = run(kFill + "- --format pgm -o - --keep-going", "", "mixed.pgm");
-  EXPECT_EQ(mixed.status, 1);
-  EXPECT_EQ(mixed.out.size(), 2 * encode_pgm(kFilled).size());
-  EXPECT_MENTIONS(mixed.err, "zvfilter: standard input frame 1: has 2x2 pixels");
+  EXPECT_EQ(mixed.out, whole + whole);
+  expect_failed(mixed, 1, "zvfilter: standard input frame 1: has 2x2 pixels");
   EXPECT_MENTIONS(mixed.err, "2 of 3 frames written to standard output");
 }
 
@@ -246,25 +208,18 @@ TEST_F(Inputs, SayOnceWhatHasNoEffectOnThem) {
     EXPECT_NE(at, std::string::npos) << err;
     EXPECT_EQ(err.find(part, at + 1), std::string::npos) << err;
   }
-  fs::create_directory(folder_ / "all");
-  put("all/a.raw", frames({Image{1, 1, {40000}}}));
-  EXPECT_MENTIONS(
-      run("run -f SpatialAdvancedFilter: all -o results --overwrite --size 1x1 --baseline 50 --fx 600")
-          .err,
-      ": 100 % of the pixels have values from 32768 up");
-  EXPECT_EQ(
-      run("run -f EdgeNoiseRemovalFilter:margin_y_th=3,enable_vertical_direction=1,width=3,height=3 -f "
-          "HoleFillingFilter" +
-          end)
-          .err,
-      "");
+  const std::string quiet =
+      "EdgeNoiseRemovalFilter:margin_y_th=3,enable_vertical_direction=1,width=3,height=3";
+  EXPECT_EQ(run("run -f HoleFillingFilter -f " + quiet + end).err, "");
+  put("in/a.raw", Image{1, 1, {40000}});
+  EXPECT_MENTIONS(run("run -f SpatialAdvancedFilter: in -o all --size 1x1 --baseline 50 --fx 600").err,
+                  ": 100 % of the pixels have values from 32768 up");
 }
 
 TEST_F(Inputs, AreNamedWithTheCauseWhereAKernelFails) {
   put("in/a.png", kHoles);
-  const std::string camera =
-      R"({"pixelType": "disparity", "disparity": {"baseline": 50, "fx": 600, "packMode": 5}})";
-  put("five.json", Bytes(camera.begin(), camera.end()));
+  put("five.json",
+      R"({"pixelType": "disparity", "disparity": {"baseline": 50, "fx": 600, "packMode": 5}})");
   const std::pair<const char*, const char*> cases[] = {
       {"EdgeNoiseRemovalFilter in/a.png",
        "; frames of 3x3 are too small beside its width and height, 1280x800"},

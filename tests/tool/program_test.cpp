@@ -1,36 +1,37 @@
 // The built program, run as a user runs it.
 #include "program.h"
 
-#include <filesystem>
-#include <map>
-#include <string>
-
 #include <nlohmann/json.hpp>
 
 namespace kit {
 namespace {
 
-const Image kHoles{3, 3, {5, 6, 7, 0, 8, 0, 9, 0, 1}};
-const Image kFilled{3, 3, {5, 6, 7, 5, 8, 7, 9, 8, 1}};  // each hole takes the pixel above
-
-TEST_F(Program, ListsTheFiltersOfItsOwnPlugin) {
-  const Outcome text = run("list");
-  EXPECT_EQ(text.status, 0) << text.err;
+TEST_F(Program, ListsTheFiltersOfAPlugin) {
   EXPECT_MENTIONS(
-      text.out,
+      complete("list").out,
       "1  HoleFillingFilter: gives holes the value of a neighbour\n"
       "     hole_filling_mode  integer   0 to 2, step 1, default 0; 0 top, 1 nearest, 2 farthest\n");
-
   const auto list = nlohmann::json::parse(run("list --json").out);
   ASSERT_EQ(list.size(), 9u);
   EXPECT_EQ(list[1]["name"], "HoleFillingFilter");
   EXPECT_EQ(list[1]["available"], true);
   EXPECT_EQ(list[1]["parameters"][0]["max"], 2);
   EXPECT_EQ(list[8]["index"], 8);
-
   EXPECT_EQ(run("schema HoleFillingFilter").out,
             "hole_filling_mode, integer, 0, 2, 1, 0, "
             "ZV_HOLE_FILL_TOP/ZV_HOLE_FILL_NEAREST/ZV_HOLE_FILL_FAREST\n");
+
+  const std::string text = run_probe("list").out;
+  EXPECT_MENTIONS(text, "0  MissingFilter  (not available)\n1  FailingFilter\n     count  ");
+  EXPECT_MENTIONS(text, "\nThe kernels run at level probing.\n");
+  const auto probe = nlohmann::json::parse(run_probe("list --json").out);
+  EXPECT_EQ(probe[0]["available"], false);
+  EXPECT_EQ(probe[3]["parameters"][1]["default"], 0.5);
+  put("broken.so", "x");
+  expect_refused(1, "list --plugin ",
+                 {{"nowhere.so", "nowhere.so does not load: "},
+                  {"broken.so", "broken.so does not load: "},
+                  {"'" ZVFILTER_INCOMPLETE_PLUGIN "'", "lacks the function zv_create_filter"}});
 }
 
 TEST_F(Program, ExplainsFiltersAndPresets) {
@@ -42,19 +43,13 @@ TEST_F(Program, ExplainsFiltersAndPresets) {
   expect_refused(run("help TemporalFliter"), 2, "did you mean TemporalFilter?");
 
   EXPECT_MENTIONS(run("presets").out, "\nmoving-camera\n  A camera that moves");
-  const std::string chain = run("presets fill-holes").out;
-  put("fill.json", Bytes(chain.begin(), chain.end()));
+  put("fill.json", run("presets fill-holes").out);
   put("in/a.png", kHoles);
-  ASSERT_EQ(
-      run("run --preset fill-holes in/a.png -o a --set clean.enabled=false --fx 1 --baseline 1").status,
-      0);
-  ASSERT_EQ(
-      run("run --chain fill.json in/a.png -o b --set clean.enabled=false --fx 1 --baseline 1").status, 0);
+  const std::string end = " in/a.png --set clean.enabled=false --fx 1 --baseline 1 -o ";
+  complete("run --preset fill-holes" + end + "a");
+  complete("run --chain fill.json" + end + "b");
+  complete("run --preset fill-holes --set fill.enabled=false" + end + "c");
   EXPECT_EQ(get("a/a.png"), get("b/a.png"));
-  ASSERT_EQ(run("run --preset fill-holes --set fill.enabled=false in/a.png -o c --set "
-                "clean.enabled=false --fx 1 --baseline 1")
-                .status,
-            0);
   EXPECT_NE(get("a/a.png"), get("c/a.png"));
   expect_refused(2, "run in/a.png -o results ",
                  {{"--preset fill", "unknown preset fill; did you mean fill-holes?"},
@@ -63,50 +58,21 @@ TEST_F(Program, ExplainsFiltersAndPresets) {
                   {"-f TemporalFilter --colors jet", "--colors: jet: expected turbo, viridis or grey"}});
 }
 
-TEST_F(Program, ListsAFilterThatIsNotAvailable) {
-  const std::string text = run_probe("list").out;
-  EXPECT_MENTIONS(text, "0  MissingFilter  (not available)\n1  FailingFilter\n     count  ");
-  EXPECT_MENTIONS(text, "\nThe kernels run at level probing.\n");
-  const auto list = nlohmann::json::parse(run_probe("list --json").out);
-  EXPECT_EQ(list[0]["available"], false);
-  EXPECT_EQ(list[3]["parameters"][1]["default"], 0.5);
-}
-
 TEST_F(Program, FiltersEveryFormat) {
-  for (const char* name : {"a.png", "b.pgm", "c.npy", "d.raw", "e.BIN", "f.tif"})
-    put(std::string("in/") + name, kHoles);
-  const Outcome outcome =
-      run("run -f HoleFillingFilter in/a.png in/b.pgm in/c.npy in/d.raw in/e.BIN in/f.tif -o results "
-          "--size 3x3");
-  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  const Names files = {"a.png", "b.pgm", "c.npy", "d.raw", "e.BIN", "f.tif"};
+  for (const std::string& name : files) put("in/" + name, kHoles);
+  const Outcome outcome = complete(
+      "run -f HoleFillingFilter -f HoleFillingFilter in/a.png in/b.pgm in/c.npy in/d.raw in/e.BIN "
+      "in/f.tif "
+      "-o results/deep --size 3x3");
   EXPECT_EQ(outcome.err, "");
-  EXPECT_EQ(listing("results"), (Names{"a.png", "b.pgm", "c.npy", "d.raw", "e.BIN", "f.tif"}));
-  for (const std::string& name : listing("results"))
-    EXPECT_EQ(get("results/" + name, {3, 3}), kFilled) << name;
-
-  const auto line_end = outcome.out.find('\n');
-  EXPECT_EQ(outcome.out.substr(0, line_end),
-            "filter             frames  valid before  valid after  changed  median ms");
-  EXPECT_TRUE(outcome.out.substr(line_end + 1)
-                  .starts_with("HoleFillingFilter       6            36           54       18"));
-}
-
-TEST_F(Program, ConvertsAndPreviews) {
-  put("in/a.pgm", kHoles);
-  const Outcome outcome =
-      run("run -f HoleFillingFilter:hole_filling_mode=0 -f HoleFillingFilter: in/a.pgm -o "
-          "results/deep --format npy --preview --frame-set");
-  ASSERT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_EQ(listing("results/deep"), (Names{"a.npy", "a_preview.png"}));
-  EXPECT_EQ(get("results/deep/a.npy"), kFilled);
-}
-
-TEST_F(Program, ConvertsTheDisparityOfPlainFiles) {
-  put("in/a.png", Image{3, 1, {2560, 5120, 0}});
-  const Outcome outcome =
-      run("run -f DisparityTransform in/a.png -o results --pixel-type disparity --baseline 50 --fx 600");
-  ASSERT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_EQ(get("results/a.png"), (Image{3, 1, {3000, 1500, 0}}));
+  EXPECT_EQ(listing("results/deep"), files);
+  for (const std::string& name : files) EXPECT_EQ(get("results/deep/" + name, {3, 3}), kFilled) << name;
+  EXPECT_TRUE(
+      outcome.out.starts_with("filter             frames  valid before  valid after  changed  median ms\n"
+                              "HoleFillingFilter       6            36           54       18"))
+      << outcome.out;
+  EXPECT_MENTIONS(outcome.out, "\nHoleFillingFilter       6            54           54        0");
 }
 
 TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
@@ -120,17 +86,13 @@ TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
   EXPECT_MENTIONS(plain.out, "frame 2: set 0, first pixel 22, ");
   EXPECT_EQ(plain.err,
             "zvfilter: note: the files carry no stereo geometry; assuming a nominal camera with baseline "
-            "50 mm, "
-            "fx 0.7 times the width, 8 fraction bits (--baseline, --fx and --bits set them)\n");
-
+            "50 mm, fx 0.7 times the width, 8 fraction bits (--baseline, --fx and --bits set them)\n");
   EXPECT_MENTIONS(run_probe("run -f EchoFilter in/a.png -o results --overwrite --baseline 75").err,
                   "assuming a nominal camera with fx 0.7 times the width, ");
 
   const Outcome set = run_probe(
-      "run -f EchoFilter:on=0,count=9 in/a.png -o results --overwrite --frame-set --bits 12 --pixel-type "
-      "disparity "
-      "--value-scale 0.25 --baseline 75 --fx 400");
-  EXPECT_EQ(set.status, 0) << set.err;
+      "run -f EchoFilter:on=0,count=9 in/a.png -o results --overwrite --frame-set --bits 12 "
+      "--pixel-type disparity --value-scale 0.25 --baseline 75 --fx 400");
   EXPECT_MENTIONS(set.out, "configured: 9 0.5 0\n");
   EXPECT_MENTIONS(set.out,
                   "frame 1: set 1, first pixel 11, bits 12, type 2, scale 0.25, baseline 75, fx 400\n");
@@ -140,34 +102,30 @@ TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
 TEST_F(Program, ReportsFilterErrorsWithAllTheirTexts) {
   put("in/a.png", kHoles);
   const std::string rest = " in/a.png -o results --baseline 50 --fx 1";
-  expect_refused(run_probe("run -f FailingFilter" + rest), 1,
-                 "in/a.png: step 1 (FailingFilter): FailingFilter failed: \"out of order\" (function "
-                 "filter_process, args a frame, "
-                 "exception type 7)");
+  const std::pair<const char*, const char*> faults[] = {
+      {"FailingFilter",
+       "in/a.png: step 1 (FailingFilter): FailingFilter failed: \"out of order\" (function "
+       "filter_process, args a frame, exception type 7)"},
+      {"SilentFilter", "SilentFilter gave neither a frame nor an error"},
+      {"MissingFilter", "the filter MissingFilter is not available"}};
+  for (const auto& [filter, part] : faults)
+    expect_refused(run_probe(concat("run -f ", filter, rest)), 1, part);
   expect_refused(run("run -f DepthResize:dst_width=4,dst_height=3,scale=1" + rest), 1,
                  "\"incorrect config schema\" (function filter_process, args DepthResize, exception type "
                  "4); dst_width has to be the frame's width x scale + ex_left + ex_right");
-  expect_refused(run_probe("run -f SilentFilter" + rest), 1,
-                 "SilentFilter gave neither a frame nor an error");
-  expect_refused(run_probe("run -f MissingFilter" + rest), 1,
-                 "the filter MissingFilter is not available");
-
   expect_refused(run("run -f HoleFillingFilter:hole_filling_mode=7" + rest), 2,
                  "step 1 (HoleFillingFilter): hole_filling_mode=7 is out of range; expected 0 to 2");
-  EXPECT_FALSE(fs::exists(folder_ / "results"));
 }
 
 TEST_F(Program, TakesChainsAsFilesAndTexts) {
   put("in/a.png", kHoles);
-  const std::string text = "fill=HoleFillingFilter:hole_filling_mode=1; DepthResize:scale=2";
-  ASSERT_EQ(run("chain convert '" + text + "' -o chain.json").status, 0);
-  ASSERT_EQ(run("run --chain chain.json in/a.png -o a").status, 0);
-  ASSERT_EQ(
-      run("run -f HoleFillingFilter:hole_filling_mode=1 -f DepthResize:scale=2 in/a.png -o b").status, 0);
+  complete(
+      "chain convert 'fill=HoleFillingFilter:hole_filling_mode=1; DepthResize:scale=2' -o chain.json");
+  complete("run --chain chain.json in/a.png -o a");
+  complete("run -f HoleFillingFilter:hole_filling_mode=1 -f DepthResize:scale=2 in/a.png -o b");
   EXPECT_EQ(get("a/a.png"), get("b/a.png"));
   EXPECT_NE(get("a/a.png"), kHoles);
-  ASSERT_EQ(run("run --chain chain.json --set fill.enabled=false --set 2.scale=1 in/a.png -o c").status,
-            0);
+  complete("run --chain chain.json --set fill.enabled=false --set 2.scale=1 in/a.png -o c");
   EXPECT_EQ(get("c/a.png"), kHoles);
   EXPECT_EQ(run("chain convert --text chain.json").out,
             "fill=HoleFillingFilter:hole_filling_mode=1\nDepthResize:scale=2\n");
@@ -176,23 +134,14 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
 
   expect_refused(run("chain check chain.json 'a=TemporalFilter:weigth=1'"), 2,
                  "step 1 (a): unknown key weigth; did you mean weight?");
-  expect_refused(run("run --chain chain.json --set full.scale=1 in/a.png -o d"), 2, "has no step full");
-  expect_refused(run("run --chain chain.json --set fill=1 in/a.png -o d"), 2, "expected TAG.key=value");
-  expect_refused(run("run --chain chain.json --set fill.enabled=1 in/a.png -o d"), 2,
-                 "expected true or false");
-  expect_refused(run("run --chain chain.json -f TemporalFilter in/a.png -o d"), 2, "excludes");
-  const std::string sized = R"({"version": 1, "input": {"width": 640, "height": 400}, "steps": []})";
-  put("sized.json", Bytes(sized.begin(), sized.end()));
-  expect_refused(run("run --chain sized.json in/a.png -o d"), 1, "the chain file's input has 640x400");
-  EXPECT_FALSE(fs::exists(folder_ / "d"));
-}
-
-TEST_F(Program, RefusesPluginsThatAreNone) {
-  put("broken.so", Bytes{'x'});
-  expect_refused(run("list --plugin nowhere.so"), 1, "nowhere.so does not load: ");
-  expect_refused(run("list --plugin broken.so"), 1, "broken.so does not load: ");
-  expect_refused(run("list --plugin '" ZVFILTER_INCOMPLETE_PLUGIN "'"), 1,
-                 "lacks the function zv_create_filter");
+  expect_refused(2, "run --chain chain.json in/a.png -o results ",
+                 {{"--set full.scale=1", "has no step full"},
+                  {"--set fill=1", "expected TAG.key=value"},
+                  {"--set fill.enabled=1", "expected true or false"},
+                  {"-f TemporalFilter", "excludes"}});
+  put("sized.json", R"({"version": 1, "input": {"width": 640, "height": 400}, "steps": []})");
+  expect_refused(run("run --chain sized.json in/a.png -o results"), 1,
+                 "the chain file's input has 640x400");
 }
 
 TEST_F(Program, CameraFilesAndTheCameraItselfGiveTheSameResults) {
@@ -205,8 +154,7 @@ TEST_F(Program, CameraFilesAndTheCameraItselfGiveTheSameResults) {
   for (const auto& [in_input, typed] : option_forms) {
     SCOPED_TRACE(typed);
     fs::remove_all(folder_ / "cam");
-    const Outcome made = run("camera -o cam --frames 2 --size 96x64 --seed 5 " + typed);
-    ASSERT_EQ(made.status, 0) << made.err;
+    complete("camera -o cam --frames 2 --size 96x64 --seed 5 " + typed);
     EXPECT_EQ(listing("cam"),
               (Names{"camera.json", "disparity_0000.png", "disparity_0001.png", "truth"}));
     EXPECT_EQ(listing("cam/truth"), (Names{"disparity_0000.png", "disparity_0001.png"}));
@@ -214,37 +162,35 @@ TEST_F(Program, CameraFilesAndTheCameraItselfGiveTheSameResults) {
     const std::string filters = "run -f EchoFilter -f ConvertingFilter --preview --overwrite ";
     const Outcome files = run_probe(filters + "cam --camera cam/camera.json --truth cam/truth -o a");
     const Outcome itself = run_probe(concat(filters, "-o b camera:frames=2,size=96x64,seed=5", in_input));
-    EXPECT_EQ(itself.status, 0) << itself.err;
     EXPECT_EQ(files.err + itself.err, "");
     const auto except_times = [](const std::string& out) {
       const auto tables = out.find("\nafter ");
       return out.substr(0, out.find("\nfilter ")).append(out, tables, out.rfind(" to ") - tables);
     };
     EXPECT_EQ(except_times(files.out), except_times(itself.out));
-    EXPECT_EQ(listing("a"), listing("b"));
-    EXPECT_EQ(listing("a").size(), 4u);
-    for (const std::string& name : listing("a"))
-      EXPECT_EQ(text_of(folder_ / "a" / name), text_of(folder_ / "b" / name));
+    EXPECT_EQ(listing("b"), (Names{"disparity_0000.png", "disparity_0000_preview.png",
+                                   "disparity_0001.png", "disparity_0001_preview.png"}));
+    for (const std::string& name : listing("b"))
+      EXPECT_EQ(text_of(fs::path("a") / name), text_of(fs::path("b") / name));
     EXPECT_EQ(get("a/disparity_0001.png"), get("cam/disparity_0001.png"));
     EXPECT_NE(get("cam/disparity_0000.png"), get("cam/disparity_0001.png"));
-    EXPECT_MENTIONS(files.out, ", type 2, scale 1, baseline 50, fx 67.2\n");
-    EXPECT_MENTIONS(files.out, "\n(input)                  -  ");
-    EXPECT_MENTIONS(files.out, "\nEchoFilter               -  ");
+    for (const char* part : {", type 2, scale 1, baseline 50, fx 67.2\n",
+                             "\n(input)                  -  ", "\nEchoFilter               -  "})
+      EXPECT_MENTIONS(files.out, part);
     EXPECT_EQ(files.out.find("\nConvertingFilter         -  "), std::string::npos);
   }
 }
 
 TEST_F(Program, NeverMixesTwoRecordings) {
-  ASSERT_EQ(run("camera -o cam --frames 2 --size 64x48").status, 0);
-  const std::string frame = text_of(folder_ / "cam/disparity_0000.png");
+  complete("camera -o cam --frames 2 --size 64x48");
+  const std::string frame = text_of("cam/disparity_0000.png");
   expect_refused(run("camera -o cam --frames 1 --size 96x64"), 1,
                  ": belongs to another recording; expected a folder without one");
-  EXPECT_EQ(text_of(folder_ / "cam/disparity_0000.png"), frame);
-  fs::remove_all(folder_ / "cam");
-  fs::create_directories(folder_ / "cam/truth");
-  put("cam/truth/disparity_0007.png", kHoles);
-  expect_refused(run("camera -o cam --frames 1 --size 96x64"), 1,
-                 "cam/truth/disparity_0007.png: belongs");
+  EXPECT_EQ(text_of("cam/disparity_0000.png"), frame);
+  fs::create_directories(folder_ / "far/truth");
+  put("far/truth/disparity_0007.png", kHoles);
+  expect_refused(run("camera -o far --frames 1 --size 96x64"), 1,
+                 "far/truth/disparity_0007.png: belongs");
 }
 
 TEST_F(Program, ComparesEveryStageWithTheTruth) {
@@ -254,10 +200,9 @@ TEST_F(Program, ComparesEveryStageWithTheTruth) {
   put("truth/a.npy", Image{2, 2, {1000, 1000, 1000, 0}});
   put("truth/b.raw", Image{2, 2, {1000, 1000, 1001, 0}});
   const Outcome outcome = run_probe(
-      "run -f ConvertingFilter -f CroppingFilter in/a.png in/b.pgm -o results --truth truth --size 2x2 "
-      "--baseline 1 "
-      "--fx 1");
-  ASSERT_EQ(outcome.status, 0) << outcome.err;
+      "run -f ConvertingFilter -f CroppingFilter in/a.png in/b.pgm -o results --truth truth "
+      "--size 2x2 --baseline 1 --fx 1");
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_MENTIONS(outcome.out,
                   "\nafter             coverage  median error mm  p95 error mm  off > 5 %  flicker mm\n"
                   "(input)            75.00 %             39.0         100.0    25.00 %        90.0\n"
@@ -272,9 +217,7 @@ TEST_F(Program, SaysHowSteadyAStillSceneIs) {
       image.pixels[at] = static_cast<std::uint16_t>(1000 + (i + at) % 2 * 4);
     put(concat("in/", i, ".png"), image);
   }
-  const Outcome outcome = run("run -f HoleFillingFilter in -o results --value-scale 0.5");
-  ASSERT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_MENTIONS(outcome.out,
+  EXPECT_MENTIONS(complete("run -f HoleFillingFilter in -o results --value-scale 0.5").out,
                   "\n\nat rest  pixels used  flicker mm  noise mm\n"
                   "before      100.00 %         2.0       1.5\n"
                   "after       100.00 %         2.0       1.5\n");
@@ -285,7 +228,7 @@ TEST_F(Program, RefusesWrongCamerasAndTruths) {
   put("in/b.png", kHoles);
   fs::create_directory(folder_ / "truth");
   put("truth/a.png", kHoles);
-  put("broken.json", Bytes{'{'});
+  put("broken.json", "{");
   const std::string start = "run -f HoleFillingFilter -o results ";
   expect_refused(1, start,
                  {{"in/a.png --camera broken.json", "broken.json: is no JSON: "},
@@ -299,31 +242,30 @@ TEST_F(Program, RefusesWrongCamerasAndTruths) {
        {"camera: --truth truth", "--truth is for files; camera: brings its own"},
        {"camera: --size 64x64", "--size is for raw files; camera: takes its own: camera:size=WxH"},
        {"in --size 3x3", "--size 3x3: is for raw files"}});
-  expect_refused(2, "camera ",
-                 {{"-o results --pack-mode 3 --mono", "--pack-mode 3: has to be 1, 2 or 4 with"},
-                  {"-o results --frames 0", "--frames 0: expected 1 to 10000"},
-                  {"-o ''", "the folder for the frames has no name"},
-                  {"", "--output is required"}});
-  expect_refused(2, "run -f HoleFillingFilter ",
-                 {{"in/a.png --truth truth -o truth", "would replace the input truth/a.png"}});
+  expect_refused(2, "",
+                 {{"camera -o results --pack-mode 3 --mono", "--pack-mode 3: has to be 1, 2 or 4 with"},
+                  {"camera -o results --frames 0", "--frames 0: expected 1 to 10000"},
+                  {"camera -o ''", "the folder for the frames has no name"},
+                  {"camera", "--output is required"},
+                  {"run -f HoleFillingFilter in/a.png --truth truth -o truth",
+                   "would replace the input truth/a.png"}});
   put("truth/a.pgm", Image{1, 1, {1}});
-  expect_refused(2, start, {{"in/a.png --truth truth", "would both be the truth of in/a.png"}});
+  expect_refused(run(start + "in/a.png --truth truth"), 2, "would both be the truth of in/a.png");
   fs::remove(folder_ / "truth/a.png");
-  expect_refused(1, start,
-                 {{"in/a.png --truth truth", "truth/a.pgm: is 1x1; expected 3x3, the size of in/a.png"}});
+  expect_refused(run(start + "in/a.png --truth truth"), 1,
+                 "truth/a.pgm: is 1x1; expected 3x3, the size of in/a.png");
 }
 
 TEST_F(Program, RefusesWrongUsage) {
-  put("in/a.png", kHoles);
-  put("in/a.pgm", kHoles);
-  put("in/a.raw", kHoles);
+  for (const char* name : {"in/a.png", "in/a.pgm", "in/a.raw"}) put(name, kHoles);
   expect_refused(
       2, "",
       {{"", "subcommand is required"},
        {"rnu", "unknown command rnu; did you mean run?"},
        {"--bogus", "unknown option --bogus; known: --help"},
        {"schema HoleFilingFilter", "unknown filter HoleFilingFilter; did you mean HoleFillingFilter?"},
-       {"run in/a.png -o results", "no filter is named"}});
+       {"run in/a.png -o results", "no filter is named"},
+       {"run -f HoleFillingFilter in/a.png -o in/../in", "would replace the input in/a.png"}});
   expect_refused(2, "run -o results -f HoleFillingFilter",
                  {{"", "INPUT is required"},
                   {":hole_filling_mod=1 in/a.png", "did you mean hole_filling_mode?"},
@@ -338,8 +280,6 @@ TEST_F(Program, RefusesWrongUsage) {
                   {" in/a.png in/a.pgm --format npy",
                    "in/a.pgm and in/a.png would both be written to results/a.npy"},
                   {" in/a.png in/../in/a.png", "would both be written"}});
-  expect_refused(2, "run -f HoleFillingFilter ",
-                 {{"in/a.png -o in/../in", "would replace the input in/a.png"}});
   EXPECT_EQ(get("in/a.png"), kHoles);
 }
 
@@ -349,7 +289,7 @@ TEST_F(Program, RefusesBadInputsAndLeavesNothingBehind) {
   put("cut.png", truncated);
   put("colour.png", encode_png(ColorImage{1, 1, {{1, 2, 3}}}));
   put("other.raw", Image{2, 2, {1, 2, 3, 4}});
-  put("large.png", Bytes{1});
+  put("large.png", "x");
   fs::resize_file(folder_ / "large.png", std::uintmax_t{20} << 30);
   put("large.json", Bytes(20 << 20, '['));
   fs::create_symlink("/dev/zero", folder_ / "endless.png");
@@ -369,10 +309,8 @@ TEST_F(Program, RefusesBadInputsAndLeavesNothingBehind) {
 
 TEST_F(Program, ShowsTheControlCharactersOfFilesAndNames) {
   const std::string type = "{'descr': '\\u001b[2J', 'fortran_order': False, 'shape': (1, 1)}";
-  std::string npy = concat("\x93NUMPY\x01", '\0', static_cast<char>(type.size()), '\0', type);
-  const std::string camera = R"({"\u001b[2J\u0000": 1})";
-  put("in/\x1b[31m.npy", Bytes(npy.begin(), npy.end()));
-  put("c.json", Bytes(camera.begin(), camera.end()));
+  put("in/\x1b[31m.npy", concat("\x93NUMPY\x01", '\0', static_cast<char>(type.size()), '\0', type));
+  put("c.json", R"({"\u001b[2J\u0000": 1})");
   const std::string start = "run -f HoleFillingFilter -o results in ";
   for (const std::string& arguments : {start, start + "--camera c.json", start + "'\x1b.png'",
                                        std::string("camera -o results --frames '\x1b'"),
@@ -389,12 +327,9 @@ TEST_F(Program, ShowsTheControlCharactersOfFilesAndNames) {
 
 TEST_F(Program, SaysThatADiskOrStandardOutputIsFull) {
   put("in/a.raw", make_image(100, 100));
-  const Outcome disk =
-      run("run -f HoleFillingFilter in -o results --size 100x100", "trap '' XFSZ; ulimit -f 2; ");
-  EXPECT_EQ(disk.status, 1);
-  EXPECT_MENTIONS(disk.err, "zvfilter: results/a.raw: cannot be written: ");
-  EXPECT_EQ(listing("results"), Names{});
-  fs::remove_all(folder_ / "results");
+  expect_failed(run("run -f HoleFillingFilter in -o full --size 100x100", "trap '' XFSZ; ulimit -f 2; "),
+                1, "zvfilter: full/a.raw: cannot be written: ");
+  EXPECT_EQ(listing("full"), Names{});
   expect_refused(run("list", "exec > /dev/full; "), 1, "standard output cannot be written");
 }
 
@@ -403,52 +338,42 @@ TEST_F(Program, KeepsWholeResultsAndNoOthersWhenAnInputOrTheFolderFails) {
   put("in/b.raw", Image{2, 2, {1, 2, 3, 4}});
   expect_refused(run("run -f HoleFillingFilter in -o results --size 3x3"), 1, "in/b.raw: is truncated");
   put("in/a.png", kHoles);
-  put("in/b.png", Bytes{1});
-  EXPECT_EQ(run("run -f HoleFillingFilter in --include '*.png' -o results").status, 1);
+  put("in/b.png", "x");
+  EXPECT_MENTIONS(run("run -f HoleFillingFilter in --include '*.png' -o results").out,
+                  "1 of 2 frames written to results");
   EXPECT_EQ(listing("results"), Names{"a.png"});
 
   fs::create_directories(folder_ / "taken/a.raw/x");  // a folder in the way of the result
-  const Outcome outcome = run("run -f HoleFillingFilter in/a.raw -o taken --size 3x3");
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_MENTIONS(outcome.err, "zvfilter: taken/a.raw: cannot be written: ");
+  const std::string start = "run -f HoleFillingFilter in/a.raw --size 3x3 -o ";
+  expect_failed(run(start + "taken"), 1, "zvfilter: taken/a.raw: cannot be written: ");
   EXPECT_EQ(listing("taken"), Names{"a.raw"});
-  EXPECT_MENTIONS(run("run -f HoleFillingFilter in/a.raw -o out.txt --size 3x3").err,
-                  "zvfilter: out.txt: cannot be made: ");
+  expect_failed(run(start + "out.txt"), 1, "zvfilter: out.txt: cannot be made: ");
 }
 
 TEST_F(Program, WritesAReportThatHoldsItsRunAndNothingElse) {
   put("in/a.pgm", kHoles);
   put("in/<b>.pgm", kHoles);
-  const Outcome made = run("run -f 'fill=HoleFillingFilter:' in -o results --report pages/run.html");
-  ASSERT_EQ(made.status, 0) << made.err;
-  const std::string page = text_of(folder_ / "pages/run.html");
-  EXPECT_MENTIONS(page, "66.7\u202f% → 100.0\u202f%");  // six of nine pixels, then all
-  EXPECT_MENTIONS(page, "changed 33.3\u202f%");
-  EXPECT_MENTIONS(page, "-f fill=HoleFillingFilter: in -o results");
-  EXPECT_MENTIONS(page, "in/&lt;b&gt;.pgm");
-  EXPECT_EQ(page.find("<b>.pgm"), std::string::npos);
-  EXPECT_EQ(page.find("http://"), std::string::npos);
-  EXPECT_EQ(page.find("https://"), std::string::npos);
+  complete("run -f 'fill=HoleFillingFilter:' in -o far --report pages/run.html");
+  const std::string page = text_of("pages/run.html");
+  for (const char* part :
+       {"66.7\u202f% → 100.0\u202f%",  // six of nine pixels, then all
+        "changed 33.3\u202f%", "-f fill=HoleFillingFilter: in -o far", "in/&lt;b&gt;.pgm"})
+    EXPECT_MENTIONS(page, part);
+  for (const char* part : {"<b>.pgm", "http://", "https://"})
+    EXPECT_EQ(page.find(part), std::string::npos) << part;
+  complete("run -f HoleFillingFilter:hole_filling_mode=2 in -o near --report near.html --against far");
+  EXPECT_MENTIONS(text_of("near.html"), "Beside the results in far");
 
-  ASSERT_EQ(
-      run("run -f HoleFillingFilter:hole_filling_mode=2 in -o far --report far.html --against results")
-          .status,
-      0);
-  EXPECT_MENTIONS(text_of(folder_ / "far.html"), "Beside the results in results");
-}
-
-TEST_F(Program, RefusesAReportThatCannotBe) {
-  put("in/a.pgm", kHoles);
   fs::create_directory(folder_ / "other");
   put("other/b.pgm", kHoles);
-  expect_refused(run("run -f HoleFillingFilter: other -o in --report r.html --against in"), 2,
-                 "--against in: is the folder for the results");
   expect_refused(
-      2, "run -f HoleFillingFilter: in -o results ",
-      {{"--report r.html --report-frames 0,1", "--report-frames 1: expected numbers from 0 to 0"},
-       {"--report r.html --against other", "other: has no result named a"},
-       {"--report in/a.pgm", "in/a.pgm would replace the input in/a.pgm"},
-       {"--against other", "--against requires --report"}});
+      2, "run -f HoleFillingFilter: ",
+      {{"other -o in --report r.html --against in", "--against in: is the folder for the results"},
+       {"in/a.pgm -o results --report r.html --report-frames 0,1",
+        "--report-frames 1: expected numbers from 0 to 0"},
+       {"in/a.pgm -o results --report r.html --against other", "other: has no result named a"},
+       {"in/a.pgm -o results --report in/a.pgm", "in/a.pgm would replace the input in/a.pgm"},
+       {"in/a.pgm -o results --against other", "--against requires --report"}});
 }
 
 }  // namespace
