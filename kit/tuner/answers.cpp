@@ -15,8 +15,6 @@ namespace kit::tuner {
 
 namespace {
 
-constexpr std::size_t kPixelValues = 65536;
-
 std::vector<std::string> read_names(const JsonObject& object, const std::string& field) {
   const Json& names = object.find(field, "an array of texts");
   std::vector<std::string> texts;
@@ -107,8 +105,8 @@ std::string table_name(const FrameView& frame) {
 
 std::vector<float> make_table(const FrameView& frame) {
   const DepthReader reader(frame);
-  std::vector<float> table(kPixelValues);
-  for (std::size_t raw = 0; raw < kPixelValues; ++raw)
+  std::vector<float> table(kSampleValues);
+  for (std::size_t raw = 0; raw < kSampleValues; ++raw)
     table[raw] = static_cast<float>(reader.millimetres(static_cast<std::uint16_t>(raw)));
   return table;
 }
