@@ -143,7 +143,7 @@ void advise_command(const kit::FilterLibrary& library, AdviseOptions options, st
   print(advice, table, out);
   const std::string text = kit::chain_json({kit::concat("Advised for ", kit::join(run.inputs, " "), "."),
                                             run.attributes.camera, advice.chain});
-  kit::write_whole(options.output, kit::Bytes(text.begin(), text.end()), kit::Durability::synced);
+  kit::write_text(options.output, text, kit::Durability::synced);
   if (!run.report.file.empty()) write_report(library, run, advice.chain, source, table);
   out << kit::printable(kit::chain_text(advice.chain)) << "\nwritten to "
       << kit::printable(options.output.string()) << '\n';

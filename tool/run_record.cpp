@@ -43,9 +43,8 @@ void expect_same_run(const fs::path& folder, const std::string& record) {
     kit::refuse(file.string(),
                 ": is not there to say what made the results; --overwrite makes them anew");
   }
-  const kit::Bytes bytes = kit::read_whole(file, kMostBytes);
   const kit::Json found =
-      kit::parse_json_object({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file.string());
+      kit::parse_json_object(kit::read_text(file, kMostBytes), file.string());
   const kit::Json wanted = kit::Json::parse(record);
   for (const char* const part : {"chain", "frames", "inputs"}) {
     if (found.contains(part) && found[part] == wanted[part]) continue;

@@ -9,7 +9,6 @@ namespace kit {
 
 namespace {
 
-constexpr std::size_t kMostBytes = 65536;
 constexpr int kMostDepth = 8;
 
 /// Watches the parser: nothing is built of a text that goes too deep or says a thing twice.
@@ -36,8 +35,8 @@ class Watch {
 }  // namespace
 
 Json parse_json_object(std::string_view text, const std::string& label) {
-  if (text.size() > kMostBytes) {
-    fail(label, ": has ", text.size(), " bytes; at most ", kMostBytes, " are read");
+  if (text.size() > kMostJsonBytes) {
+    fail(label, ": has ", text.size(), " bytes; at most ", kMostJsonBytes, " are read");
   }
   Json json;
   try {
