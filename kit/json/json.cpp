@@ -34,9 +34,9 @@ class Watch {
 
 }  // namespace
 
-Json parse_json_object(std::string_view text, const std::string& label) {
-  if (text.size() > kMostJsonBytes) {
-    fail(label, ": has ", text.size(), " bytes; at most ", kMostJsonBytes, " are read");
+Json parse_json_object(std::string_view text, const std::string& label, std::size_t most) {
+  if (text.size() > most) {
+    fail(label, ": has ", text.size(), " bytes; at most ", most, " are read");
   }
   Json json;
   try {

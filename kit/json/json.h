@@ -22,8 +22,9 @@ using Json = nlohmann::ordered_json;
 inline constexpr std::size_t kMostJsonBytes = 65536;
 
 /// @param label of the text in messages
-/// @throws Error for a text of more than kMostJsonBytes, nested too deep, no JSON, no object, or that has a name twice in one object
-Json parse_json_object(std::string_view text, const std::string& label);
+/// @throws Error for a text of more than `most` bytes, nested too deep, no JSON, no object, or that has a name twice in one object
+Json parse_json_object(std::string_view text, const std::string& label,
+                       std::size_t most = kMostJsonBytes);
 
 /// The value as a message shows it.
 std::string shown(const Json& value);
