@@ -61,8 +61,7 @@ static void zv_chain_class_init(ZvChainClass* element) {
           nullptr, flags));
   gst_element_class_set_static_metadata(
       GST_ELEMENT_CLASS(element), "Chain of depth filters", "Filter/Effect/Video",
-      "A chain of filters for 16-bit depth images, from a file or a text",
-      "FilterProcessor maintainers <maintainers@filterprocessor.invalid>");
+      "A chain of filters for 16-bit depth images, from a file or a text", zvgst::kAuthor);
 }
 
 static void zv_chain_init(ZvChain* element) {

@@ -33,7 +33,7 @@ void set_property(GObject* object, guint id, const GValue* value, GParamSpec*) {
 }
 
 void get_property(GObject* object, guint id, GValue* value, GParamSpec*) {
-  zvgst::set_number(value, id - 1, chain_of(object).asked_input(id - 1));
+  zvgst::set_number(value, chain_of(object).asked_input(id - 1).value_or(zvgst::default_of(id - 1)));
 }
 
 void finalize(GObject* object) {

@@ -19,6 +19,9 @@ GType zv_depth_element_get_type();
 
 namespace zvgst {
 
+inline constexpr const char* kAuthor =
+    "FilterProcessor maintainers <maintainers@filterprocessor.invalid>";
+
 inline ZvDepthElement* depth_element(gpointer object) {
   return G_TYPE_CHECK_INSTANCE_CAST(object, zv_depth_element_get_type(), ZvDepthElement);
 }

@@ -1,6 +1,5 @@
 // An element for each filter: its properties are the parameters of the filter's schema.
 #include <charconv>
-#include <cmath>
 
 #include "depth_element.h"
 
@@ -40,17 +39,8 @@ void set_property(GObject* object, guint id, const GValue* value, GParamSpec*) {
 
 void get_property(GObject* object, guint id, GValue* value, GParamSpec*) {
   const zvf_parameter parameter = parameter_of(object, id);
-  const double number =
-      depth_element(object)->chain->asked_value(parameter.name).value_or(parameter.default_value);
-  if (G_VALUE_HOLDS_INT(value)) {
-    g_value_set_int(value, static_cast<int>(number));
-  } else if (G_VALUE_HOLDS_UINT(value)) {
-    g_value_set_uint(value, static_cast<guint>(number));
-  } else if (G_VALUE_HOLDS_BOOLEAN(value)) {
-    g_value_set_boolean(value, number != 0);
-  } else {
-    g_value_set_double(value, number);
-  }
+  const auto asked = depth_element(object)->chain->asked_value(parameter.name);
+  set_number(value, asked.value_or(parameter.default_value));
 }
 
 GParamSpec* spec_of(const zvf_parameter& p) {
@@ -81,10 +71,9 @@ void init_class(gpointer type, gpointer number) {
   zvf_parameter parameter;
   for (std::size_t i = 0; zvf_parameter_at(element->filter, i, &parameter); ++i)
     g_object_class_install_property(object, static_cast<guint>(i + 1), spec_of(parameter));
-  gst_element_class_set_static_metadata(
-      GST_ELEMENT_CLASS(type), zvf_filter_name(element->filter), "Filter/Effect/Video",
-      zvf_filter_summary(element->filter),
-      "FilterProcessor maintainers <maintainers@filterprocessor.invalid>");
+  gst_element_class_set_static_metadata(GST_ELEMENT_CLASS(type), zvf_filter_name(element->filter),
+                                        "Filter/Effect/Video", zvf_filter_summary(element->filter),
+                                        kAuthor);
 }
 
 void init(GTypeInstance* instance, gpointer type) {

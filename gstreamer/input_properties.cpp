@@ -109,23 +109,27 @@ void install_input_properties(GObjectClass* element) {
     g_object_class_install_property(element, static_cast<guint>(i + 1), spec_of(kProperties[i], flags));
 }
 
+double default_of(std::size_t property) { return kProperties[property].get(defaults()); }
+
 double number_of(const GValue* value) {
   if (G_VALUE_HOLDS_ENUM(value)) return g_value_get_enum(value);
   if (G_VALUE_HOLDS_INT(value)) return g_value_get_int(value);
+  if (G_VALUE_HOLDS_UINT(value)) return g_value_get_uint(value);
   if (G_VALUE_HOLDS_BOOLEAN(value)) return g_value_get_boolean(value) != FALSE ? 1 : 0;
   return g_value_get_double(value);
 }
 
-void set_number(GValue* value, std::size_t property, const std::optional<double>& number) {
-  const double n = number ? *number : kProperties[property].get(defaults());
+void set_number(GValue* value, double number) {
   if (G_VALUE_HOLDS_ENUM(value)) {
-    g_value_set_enum(value, static_cast<int>(n));
+    g_value_set_enum(value, static_cast<int>(number));
   } else if (G_VALUE_HOLDS_INT(value)) {
-    g_value_set_int(value, static_cast<int>(n));
+    g_value_set_int(value, static_cast<int>(number));
+  } else if (G_VALUE_HOLDS_UINT(value)) {
+    g_value_set_uint(value, static_cast<guint>(number));
   } else if (G_VALUE_HOLDS_BOOLEAN(value)) {
-    g_value_set_boolean(value, n != 0);
+    g_value_set_boolean(value, number != 0);
   } else {
-    g_value_set_double(value, n);
+    g_value_set_double(value, number);
   }
 }
 

@@ -18,9 +18,11 @@ using InputValues = std::array<std::optional<double>, kInputProperties>;
 
 /// Gives an element's class the properties that say what samples mean, numbered from 1.
 void install_input_properties(GObjectClass* element);
-/// The number that a value of such a property stands for, and back.
+/// What it is where nothing was set.
+double default_of(std::size_t property);
+/// The number that a value of any number's type, a flag or an enumeration stands for, and back.
 double number_of(const GValue* value);
-void set_number(GValue* value, std::size_t property, const std::optional<double>& number);
+void set_number(GValue* value, double number);
 
 /// Puts what was set into `input`.
 /// @return what is missing beside it; empty: nothing

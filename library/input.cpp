@@ -9,40 +9,38 @@ namespace {
 
 constexpr std::uint32_t kMostSide = 32767;  // the intrinsics of a frame have sides of 16 bits with a sign
 
-// The host's record is packed: its fields can be read and written by name only.
-ZVDisparityParam disparity_of(const zvf_geometry& g) {
-  ZVDisparityParam d = {};
-  d.zpd = g.zpd;
-  d.zpps = g.zpps;
-  d.baseline = g.baseline;
-  d.fx = g.fx;
-  d.bitSize = g.bits;
-  d.unit = g.unit;
-  d.minDisparity = g.min_disparity;
-  d.packMode = g.pack_mode;
-  d.dispOffset = g.disparity_offset;
-  d.invalidDisp = g.invalid_disparity;
-  d.dispIntPlace = g.integer_bits;
-  d.isDualCamera = g.dual_camera ? 1 : 0;
-  return d;
+// The fields of zvf_geometry and of the host's record, which is packed: they can be read and written by name only.
+#define GEOMETRY_FIELDS(PAIR)          \
+  PAIR(zpd, zpd)                       \
+  PAIR(zpps, zpps)                     \
+  PAIR(baseline, baseline)             \
+  PAIR(fx, fx)                         \
+  PAIR(bits, bitSize)                  \
+  PAIR(unit, unit)                     \
+  PAIR(min_disparity, minDisparity)    \
+  PAIR(pack_mode, packMode)            \
+  PAIR(disparity_offset, dispOffset)   \
+  PAIR(invalid_disparity, invalidDisp) \
+  PAIR(integer_bits, dispIntPlace)     \
+  PAIR(dual_camera, isDualCamera)
+
+ZVDisparityParam disparity_of(const zvf_geometry& geometry) {
+  ZVDisparityParam record = {};
+#define PUT(own, host) record.host = geometry.own;
+  GEOMETRY_FIELDS(PUT)
+#undef PUT
+  return record;
 }
 
-zvf_geometry geometry_of(const ZVDisparityParam& d) {
-  zvf_geometry g = {};
-  g.zpd = d.zpd;
-  g.zpps = d.zpps;
-  g.baseline = d.baseline;
-  g.fx = d.fx;
-  g.bits = d.bitSize;
-  g.unit = d.unit;
-  g.min_disparity = d.minDisparity;
-  g.pack_mode = d.packMode;
-  g.disparity_offset = d.dispOffset;
-  g.invalid_disparity = d.invalidDisp;
-  g.integer_bits = d.dispIntPlace;
-  g.dual_camera = d.isDualCamera != 0;
-  return g;
+zvf_geometry geometry_of(const ZVDisparityParam& record) {
+  zvf_geometry geometry = {};
+#define TAKE(own, host) geometry.own = record.host;
+  GEOMETRY_FIELDS(TAKE)
+#undef TAKE
+  return geometry;
 }
+
+#undef GEOMETRY_FIELDS
 
 void expect(bool holds, const char* field, const char* expected) {
   if (!holds) kit::refuse_key(field, "the input's ", field, " is wrong; expected ", expected);

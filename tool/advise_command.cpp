@@ -17,7 +17,36 @@ namespace zvfilter {
 
 namespace {
 
-kit::ReportTable table_of(const kit::Advice& advice) {
+/// What is asked for; the footage is not in it yet.
+kit::AdviceRequest request_of(AdviseOptions& options) {
+  RunOptions& run = options.run;
+  kit::AdviceRequest request;
+  const bool has_chain = !run.filters.empty() || !run.chain.empty() || !run.preset.empty();
+  if (has_chain) request.chain = open_chain(run);
+  if (!has_chain && !run.settings.empty())
+    kit::refuse("--set is for the steps of a chain, and none is given");
+  if (!options.step.empty()) {
+    request.step = kit::find_step(request.chain, options.step);
+    if (!request.step)
+      kit::refuse("--step ", options.step, ": the chain has no such step, or more than one");
+  }
+  request.seed = options.seed;
+  request.evaluations = options.evaluations;
+  request.seconds = options.seconds;
+  request.stop = Interruption::asked;
+  return request;
+}
+
+/// How much was looked at, and how the same is found again.
+std::string extent_of(const kit::Advice& advice, const AdviseOptions& options) {
+  if (options.evaluations)
+    return kit::concat(advice.evaluations, " evaluations, seed ", options.seed, ".");
+  if (advice.evaluations == 0) return "No evaluation in the time given; a longer --budget finds more.";
+  return kit::concat(advice.evaluations, " evaluations in the time given; --evaluations ",
+                     advice.evaluations, " makes the answer the same every time.");
+}
+
+kit::ReportTable table_of(const kit::Advice& advice, const AdviseOptions& options) {
   kit::ReportTable table{advice.held_out ? "On frames held out" : "On the frames searched on", {}, {}};
   std::vector<std::string> heading = {"measure"};
   for (const kit::AdviceRow& row : advice.rows) heading.push_back(row.name);
@@ -37,6 +66,9 @@ kit::ReportTable table_of(const kit::Advice& advice) {
     total.push_back(kit::concat(std::round(1000 * row.loss) / 1000));
   total.insert(total.end(), {"", ""});
   table.rows.push_back(std::move(total));
+  table.sentences = advice.reasons;
+  table.sentences.insert(table.sentences.end(), advice.remarks.begin(), advice.remarks.end());
+  table.sentences.push_back(extent_of(advice, options));
   return table;
 }
 
@@ -76,30 +108,12 @@ void write_report(const kit::FilterLibrary& library, const RunOptions& options, 
   page.write(results);
 }
 
-/// How much was looked at, and how the same is found again.
-std::string extent_of(const kit::Advice& advice, const AdviseOptions& options) {
-  if (options.evaluations)
-    return kit::concat(advice.evaluations, " evaluations, seed ", options.seed, ".");
-  if (advice.evaluations == 0) return "No evaluation in the time given; a longer --budget finds more.";
-  return kit::concat(advice.evaluations, " evaluations in the time given; --evaluations ",
-                     advice.evaluations, " makes the answer the same every time.");
-}
-
 }  // namespace
 
 void advise_command(const kit::FilterLibrary& library, AdviseOptions options, std::ostream& out,
                     std::ostream& notes) {
   RunOptions& run = options.run;
-  kit::AdviceRequest request;
-  const bool has_chain = !run.filters.empty() || !run.chain.empty() || !run.preset.empty();
-  if (has_chain) request.chain = open_chain(run);
-  if (!has_chain && !run.settings.empty())
-    kit::refuse("--set is for the steps of a chain, and none is given");
-  if (!options.step.empty()) {
-    request.step = kit::find_step(request.chain, options.step);
-    if (!request.step)
-      kit::refuse("--step ", options.step, ": the chain has no such step, or more than one");
-  }
+  kit::AdviceRequest request = request_of(options);
   if (options.output.empty()) kit::refuse("the chain file to write has no name");
   run.output.folder = ".";  // names results, which are not written
   std::vector<Sequence> sequences = open_sequences(run, notes);
@@ -122,10 +136,6 @@ void advise_command(const kit::FilterLibrary& library, AdviseOptions options, st
     request.weights = kit::default_weights(!request.footage.truth.empty());
     for (const std::string& weight : options.weights) kit::set_weight(*request.weights, weight);
   }
-  request.seed = options.seed;
-  request.evaluations = options.evaluations;
-  request.seconds = options.seconds;
-  request.stop = Interruption::asked;
   std::optional<Progress> progress;
   request.progress = [&](const kit::AdviceProgress& now) {
     if (!progress) progress.emplace(now.limit);
@@ -134,14 +144,11 @@ void advise_command(const kit::FilterLibrary& library, AdviseOptions options, st
   const kit::Advice advice = kit::advise(library, request);
   progress.reset();
 
-  kit::ReportTable table = table_of(advice);
-  table.sentences = advice.reasons;
-  table.sentences.insert(table.sentences.end(), advice.remarks.begin(), advice.remarks.end());
-  table.sentences.push_back(extent_of(advice, options));
+  const kit::ReportTable table = table_of(advice, options);
   print(advice, table, out);
   const std::string text = kit::chain_json({kit::concat("Advised for ", kit::join(run.inputs, " "), "."),
                                             run.attributes.camera, advice.chain});
-  kit::write_whole(options.output, kit::Bytes(text.begin(), text.end()), kit::Durability::synced);
+  kit::write_text(options.output, text, kit::Durability::synced);
   if (!run.report.file.empty()) write_report(library, run, advice.chain, source, table);
   out << kit::printable(kit::chain_text(advice.chain)) << "\nwritten to "
       << kit::printable(options.output.string()) << '\n';

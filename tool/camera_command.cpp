@@ -40,8 +40,7 @@ void write_frames(const kit::FrameSource& source, const fs::path& folder, const 
     kit::write_whole(truth / name, kit::encode_png(*made.truth), durability);
     progress.show(i + 1);
   }
-  kit::write_whole(folder / kit::kCameraFile, kit::Bytes(camera.begin(), camera.end()),
-                   kit::Durability::synced);
+  kit::write_text(folder / kit::kCameraFile, camera, kit::Durability::synced);
 }
 
 }  // namespace

@@ -93,7 +93,7 @@ void chain_convert_command(const kit::FilterLibrary& library, const ChainConvert
   if (options.output.empty()) {
     out << text;
   } else {
-    kit::write_whole(options.output, kit::Bytes(text.begin(), text.end()), kit::Durability::synced);
+    kit::write_text(options.output, text, kit::Durability::synced);
   }
 }
 

@@ -85,8 +85,7 @@ void FileDestination::begin() {
   for (std::size_t i = 0; i < outputs_.size(); ++i) {
     if (!present_[i]) remove_results(outputs_[i]);
   }
-  const kit::Bytes text(record_.begin(), record_.end());
-  kit::write_whole(folder_ / kRecordFile, text, kit::Durability::buffered);
+  kit::write_text(folder_ / kRecordFile, record_, kit::Durability::buffered);
 }
 
 std::size_t FileDestination::write_stacked(const OutputFiles& files, const kit::FrameView& after,

@@ -1,7 +1,9 @@
 #include <exception>
+#include <functional>
 #include <iostream>
 #include <malloc.h>
 #include <new>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -11,28 +13,141 @@
 #include "kit/plugin/plugin.h"
 #include "run_report.h"
 
+namespace zvfilter {
+
 namespace {
 
-// Exit statuses.
-constexpr int kRun = 1;        // something went wrong while doing what was asked
-constexpr int kUsage = 2;      // what was asked makes no sense
-constexpr int kStopped = 130;  // as a shell says it of a program that a signal ended
+/// The command line: what it may say, and what is done of it.
+class CommandLine {
+ public:
+  CommandLine(int argc, char** argv);
+  /// @return the exit status
+  int run();
 
-struct Arguments {
-  std::optional<std::string> plugin;
-  bool json = false;
-  std::string filter;
-  std::string preset;
-  zvfilter::RunOptions run;
-  zvfilter::TuneOptions tune;
-  zvfilter::AdviseOptions advise;
-  zvfilter::CameraCommandOptions camera;
-  std::vector<std::string> chains;
-  zvfilter::ChainConvertOptions convert;
+ private:
+  /// A command, and what it does once the words are read.
+  CLI::App* add(CLI::App& parent, const char* name, const char* description,
+                std::function<void()> action);
+  void add_words();
+  void add_frames();
+  void add_chains();
+  /// Says what the command line should have been.
+  [[noreturn]] void refuse(const CLI::ParseError& problem) const;
+  kit::FilterLibrary library() const;
+  std::vector<std::string> words() const { return {argv_, argv_ + argc_}; }
+
+  int argc_;
+  char** argv_;
+  CLI::App app_;
+  std::vector<std::pair<const CLI::App*, std::function<void()>>> actions_;
+  std::optional<std::string> plugin_;
+  bool json_ = false;
+  std::string filter_;
+  std::string preset_;
+  RunOptions run_;
+  TuneOptions tune_;
+  AdviseOptions advise_;
+  CameraCommandOptions camera_;
+  std::vector<std::string> chains_;
+  ChainConvertOptions convert_;
 };
 
-kit::FilterLibrary open_plugin(const std::optional<std::string>& file) {
-  if (file) return kit::load_plugin(*file);
+CommandLine::CommandLine(int argc, char** argv)
+    : argc_(argc),
+      argv_(argv),
+      app_("Lists the filters of the plug-in and runs chains of them on depth images.", "zvfilter") {
+  app_.set_version_flag("--version", "zvfilter " ZVFILTER_VERSION);
+  app_.add_option("--plugin", plugin_, "The plug-in to load instead of the program's own")
+      ->type_name("PATH");
+  app_.set_config("--config", "", "Options from an INI or TOML file; [run] heads those of run")
+      ->type_name("FILE");
+  app_.allow_config_extras(CLI::config_extras_mode::error);
+  app_.require_subcommand(1);
+  app_.fallthrough();
+  add_words();
+  add_frames();
+  add_chains();
+  describe_camera(*add(app_, "camera",
+                       "Write disparity frames of a virtual stereo camera, its parameters (camera.json) "
+                       "and the true depth in millimetres (truth/)",
+                       [this] { camera_command(camera_, std::cout); }),
+                  camera_);
+}
+
+CLI::App* CommandLine::add(CLI::App& parent, const char* name, const char* description,
+                           std::function<void()> action) {
+  CLI::App* const command = parent.add_subcommand(name, description);
+  actions_.emplace_back(command, std::move(action));
+  return command;
+}
+
+/// What filters and presets there are.
+void CommandLine::add_words() {
+  add(app_, "list", "List the filters and their parameters", [this] {
+    list_command(library(), json_, std::cout);
+  })->add_flag("--json", json_, "As JSON");
+  add(app_, "help", "Say what a filter does, when to use it and what its parameters mean",
+      [this] { help_command(library(), filter_, std::cout); })
+      ->add_option("FILTER", filter_, "The filter; without it all of them, in a line each")
+      ->type_name("");
+  add(app_, "presets", "List the chains for common purposes, or print one",
+      [this] { presets_command(preset_, std::cout); })
+      ->add_option("NAME", preset_, "The preset to print, as a chain file")
+      ->type_name("");
+  add(app_, "schema", "Print a filter's configuration schema as it is",
+      [this] { schema_command(library(), filter_, std::cout); })
+      ->add_option("NAME", filter_, "The filter")
+      ->required()
+      ->type_name("");
+}
+
+/// What is done with frames.
+void CommandLine::add_frames() {
+  describe_run(*add(app_, "run", "Run a chain of filters on a sequence of images",
+                    [this] {
+                      run_.report.command = command_text(words());
+                      run_command(library(), run_, std::cout, std::cerr);
+                    }),
+               run_);
+  describe_bench(*add(app_, "bench", "Measure how many frames a second a run makes",
+                      [this] { bench_command(library(), run_, std::cout); }),
+                 run_);
+  describe_tune(*add(app_, "tune", "Try chains of filters on a sequence of images in a browser",
+                     [this] {
+                       tune_.words.assign(argv_ + 1, argv_ + argc_);
+                       tune_command(library(), tune_, std::cout, std::cerr);
+                     }),
+                tune_);
+  describe_advise(*add(app_, "advise", "Find filters and values that suit a recording",
+                       [this] {
+                         advise_.run.report.command = command_text(words());
+                         advise_command(library(), advise_, std::cout, std::cerr);
+                       }),
+                  advise_);
+}
+
+void CommandLine::add_chains() {
+  CLI::App& chain = *app_.add_subcommand("chain", "Check, show and convert chains of filters");
+  chain.require_subcommand(1);
+  add(chain, "check", "Say what is wrong with chains",
+      [this] { chain_check_command(library(), chains_, std::cout); })
+      ->add_option("CHAIN", chains_, "Chain files or texts of steps")
+      ->required()
+      ->type_name("");
+  add(chain, "show", "Print the steps of a chain with all their values",
+      [this] { chain_show_command(library(), convert_.source, std::cout); })
+      ->add_option("CHAIN", convert_.source, "A chain file or the text of steps")
+      ->required()
+      ->type_name("");
+  describe_chain_convert(*add(chain, "convert", "Turn a chain into a chain file or the text of its steps",
+                              [this] { chain_convert_command(library(), convert_, std::cout); }),
+                         convert_);
+  add(chain, "schema", "Print the JSON Schema of chain files",
+      [this] { chain_schema_command(library(), std::cout); });
+}
+
+kit::FilterLibrary CommandLine::library() const {
+  if (plugin_) return kit::load_plugin(*plugin_);
   const auto own = [] {
     try {
       return kit::default_plugin_file();
@@ -43,119 +158,55 @@ kit::FilterLibrary open_plugin(const std::optional<std::string>& file) {
   return kit::load_plugin(own());
 }
 
-/// Says what the command line should have been.
-[[noreturn]] void refuse(const CLI::App& app, const CLI::ParseError& problem) {
-  if (app.get_subcommands().empty() && !app.remaining().empty()) {
-    const std::string unknown = app.remaining().front();
-    const bool option = unknown.starts_with('-');
-    const std::vector<std::string> options = {"--help", "--version", "--plugin"};
-    const std::vector<std::string> commands = {"list",  "help",   "presets", "schema", "run",
-                                               "bench", "advise", "tune",    "chain",  "camera"};
-    kit::refuse(option ? "unknown option " : "unknown command ", unknown, "; ",
-                kit::suggest(unknown, option ? options : commands));
+void CommandLine::refuse(const CLI::ParseError& problem) const {
+  const std::vector<CLI::App*> named = app_.get_subcommands();
+  if (named.empty() && !app_.remaining().empty()) {
+    const std::string unknown = app_.remaining().front();
+    std::vector<std::string> known;
+    if (unknown.starts_with('-')) {
+      for (const CLI::Option* option : app_.get_options()) known.push_back(option->get_name());
+      kit::refuse("unknown option ", unknown, "; ", kit::suggest(unknown, known));
+    }
+    const auto any = [](const CLI::App*) { return true; };
+    for (const CLI::App* command : app_.get_subcommands(any)) known.push_back(command->get_name());
+    kit::refuse("unknown command ", unknown, "; ", kit::suggest(unknown, known));
   }
-  const std::string command =
-      app.get_subcommands().empty() ? "" : app.get_subcommands().front()->get_name() + ' ';
+  const std::string command = named.empty() ? "" : named.front()->get_name() + ' ';
   kit::refuse(problem.what(), "; see zvfilter ", command, "--help");
 }
 
-int run_program(int argc, char** argv) {
-  CLI::App app("Lists the filters of the plug-in and runs chains of them on depth images.", "zvfilter");
-  Arguments arguments;
-  app.set_version_flag("--version", "zvfilter " ZVFILTER_VERSION);
-  app.add_option("--plugin", arguments.plugin, "The plug-in to load instead of the program's own")
-      ->type_name("PATH");
-  app.set_config("--config", "", "Options from an INI or TOML file; [run] heads those of run")
-      ->type_name("FILE");
-  app.allow_config_extras(CLI::config_extras_mode::error);
-  app.require_subcommand(1);
-  app.fallthrough();
-  CLI::App* list = app.add_subcommand("list", "List the filters and their parameters");
-  list->add_flag("--json", arguments.json, "As JSON");
-  CLI::App* help =
-      app.add_subcommand("help", "Say what a filter does, when to use it and what its parameters mean");
-  help->add_option("FILTER", arguments.filter, "The filter; without it all of them, in a line each")
-      ->type_name("");
-  CLI::App* presets = app.add_subcommand("presets", "List the chains for common purposes, or print one");
-  presets->add_option("NAME", arguments.preset, "The preset to print, as a chain file")->type_name("");
-  CLI::App* schema = app.add_subcommand("schema", "Print a filter's configuration schema as it is");
-  schema->add_option("NAME", arguments.filter, "The filter")->required()->type_name("");
-  CLI::App* run = app.add_subcommand("run", "Run a chain of filters on a sequence of images");
-  zvfilter::describe_run(*run, arguments.run);
-  CLI::App* bench = app.add_subcommand("bench", "Measure how many frames a second a run makes");
-  zvfilter::describe_bench(*bench, arguments.run);
-  CLI::App* tune =
-      app.add_subcommand("tune", "Try chains of filters on a sequence of images in a browser");
-  zvfilter::describe_tune(*tune, arguments.tune);
-  CLI::App* advise = app.add_subcommand("advise", "Find filters and values that suit a recording");
-  zvfilter::describe_advise(*advise, arguments.advise);
-  CLI::App* chain = app.add_subcommand("chain", "Check, show and convert chains of filters");
-  chain->require_subcommand(1);
-  CLI::App* check = chain->add_subcommand("check", "Say what is wrong with chains");
-  check->add_option("CHAIN", arguments.chains, "Chain files or texts of steps")
-      ->required()
-      ->type_name("");
-  CLI::App* show = chain->add_subcommand("show", "Print the steps of a chain with all their values");
-  show->add_option("CHAIN", arguments.convert.source, "A chain file or the text of steps")
-      ->required()
-      ->type_name("");
-  CLI::App* convert =
-      chain->add_subcommand("convert", "Turn a chain into a chain file or the text of its steps");
-  zvfilter::describe_chain_convert(*convert, arguments.convert);
-  const CLI::App* chain_schema = chain->add_subcommand("schema", "Print the JSON Schema of chain files");
-  CLI::App* camera = app.add_subcommand("camera",
-                                        "Write disparity frames of a virtual stereo camera, its "
-                                        "parameters (camera.json) and the true depth in "
-                                        "millimetres (truth/)");
-  zvfilter::describe_camera(*camera, arguments.camera);
-
+int CommandLine::run() {
   try {
-    app.parse(argc, argv);
+    app_.parse(argc_, argv_);
   } catch (const CLI::Success& wanted) {
-    return app.exit(wanted);
+    return app_.exit(wanted);
   } catch (const CLI::ParseError& problem) {
-    refuse(app, problem);
+    refuse(problem);
   } catch (const kit::Error&) {
     // The values of options are read first, but who asks for help gets it.
-    for (const CLI::App* command : app.get_subcommands()) {
-      if (command->get_help_ptr()->count() > 0) return app.exit(CLI::CallForHelp());
+    for (const CLI::App* command : app_.get_subcommands()) {
+      if (command->get_help_ptr()->count() > 0) return app_.exit(CLI::CallForHelp());
     }
     throw;
   }
-  if (list->parsed()) {
-    zvfilter::list_command(open_plugin(arguments.plugin), arguments.json, std::cout);
-  } else if (help->parsed()) {
-    zvfilter::help_command(open_plugin(arguments.plugin), arguments.filter, std::cout);
-  } else if (presets->parsed()) {
-    zvfilter::presets_command(arguments.preset, std::cout);
-  } else if (schema->parsed()) {
-    zvfilter::schema_command(open_plugin(arguments.plugin), arguments.filter, std::cout);
-  } else if (run->parsed()) {
-    arguments.run.report.command = zvfilter::command_text({argv, argv + argc});
-    zvfilter::run_command(open_plugin(arguments.plugin), arguments.run, std::cout, std::cerr);
-  } else if (bench->parsed()) {
-    zvfilter::bench_command(open_plugin(arguments.plugin), arguments.run, std::cout);
-  } else if (tune->parsed()) {
-    arguments.tune.words.assign(argv + 1, argv + argc);
-    zvfilter::tune_command(open_plugin(arguments.plugin), arguments.tune, std::cout, std::cerr);
-  } else if (advise->parsed()) {
-    arguments.advise.run.report.command = zvfilter::command_text({argv, argv + argc});
-    zvfilter::advise_command(open_plugin(arguments.plugin), arguments.advise, std::cout, std::cerr);
-  } else if (check->parsed()) {
-    zvfilter::chain_check_command(open_plugin(arguments.plugin), arguments.chains, std::cout);
-  } else if (show->parsed()) {
-    zvfilter::chain_show_command(open_plugin(arguments.plugin), arguments.convert.source, std::cout);
-  } else if (convert->parsed()) {
-    zvfilter::chain_convert_command(open_plugin(arguments.plugin), arguments.convert, std::cout);
-  } else if (chain_schema->parsed()) {
-    zvfilter::chain_schema_command(open_plugin(arguments.plugin), std::cout);
-  } else {
-    zvfilter::camera_command(arguments.camera, std::cout);
+  for (const auto& [command, action] : actions_) {
+    if (command->parsed()) action();
   }
   std::cout.flush();
   if (!std::cout) kit::fail("standard output cannot be written");
   return 0;
 }
+
+}  // namespace
+
+}  // namespace zvfilter
+
+namespace {
+
+// Exit statuses.
+constexpr int kRun = 1;        // something went wrong while doing what was asked
+constexpr int kUsage = 2;      // what was asked makes no sense
+constexpr int kStopped = 130;  // as a shell says it of a program that a signal ended
 
 /// Memory of one frame serves the next: it is neither given back nor taken anew, page by page.
 void keep_memory() {
@@ -169,7 +220,7 @@ void keep_memory() {
 int main(int argc, char** argv) {
   keep_memory();
   try {
-    return run_program(argc, argv);
+    return zvfilter::CommandLine(argc, argv).run();
   } catch (const kit::Error& problem) {
     std::cerr << "zvfilter: " << problem.what() << '\n';
     if (problem.kind() == kit::Error::Kind::bad_request) return kUsage;

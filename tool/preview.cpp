@@ -115,10 +115,6 @@ kit::ColorImage arrange(const std::vector<Panel>& panels) {
   return canvas.take();
 }
 
-bool same_size(const kit::FrameView& a, const kit::FrameView& b) {
-  return a.width == b.width && a.height == b.height;
-}
-
 }  // namespace
 
 Preview::Preview(const PreviewSettings& settings) : colors_(settings.colors), range_(settings.range) {}

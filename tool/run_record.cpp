@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kMostBytes = 1 << 20;
+constexpr std::size_t kMostBytes = 64 << 20;  // more than a command line has names for
 
 std::string input_name(const RunOptions& options, const std::string& input) {
   if (options.camera_input || is_standard(input)) return input;
@@ -43,9 +43,8 @@ void expect_same_run(const fs::path& folder, const std::string& record) {
     kit::refuse(file.string(),
                 ": is not there to say what made the results; --overwrite makes them anew");
   }
-  const kit::Bytes bytes = kit::read_whole(file, kMostBytes);
   const kit::Json found =
-      kit::parse_json_object({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file.string());
+      kit::parse_json_object(kit::read_text(file, kMostBytes), file.string(), kMostBytes);
   const kit::Json wanted = kit::Json::parse(record);
   for (const char* const part : {"chain", "frames", "inputs"}) {
     if (found.contains(part) && found[part] == wanted[part]) continue;

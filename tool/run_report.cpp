@@ -97,8 +97,7 @@ void RunReport::write(const kit::ChainResults& results) {
   report_.set_accuracy(std::move(accuracy));
   const std::string page = report_.html();
   if (file_.has_parent_path()) kit::make_folder(file_.parent_path());
-  kit::write_whole(file_, {reinterpret_cast<const unsigned char*>(page.data()), page.size()},
-                   kit::Durability::synced);
+  kit::write_text(file_, page, kit::Durability::synced);
 }
 
 std::string command_text(const std::vector<std::string>& words) {

@@ -27,7 +27,7 @@ std::vector<std::uint16_t> Lattice::sample(std::span<const std::uint16_t> pixels
 }
 
 InverseTable::InverseTable(const FrameView& frame)
-    : values_(std::make_unique<std::array<float, 65536>>()) {
+    : values_(std::make_unique<std::array<float, kSampleValues>>()) {
   const DepthReader reader(frame);
   for (std::size_t pixel = 0; pixel < values_->size(); ++pixel) {
     const double depth = reader.millimetres(static_cast<std::uint16_t>(pixel));

@@ -40,7 +40,7 @@ class InverseTable {
   Inverses operator()(std::span<const std::uint16_t> pixels) const;
 
  private:
-  std::unique_ptr<std::array<float, 65536>> values_;
+  std::unique_ptr<std::array<float, kSampleValues>> values_;
 };
 
 }  // namespace kit

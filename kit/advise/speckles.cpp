@@ -14,7 +14,7 @@ constexpr std::size_t kCell = 24;
 class ValueFinder {
  public:
   explicit ValueFinder(const PlantedFrame& planted) : inverses_(planted.inverses) {
-    for (std::size_t i = 0; i < 65536; ++i) {
+    for (std::size_t i = 0; i < kSampleValues; ++i) {
       const auto value = static_cast<std::uint16_t>(i);
       if (inverses_[value] > 0) values_.push_back(value);
     }

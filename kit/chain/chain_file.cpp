@@ -12,7 +12,6 @@ namespace kit {
 namespace {
 
 constexpr int kVersion = 1;
-constexpr std::size_t kMostBytes = 65536;
 
 /// Whole numbers as such, others as the shortest text that reads as the number.
 std::optional<std::string> value_text(const Json& value) {
@@ -138,8 +137,7 @@ ChainFile parse_chain(std::string_view text, const std::string& label) {
 }
 
 ChainFile read_chain_file(const std::filesystem::path& file) {
-  const Bytes bytes = read_whole(file, kMostBytes);
-  return parse_chain({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file.string());
+  return parse_chain(read_text(file, kMostJsonBytes), file.string());
 }
 
 bool is_chain_file(const std::string& source) {

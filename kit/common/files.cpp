@@ -100,6 +100,11 @@ Bytes read_whole(const fs::path& file, std::size_t most) {
   }
 }
 
+std::string read_text(const fs::path& file, std::size_t most) {
+  const Bytes bytes = read_whole(file, most);
+  return {bytes.begin(), bytes.end()};
+}
+
 PendingFile::PendingFile(const fs::path& file) : file_(file), descriptor_(create()) {}
 
 PendingFile::~PendingFile() {
@@ -171,6 +176,10 @@ void write_whole(const fs::path& file, ByteView bytes, Durability durability) {
   PendingFile pending(file);
   pending.write(bytes);
   pending.publish(durability);
+}
+
+void write_text(const fs::path& file, std::string_view text, Durability durability) {
+  write_whole(file, {reinterpret_cast<const unsigned char*>(text.data()), text.size()}, durability);
 }
 
 }  // namespace kit

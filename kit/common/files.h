@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "kit/common/descriptor.h"
@@ -18,6 +20,7 @@ void make_folder(const std::filesystem::path& folder);
 
 /// @throws Error, before anything is read, when it is not a regular file or has more than `most` bytes
 Bytes read_whole(const std::filesystem::path& file, std::size_t most);
+std::string read_text(const std::filesystem::path& file, std::size_t most);
 
 enum class Durability {
   buffered,  ///< a file is on its storage when the system gets to it
@@ -67,6 +70,7 @@ class ReadableFile {
 /// A file of these bytes, as a PendingFile.
 /// @throws Error
 void write_whole(const std::filesystem::path& file, ByteView bytes, Durability durability);
+void write_text(const std::filesystem::path& file, std::string_view text, Durability durability);
 
 }  // namespace kit
 

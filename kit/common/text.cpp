@@ -57,8 +57,17 @@ std::string shortest_text(Number number) {
 
 }  // namespace
 
+std::string hex_text(std::span<const unsigned char> bytes) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string text;
+  for (const unsigned byte : bytes) {
+    text += digits[byte >> 4];
+    text += digits[byte & 15];
+  }
+  return text;
+}
+
 std::string printable(std::string_view text) {
-  constexpr const char* digits = "0123456789abcdef";
   std::string shown;
   while (!text.empty()) {
     const Character character = first_character(text);
@@ -68,7 +77,7 @@ std::string printable(std::string_view text) {
     } else {
       for (const char c : text.substr(0, length)) {
         const auto byte = static_cast<unsigned char>(c);
-        shown.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+        shown += "\\x" + hex_text({&byte, 1});
       }
     }
     text.remove_prefix(length);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <locale>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -23,6 +24,9 @@ std::string concat(const Parts&... parts) {
 /// The text as a terminal may get it: whatever is no visible character (controls, marks that turn the direction of
 /// writing, bytes that are no UTF-8) as \xNN for each of its bytes.
 std::string printable(std::string_view text);
+
+/// Two hexadecimal digits a byte.
+std::string hex_text(std::span<const unsigned char> bytes);
 
 std::string join(const std::vector<std::string>& texts, std::string_view separator);
 std::string lower_case(std::string_view text);

@@ -7,12 +7,6 @@
 
 namespace kit {
 
-namespace {
-
-constexpr std::size_t kMostBytes = 65536;
-
-}  // namespace
-
 std::string camera_json(const Frame& camera) {
   return input_json({camera, true, true}, false).dump(2) + '\n';
 }
@@ -26,8 +20,7 @@ Input parse_camera_json(std::string_view text, const std::string& label) {
 }
 
 Input read_camera_file(const std::filesystem::path& file) {
-  const Bytes bytes = read_whole(file, kMostBytes);
-  return parse_camera_json({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file.string());
+  return parse_camera_json(read_text(file, kMostJsonBytes), file.string());
 }
 
 std::optional<std::filesystem::path> find_camera_file(const std::vector<std::filesystem::path>& files) {

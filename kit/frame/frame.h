@@ -42,6 +42,10 @@ struct FrameView {
   }
 };
 
+inline bool same_size(const FrameView& a, const FrameView& b) {
+  return a.width == b.width && a.height == b.height;
+}
+
 inline ImageView image_of(const FrameView& frame) { return {frame.width, frame.height, frame.pixels}; }
 
 /// A copy of what the view says.

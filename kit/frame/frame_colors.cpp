@@ -10,12 +10,10 @@ namespace kit {
 
 namespace {
 
-constexpr std::size_t kPixelValues = 65536;
-
 /// By pixel value.
 std::vector<double> depths_of(const FrameView& frame) {
   const DepthReader reader(frame);
-  std::vector<double> depths(kPixelValues);
+  std::vector<double> depths(kSampleValues);
   for (std::size_t value = 0; value < depths.size(); ++value)
     depths[value] = reader.millimetres(static_cast<std::uint16_t>(value));
   return depths;
@@ -37,10 +35,10 @@ std::optional<DepthRange> depth_range(std::initializer_list<FrameView> frames) {
   std::vector<std::pair<double, std::uint64_t>> counted;
   std::uint64_t valid = 0;
   for (const FrameView& frame : frames) {
-    std::vector<std::uint64_t> histogram(kPixelValues);
+    std::vector<std::uint64_t> histogram(kSampleValues);
     for (const std::uint16_t pixel : frame.pixels) ++histogram[pixel];
     const std::vector<double> depths = depths_of(frame);
-    for (std::size_t value = 0; value < kPixelValues; ++value) {
+    for (std::size_t value = 0; value < kSampleValues; ++value) {
       if (histogram[value] == 0 || depths[value] == 0) continue;
       counted.emplace_back(depths[value], histogram[value]);
       valid += histogram[value];
@@ -53,8 +51,8 @@ std::optional<DepthRange> depth_range(std::initializer_list<FrameView> frames) {
 
 ColorImage color_image(const FrameView& frame, const DepthRange& range, ColorMap map) {
   const std::vector<double> depths = depths_of(frame);
-  std::vector<Rgb> colors(kPixelValues, hole_color(map));
-  for (std::size_t value = 0; value < kPixelValues; ++value) {
+  std::vector<Rgb> colors(kSampleValues, hole_color(map));
+  for (std::size_t value = 0; value < kSampleValues; ++value) {
     if (depths[value] == 0) continue;
     const double offset = depths[value] - range.near;
     colors[value] =

@@ -19,6 +19,9 @@ struct Size {
 /// "640x480": both above 0, or nothing.
 std::optional<Size> parse_size(std::string_view text);
 
+/// How many a sample may have.
+inline constexpr std::size_t kSampleValues = 65536;
+
 /// Samples that somebody else holds.
 struct ImageView {
   std::uint32_t width = 0;

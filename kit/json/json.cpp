@@ -9,7 +9,6 @@ namespace kit {
 
 namespace {
 
-constexpr std::size_t kMostBytes = 65536;
 constexpr int kMostDepth = 8;
 
 /// Watches the parser: nothing is built of a text that goes too deep or says a thing twice.
@@ -35,9 +34,9 @@ class Watch {
 
 }  // namespace
 
-Json parse_json_object(std::string_view text, const std::string& label) {
-  if (text.size() > kMostBytes) {
-    fail(label, ": has ", text.size(), " bytes; at most ", kMostBytes, " are read");
+Json parse_json_object(std::string_view text, const std::string& label, std::size_t most) {
+  if (text.size() > most) {
+    fail(label, ": has ", text.size(), " bytes; at most ", most, " are read");
   }
   Json json;
   try {

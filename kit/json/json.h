@@ -1,6 +1,7 @@
 #ifndef KIT_JSON_JSON_H
 #define KIT_JSON_JSON_H
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -17,9 +18,13 @@ namespace kit {
 
 using Json = nlohmann::ordered_json;
 
+/// Of a chain, a camera or a request of the tuner's page.
+inline constexpr std::size_t kMostJsonBytes = 65536;
+
 /// @param label of the text in messages
-/// @throws Error for a text that is too long, nested too deep, no JSON, no object, or that has a name twice in one object
-Json parse_json_object(std::string_view text, const std::string& label);
+/// @throws Error for a text of more than `most` bytes, nested too deep, no JSON, no object, or that has a name twice in one object
+Json parse_json_object(std::string_view text, const std::string& label,
+                       std::size_t most = kMostJsonBytes);
 
 /// The value as a message shows it.
 std::string shown(const Json& value);

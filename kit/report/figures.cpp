@@ -185,9 +185,8 @@ std::string figure_styles() {
 std::string figure_settings() {
   std::string out;
   for (std::size_t map = 0; map < kColorMapNames.size(); ++map) {
-    std::string colors = css_color(hole_color(static_cast<ColorMap>(map))).substr(1);
-    for (int i = 0; i < 255; ++i)
-      colors += css_color(color_of(static_cast<ColorMap>(map), i / 254.0)).substr(1);
+    std::string colors = hex_text(hole_color(static_cast<ColorMap>(map)));
+    for (int i = 0; i < 255; ++i) colors += hex_text(color_of(static_cast<ColorMap>(map), i / 254.0));
     out += concat(out.empty() ? "{" : ",", '"', kColorMapNames[map], "\":\"", colors, '"');
   }
   return out + "}";

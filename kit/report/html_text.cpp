@@ -50,12 +50,6 @@ std::string signed_text(double number, int places) {
   return (number < 0 ? "\u2212" : "+") + fixed_text(std::abs(number), places);
 }
 
-std::string css_color(const Rgb& color) {
-  std::string text = "#";
-  for (const unsigned part : color) {
-    for (const unsigned digit : {part >> 4, part & 15U}) text += "0123456789abcdef"[digit];
-  }
-  return text;
-}
+std::string css_color(const Rgb& color) { return '#' + hex_text(color); }
 
 }  // namespace kit

@@ -8,21 +8,15 @@
 
 namespace kit {
 
-namespace {
-
-constexpr std::size_t kPixelValues = 65536;
-
-}  // namespace
-
 Unit::Unit(const FrameView& frame)
     : is_depth_(frame.pixel_type != ZV_PIXEL_TYPE_DISPARITY),
       falls_(!is_depth_ && frame.disparity.packMode != 1) {}
 
 Meaning::Meaning(const Frame& frame)
     : scale_(Unit(frame).is_depth() ? static_cast<double>(frame.value_scale) : 1),
-      values_(kPixelValues, std::numeric_limits<double>::quiet_NaN()) {
+      values_(kSampleValues, std::numeric_limits<double>::quiet_NaN()) {
   const PixelReader reader(frame);
-  for (std::size_t pixel = 0; pixel < kPixelValues; ++pixel) {
+  for (std::size_t pixel = 0; pixel < kSampleValues; ++pixel) {
     const auto rank = reader.distance_rank(static_cast<std::uint16_t>(pixel));
     if (rank) values_[pixel] = *rank * scale_;
   }
@@ -30,9 +24,9 @@ Meaning::Meaning(const Frame& frame)
 
 void ValueCounts::add(const Frame& frame) {
   const Meaning meaning(frame);
-  std::vector<std::uint64_t> of_pixel(kPixelValues);
+  std::vector<std::uint64_t> of_pixel(kSampleValues);
   for (const std::uint16_t pixel : frame.pixels) ++of_pixel[pixel];
-  for (std::size_t pixel = 0; pixel < kPixelValues; ++pixel) {
+  for (std::size_t pixel = 0; pixel < kSampleValues; ++pixel) {
     const double value = meaning(static_cast<std::uint16_t>(pixel));
     if (of_pixel[pixel] > 0 && value == value) counts_.emplace_back(value, of_pixel[pixel]);
   }

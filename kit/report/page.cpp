@@ -73,7 +73,8 @@ class Page {
     };
     std::string page(report_files::page_html);
     page = fill(std::move(page), "title", escaped(settings_.input));
-    page = fill(std::move(page), "style", figure_styles() + std::string(report_files::page_css));
+    page = fill(std::move(page), "style",
+                concat(report_files::base_css, figure_styles(), report_files::page_css));
     page = fill(std::move(page), "script", std::string(report_files::page_js));
     page = fill(std::move(page), "settings", figure_settings());
     page = fill(std::move(page), "data", figures_.take_data());

@@ -75,10 +75,6 @@ bool same_shape(const Frame& a, const Frame& b) {
   return std::abs(wider - higher) <= 0.01 * wider;
 }
 
-bool same_size(const FrameView& a, const FrameView& b) {
-  return a.width == b.width && a.height == b.height;
-}
-
 Difference difference_of(const Frame& before, const Frame& after) {
   const Meaning old_meaning(before), new_meaning(after);
   std::vector<double> resized(before.pixels.size());  // the second in the size of the first

@@ -37,7 +37,6 @@ struct Difference {
 };
 /// Whether they have one shape; the larger may be some times as large.
 bool same_shape(const Frame& a, const Frame& b);
-bool same_size(const FrameView& a, const FrameView& b);
 /// Between sizes, each pixel of the first is set against the one at its place.
 Difference difference_of(const Frame& before, const Frame& after);
 

@@ -15,8 +15,6 @@ namespace kit::tuner {
 
 namespace {
 
-constexpr std::size_t kPixelValues = 65536;
-
 std::vector<std::string> read_names(const JsonObject& object, const std::string& field) {
   const Json& names = object.find(field, "an array of texts");
   std::vector<std::string> texts;
@@ -28,38 +26,28 @@ std::vector<std::string> read_names(const JsonObject& object, const std::string&
   return texts;
 }
 
-std::string colors_text(std::size_t count, const std::function<Rgb(double)>& color) {
-  constexpr std::string_view digits = "0123456789abcdef";
+/// The colours of a map at 256 even steps.
+std::string colors_text(const std::function<Rgb(double)>& color) {
   std::string text;
-  for (std::size_t i = 0; i < count; ++i) {
-    for (const unsigned char part : color(static_cast<double>(i) / static_cast<double>(count - 1))) {
-      text += digits[part >> 4];
-      text += digits[part & 15];
-    }
-  }
+  for (int i = 0; i < 256; ++i) text += hex_text(color(i / 255.0));
   return text;
 }
 
-/// Each map as the text of its colours at 256 even steps.
 Json describe_colors() {
-  constexpr std::size_t steps = 256;
   Json maps = Json::array();
-  for (const std::string name : {"turbo", "viridis", "grey"}) {
+  for (const std::string_view name : kColorMapNames) {
     const ColorMap map = *color_map_named(name);
     maps.push_back({{"name", name},
-                    {"colors", colors_text(steps, [&](double value) { return color_of(map, value); })},
-                    {"hole", colors_text(2, [&](double) { return hole_color(map); }).substr(0, 6)}});
+                    {"colors", colors_text([&](double value) { return color_of(map, value); })},
+                    {"hole", hex_text(hole_color(map))}});
   }
   const HoleColors holes;
-  const auto one = [](const Rgb& color) {
-    return colors_text(2, [&](double) { return color; }).substr(0, 6);
-  };
   return {{"maps", std::move(maps)},
           {"difference",
-           {{"colors", colors_text(steps, [](double value) { return signed_color(2 * value - 1); })},
-            {"filled", one(holes.filled)},
-            {"removed", one(holes.removed)},
-            {"hole", one(holes.hole)}}}};
+           {{"colors", colors_text([](double value) { return signed_color(2 * value - 1); })},
+            {"filled", hex_text(holes.filled)},
+            {"removed", hex_text(holes.removed)},
+            {"hole", hex_text(holes.hole)}}}};
 }
 
 /// The filters with what the schemas don't say: values that a filter refuses, and those that follow from the frames' size.
@@ -107,8 +95,8 @@ std::string table_name(const FrameView& frame) {
 
 std::vector<float> make_table(const FrameView& frame) {
   const DepthReader reader(frame);
-  std::vector<float> table(kPixelValues);
-  for (std::size_t raw = 0; raw < kPixelValues; ++raw)
+  std::vector<float> table(kSampleValues);
+  for (std::size_t raw = 0; raw < kSampleValues; ++raw)
     table[raw] = static_cast<float>(reader.millimetres(static_cast<std::uint16_t>(raw)));
   return table;
 }

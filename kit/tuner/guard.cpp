@@ -15,13 +15,7 @@ std::string make_token() {
   std::array<unsigned char, 16> bytes;
   if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size()))
     fail("the system gives no random numbers for the page's token");
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string token;
-  for (const unsigned char byte : bytes) {
-    token += digits[byte >> 4];
-    token += digits[byte & 15];
-  }
-  return token;
+  return hex_text(bytes);
 }
 
 /// In a time that says nothing of where the texts differ.

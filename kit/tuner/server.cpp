@@ -18,7 +18,6 @@ namespace kit::tuner {
 namespace {
 
 constexpr const char* kAddress = "127.0.0.1";
-constexpr std::size_t kMostBody = 65536;
 constexpr std::size_t kFrameBytes = std::size_t{512} << 20;  // that are kept
 // A connection holds a thread while it is open.
 constexpr std::size_t kThreads = 96;
@@ -111,7 +110,7 @@ class Server::Parts {
     http_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
       if (!response.body.empty()) return;
       say(response, response.status,
-          response.status == 413 ? concat("the body has more than ", kMostBody, " bytes")
+          response.status == 413 ? concat("the body has more than ", kMostJsonBytes, " bytes")
                                  : "the request cannot be read");
     });
   }
@@ -142,7 +141,7 @@ class Server::Parts {
     http_.set_keep_alive_timeout(kIdleSeconds);
     http_.set_read_timeout(kIdleSeconds);
     http_.set_write_timeout(kIdleSeconds);
-    http_.set_payload_max_length(kMostBody);
+    http_.set_payload_max_length(kMostJsonBytes);
     httplib::Headers headers(protective_headers().begin(), protective_headers().end());
     http_.set_default_headers(std::move(headers));
     if (port == 0)
@@ -206,7 +205,7 @@ class Server::Parts {
     const std::string json = chain_json(file);
     const std::lock_guard lock(saving_);
     if (finished_) fail("the tuner has ended");
-    write_whole(settings_.chain_file, Bytes(json.begin(), json.end()), Durability::synced);
+    write_text(settings_.chain_file, json, Durability::synced);
     response.set_content(Json{{"file", settings_.chain_file.string()}}.dump(), kJson);
   }
 

@@ -54,8 +54,7 @@ void write_image(const std::string& path, const Pixels& pixels) {
 
 void write_text(const std::string& path, const std::string& text) {
   const py::gil_scoped_release others_run;
-  kit::write_whole(path, {reinterpret_cast<const unsigned char*>(text.data()), text.size()},
-                   kit::Durability::synced);
+  kit::write_text(path, text, kit::Durability::synced);
 }
 
 }  // namespace

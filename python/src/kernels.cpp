@@ -88,12 +88,6 @@ Map fitting_map(const Table& map, const Image& depth) {
   return result;
 }
 
-std::vector<std::uint8_t> buffer_for(const Work& work) {
-  constexpr std::size_t kBytesPerPixel = 9;
-  return std::vector<std::uint8_t>(kBytesPerPixel * static_cast<std::size_t>(work.width) *
-                                   static_cast<std::size_t>(work.height));
-}
-
 Image fill_holes(const Image& depth, std::int64_t mode) {
   const std::int32_t number = int32("mode", mode);
   return filtered(depth, [=](const Work& work) {
@@ -209,66 +203,70 @@ py::tuple temporal(const Image& depth, const Image& history, double diff_scale, 
   return py::make_tuple(result, last);
 }
 
+/// @param kernel gets a buffer of the size that all these kernels need
+template <typename Kernel>
+Image filtered_with_buffer(const Image& depth, const Kernel& kernel) {
+  return filtered(depth, [&](const Work& work) {
+    constexpr std::size_t kBytesPerPixel = 9;
+    std::vector<std::uint8_t> buffer(kBytesPerPixel * static_cast<std::size_t>(work.width) *
+                                     static_cast<std::size_t>(work.height));
+    kernel(buffer.data(), work);
+  });
+}
+
+struct Speckles {
+  std::int32_t max_size, max_diff;
+  Thresholds table;
+  Map map;
+  std::uint16_t invalid_value;
+};
+
+using SpeckleKernel = void(std::uint8_t* buffer, const Work& work, const Speckles& s);
+
+void soft_filter(std::uint8_t* buffer, const Work& work, const Speckles& s) {
+  depth_api_softfilter(buffer, work.pixels, s.map.limits, work.width, work.height, s.table.entries,
+                       s.table.shift, s.table.size, s.max_diff, s.max_size, s.map.cols, s.map.rows,
+                       s.invalid_value, s.map.limits == nullptr);
+}
+
+void soft_filter_pyramid(std::uint8_t* buffer, const Work& work, const Speckles& s) {
+  const Thresholds& table = s.table;
+  const Map& map = s.map;
+  if (table.entries != nullptr && map.limits != nullptr) {
+    filterSpecklePyramid_lut(buffer, work.pixels, map.limits, work.width, work.height, table.entries,
+                             table.shift, table.size, map.cols, map.rows, s.invalid_value);
+  } else if (table.entries != nullptr) {
+    softfilterPyramid_lut(buffer, work.pixels, work.width, work.height, table.entries, table.shift,
+                          table.size, s.max_size, s.invalid_value);
+  } else if (map.limits != nullptr) {
+    filterSpecklePyramid(buffer, work.pixels, map.limits, work.width, work.height, s.max_diff, map.cols,
+                         map.rows, s.invalid_value);
+  } else {
+    softfilterPyramid(buffer, work.pixels, work.width, work.height, s.max_diff, s.max_size,
+                      s.invalid_value);
+  }
+}
+
+template <SpeckleKernel kernel>
 Image remove_speckles(const Image& depth, std::int64_t max_size, const Table& max_size_map,
                       std::int64_t max_diff, const Table& lut, std::int64_t lut_shift,
                       std::int64_t invalid_value) {
-  const std::int32_t size = int32("max_size", max_size), diff = int32("max_diff", max_diff);
-  const Thresholds table = thresholds_of(lut, lut_shift);
-  const Map map = fitting_map(max_size_map, depth);
-  const auto invalid = narrow<std::uint16_t>("invalid_value", invalid_value);
-  return filtered(depth, [=](const Work& work) {
-    std::vector<std::uint8_t> buffer = buffer_for(work);
-    depth_api_softfilter(buffer.data(), work.pixels, map.limits, work.width, work.height, table.entries,
-                         table.shift, table.size, diff, size, map.cols, map.rows, invalid,
-                         map.limits == nullptr);
-  });
+  const Speckles speckles = {int32("max_size", max_size), int32("max_diff", max_diff),
+                             thresholds_of(lut, lut_shift), fitting_map(max_size_map, depth),
+                             narrow<std::uint16_t>("invalid_value", invalid_value)};
+  return filtered_with_buffer(
+      depth, [&](std::uint8_t* buffer, const Work& work) { kernel(buffer, work, speckles); });
 }
 
-Image remove_speckles_pyramid(const Image& depth, std::int64_t max_size, const Table& max_size_map,
-                              std::int64_t max_diff, const Table& lut, std::int64_t lut_shift,
-                              std::int64_t invalid_value) {
-  const std::int32_t size = int32("max_size", max_size), diff = int32("max_diff", max_diff);
-  const Thresholds table = thresholds_of(lut, lut_shift);
-  const Map map = fitting_map(max_size_map, depth);
-  const auto invalid = narrow<std::uint16_t>("invalid_value", invalid_value);
-  const bool has_table = lut.has_value(), has_map = max_size_map.has_value();
-  return filtered(depth, [=](const Work& work) {
-    std::vector<std::uint8_t> buffer = buffer_for(work);
-    if (has_table && has_map) {
-      filterSpecklePyramid_lut(buffer.data(), work.pixels, map.limits, work.width, work.height,
-                               table.entries, table.shift, table.size, map.cols, map.rows, invalid);
-    } else if (has_table) {
-      softfilterPyramid_lut(buffer.data(), work.pixels, work.width, work.height, table.entries,
-                            table.shift, table.size, size, invalid);
-    } else if (has_map) {
-      filterSpecklePyramid(buffer.data(), work.pixels, map.limits, work.width, work.height, diff,
-                           map.cols, map.rows, invalid);
-    } else {
-      softfilterPyramid(buffer.data(), work.pixels, work.width, work.height, diff, size, invalid);
-    }
-  });
-}
-
-/// Softfilter_new() or softfilterOpt().
-template <typename Kernel>
-Image remove_speckles_by(Kernel* kernel, const Image& depth, std::int64_t max_size, std::int64_t max_diff,
-                         std::int64_t invalid_value) {
+/// Those that know neither tables nor maps.
+template <auto* kernel>
+Image remove_plain_speckles(const Image& depth, std::int64_t max_size, std::int64_t max_diff,
+                            std::int64_t invalid_value) {
   const std::int32_t size = int32("max_size", max_size), diff = int32("max_diff", max_diff);
   const auto invalid = narrow<std::uint16_t>("invalid_value", invalid_value);
-  return filtered(depth, [=](const Work& work) {
-    std::vector<std::uint8_t> buffer = buffer_for(work);
-    kernel(buffer.data(), work.pixels, work.width, work.height, diff, size, invalid);
+  return filtered_with_buffer(depth, [=](std::uint8_t* buffer, const Work& work) {
+    kernel(buffer, work.pixels, work.width, work.height, diff, size, invalid);
   });
-}
-
-Image remove_speckles_full(const Image& depth, std::int64_t max_size, std::int64_t max_diff,
-                           std::int64_t invalid_value) {
-  return remove_speckles_by(Softfilter_new, depth, max_size, max_diff, invalid_value);
-}
-
-Image remove_speckles_half(const Image& depth, std::int64_t max_size, std::int64_t max_diff,
-                           std::int64_t invalid_value) {
-  return remove_speckles_by(softfilterOpt, depth, max_size, max_diff, invalid_value);
 }
 
 Image downsample(const Image& depth) {
@@ -312,13 +310,14 @@ void bind_kernels(py::module_& module) {
   module.def("spatial", &spatial, arg("depth"), arg("lut"), arg("lut_shift"), arg("disp_diff"),
              arg("magnitude"), arg("radius"), arg("horizontal"), arg("vertical"), arg("alpha"));
   module.def("temporal", &temporal, arg("depth"), arg("history"), arg("diff_scale"), arg("weight"));
-  module.def("remove_speckles", &remove_speckles, arg("depth"), arg("max_size"), arg("max_size_map"),
-             arg("max_diff"), arg("lut"), arg("lut_shift"), arg("invalid_value"));
-  module.def("remove_speckles_pyramid", &remove_speckles_pyramid, arg("depth"), arg("max_size"),
+  module.def("remove_speckles", &remove_speckles<soft_filter>, arg("depth"), arg("max_size"),
              arg("max_size_map"), arg("max_diff"), arg("lut"), arg("lut_shift"), arg("invalid_value"));
-  module.def("remove_speckles_full", &remove_speckles_full, arg("depth"), arg("max_size"),
-             arg("max_diff"), arg("invalid_value"));
-  module.def("remove_speckles_half", &remove_speckles_half, arg("depth"), arg("max_size"),
+  module.def("remove_speckles_pyramid", &remove_speckles<soft_filter_pyramid>, arg("depth"),
+             arg("max_size"), arg("max_size_map"), arg("max_diff"), arg("lut"), arg("lut_shift"),
+             arg("invalid_value"));
+  module.def("remove_speckles_full", &remove_plain_speckles<Softfilter_new>, arg("depth"),
+             arg("max_size"), arg("max_diff"), arg("invalid_value"));
+  module.def("remove_speckles_half", &remove_plain_speckles<softfilterOpt>, arg("depth"), arg("max_size"),
              arg("max_diff"), arg("invalid_value"));
   module.def("downsample", &downsample, arg("depth"));
   module.def("upsample", &upsample, arg("full"), arg("half"), arg("max_diff"));

@@ -74,6 +74,14 @@ def test_inputs():
         assert (refusal.value.code, refusal.value.key) == (zvfilter.Code.BAD_INPUT, key)
 
 
+def test_a_chain_file_keeps_all_of_an_input(tmp_path):
+    given = zvfilter.Input("disparity", value_scale=0.5, bits=12, packed=True, correction=6, intrinsics=(448, 449, 320, 200), baseline=50.5,
+                           fx=448.25, zpd=900.5, zpps=0.125, unit=2, min_disparity=3, disparity_offset=4.5, invalid_disparity=7, integer_bits=9,
+                           code_bits=13, pack_mode=3, dual_camera=False)
+    zvfilter.Chain(["HoleFillingFilter"], input=given).save(tmp_path / "chain.json")
+    assert zvfilter.Chain.load(tmp_path / "chain.json").input == given
+
+
 def test_another_input_or_size_starts_afresh(noise):
     calm = zvfilter.TemporalFilter()
     calm(noise(seed=1))

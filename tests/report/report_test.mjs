@@ -1,20 +1,13 @@
 // The page of zvfilter run --report in a browser. Use: ZVFILTER=path/to/zvfilter node --test tests/report/
 import assert from "node:assert/strict";
-import {execFileSync} from "node:child_process";
-import {mkdirSync, mkdtempSync, readFileSync, rmSync, statSync, writeFileSync} from "node:fs";
-import {createRequire} from "node:module";
-import {tmpdir} from "node:os";
+import {mkdirSync, readFileSync, statSync, writeFileSync} from "node:fs";
 import {join} from "node:path";
 import {after, before, test} from "node:test";
-
-const {chromium} = createRequire(new URL("../../web/package.json", import.meta.url))("playwright-core");
-const tool = process.env.ZVFILTER;
-const screens = process.env.SCREENSHOTS;  // a folder for pictures of the pages, to look at
+import {keepPicture, keepScreen, openPage} from "../web/browser.mjs";
+import {makeFolder} from "../web/folder.mjs";
 
 const width = 64, height = 40;
-let folder, browser;
-
-const zvfilter = (...words) => execFileSync(tool, words, {cwd: folder, encoding: "utf8"});
+const {folder, zvfilter, remove} = makeFolder();
 const page_file = (name) => "file://" + join(folder, name);
 
 function write_pgm(file, pixel) {
@@ -31,25 +24,9 @@ function read_pgm(file) {
           at: (x, y) => bytes.readUInt16BE(header.length + 2 * (y * +columns + x))};
 }
 
-// A page in a new window. What it says on the console or asks for elsewhere fails the test that closes it.
-async function open(name, options = {}) {
-  const context = await browser.newContext({viewport: {width: 1280, height: 800}, ...options});
-  const page = await context.newPage();
-  const complaints = [];
-  page.on("console", (message) => complaints.push(message.text()));
-  page.on("pageerror", (error) => complaints.push(error.message));
-  page.on("request", (request) => {
-    if (!/^(data|blob):/.test(request.url()) && request.url() !== page_file(name)) complaints.push(request.url());
-  });
-  await page.goto(page_file(name));
-  return {page, close: async () => {
-    await context.close();
-    assert.deepEqual(complaints, []);
-  }};
-}
+const open = (name, options) => openPage(page_file(name), {...options, own: (url) => url === page_file(name)});
 
-before(async () => {
-  folder = mkdtempSync(join(tmpdir(), "zvfilter_report_"));
+before(() => {
   mkdirSync(join(folder, "in"));
   for (let i = 0; i < 5; ++i) {
     write_pgm(`in/${i}.pgm`, (x, y) => (x * 7 + y * 3 + i) % 11 === 0 ? 0 : 255 * x + 3 * y + 1000 + i);
@@ -61,13 +38,9 @@ before(async () => {
   zvfilter("run", ...chain.slice(0, 4), "in", "-o", "near", "--report", "two.html", "--against", "far");
   zvfilter("run", "-f", "DisparityTransform:", ...chain.slice(0, 4), "camera:frames=3,size=160x100", "-o", "made",
            "--report", "camera.html");
-  browser = await chromium.launch({executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium", args: ["--no-sandbox"]});
 });
 
-after(async () => {
-  await browser?.close();
-  rmSync(folder, {recursive: true, force: true});
-});
+after(remove);
 
 test("the divider follows the mouse, a finger and the keyboard", async () => {
   const {page, close} = await open("depth.html", {hasTouch: true});
@@ -241,10 +214,7 @@ for (const [name, options] of Object.entries({
     assert.deepEqual(found.cut, []);
     assert.deepEqual(found.faint, []);
     assert.ok(found.below <= 0 || options.viewport?.width === 400, "the pair and its legend are on the first screen");
-    if (screens) {
-      mkdirSync(screens, {recursive: true});
-      await page.screenshot({path: join(screens, `${name.replace(" ", "_")}.png`), fullPage: true});
-    }
+    await keepPicture(page, name.replace(" ", "_"));
     await close();
   });
 }
@@ -260,10 +230,7 @@ test("on paper both pictures are whole", async () => {
   assert.ok(sides[0].right <= sides[1].left);
   assert.equal(await page.locator(".divider:visible, button:visible, .probe:visible").count(), 0);
   const paper = await page.pdf({format: "A4"});
-  if (screens) {
-    mkdirSync(screens, {recursive: true});
-    writeFileSync(join(screens, "paper.pdf"), paper);
-  }
+  keepScreen("paper.pdf", (path) => writeFileSync(path, paper));
   assert.ok(paper.length > 50_000, `${paper.length} bytes`);
   await close();
 });

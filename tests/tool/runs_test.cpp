@@ -106,6 +106,17 @@ TEST_F(Runs, GoOnWhereTheyEnded) {
                   "is not there to say what made the results");
 }
 
+TEST_F(Runs, GoOnWithAsManyInputsAsTheyHad) {
+  const std::string folder(200, 'd');
+  put_frames("in/" + folder, 400);
+  const std::string one_by_one = "run in/" + folder + "/* -o out -f HoleFillingFilter:";
+  ASSERT_EQ(run(one_by_one).status, 0);
+  ASSERT_GT(fs::file_size(folder_ / "out/.zvfilter.json"), 65536u);
+  const Outcome resumed = run(one_by_one + " --resume");
+  EXPECT_EQ(resumed.status, 0) << resumed.err;
+  EXPECT_MENTIONS(resumed.out, "400 were there");
+}
+
 TEST_F(Runs, PassOverBadFramesWhenTheyAreAskedTo) {
   put_frames("in", 8);
   put(name("in", 2), "x");

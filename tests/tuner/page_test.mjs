@@ -3,24 +3,13 @@ import assert from "node:assert/strict";
 import {execFileSync} from "node:child_process";
 import {readFileSync} from "node:fs";
 import {delimiter, dirname, join} from "node:path";
-import {after, before, test} from "node:test";
-import {addStep, control, launch, open} from "./browser.mjs";
-import {makeFolder, readNpy, startTuner, stopTuners, tool} from "./tuner.mjs";
+import {test} from "node:test";
+import {tool} from "../web/folder.mjs";
+import {addStep, control, open} from "./browser.mjs";
+import {place, tuner, useTuner} from "./setting.mjs";
+import {readNpy} from "./tuner.mjs";
 
-let place, tuner, browser;
-
-before(async () => {
-  place = makeFolder();
-  place.zvfilter("camera", "-o", "rec", "--size", "160x100", "--frames", "24");
-  tuner = await startTuner(place.folder, "--chain", "chain.json", "rec", "--truth", "rec/truth");
-  browser = await launch();
-});
-
-after(async () => {
-  await browser?.close();
-  await stopTuners();
-  place?.remove();
-});
+useTuner(["--chain", "chain.json", "rec", "--truth", "rec/truth"]);
 
 // What the tool makes of some frames of the recording: the last of them.
 function run(chain, frames, folder) {
@@ -30,7 +19,7 @@ function run(chain, frames, folder) {
 }
 
 test("a chain built by hand, saved and run by the tool gives the same pixels", async () => {
-  const {page, settled, pixels, chain, picture, close} = await open(browser, tuner);
+  const {page, settled, pixels, chain, picture, close} = await open(tuner);
   assert.equal(await page.locator("#empty").isVisible(), true);
   await picture("empty");
   for (const filter of ["DisparityTransform", "SpatialAdvancedFilter", "TemporalFilter"]) await addStep(page, filter);
@@ -78,7 +67,7 @@ test("a chain built by hand, saved and run by the tool gives the same pixels", a
 });
 
 test("steps are moved, copied, switched off and removed, and all of it undone", async () => {
-  const {page, chain, close} = await open(browser, tuner, {hash: "&chain=[]"});
+  const {page, chain, close} = await open(tuner, {hash: "&chain=[]"});
   const names = async () =>
     (await chain()).map(({filter, enabled}) => filter.slice(0, 4) + (enabled === false ? " off" : ""));
   for (const filter of ["DisparityTransform", "NoiseRemovalFilter", "HoleFillingFilter"]) await addStep(page, filter);
@@ -127,7 +116,7 @@ test("steps are moved, copied, switched off and removed, and all of it undone", 
 });
 
 test("frames continue, a jump begins anew, and a change while paused is run up to", async () => {
-  const {page, settled, pixels, status, close} = await open(browser, tuner, {
+  const {page, settled, pixels, status, close} = await open(tuner, {
     hash: '&chain=[{"filter":"TemporalFilter","values":{"weight":0.2}}]'
   });
   await page.keyboard.press(".");
@@ -163,7 +152,7 @@ test("frames continue, a jump begins anew, and a change while paused is run up t
 });
 
 test("what is wrong is said where it is", async () => {
-  const bad = await open(browser, tuner, {
+  const bad = await open(tuner, {
     hash: '&chain=[{"filter":"HoleFillingFilter"},{"filter":"TemporalFilter","values":{"weight":7}}]',
     ready: false
   });
@@ -181,6 +170,6 @@ test("what is wrong is said where it is", async () => {
     bad.complaints.every((text) => text.includes("422")),
     bad.complaints.join()
   );
-  const stranger = await open(browser, {...tuner, address: tuner.origin + "/#token=00"}, {ready: false});
+  const stranger = await open({...tuner, address: tuner.origin + "/#token=00"}, {ready: false});
   await stranger.page.getByRole("alert").filter({hasText: "whole address"}).waitFor();
 });

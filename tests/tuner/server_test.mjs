@@ -4,21 +4,11 @@ import assert from "node:assert/strict";
 import {copyFileSync, existsSync, mkdirSync, readFileSync, writeFileSync} from "node:fs";
 import net from "node:net";
 import {join} from "node:path";
-import {after, before, test} from "node:test";
-import {makeClient, makeFolder, readNpy, startTuner, stopTuners} from "./tuner.mjs";
+import {test} from "node:test";
+import {place, tuner, useTuner} from "./setting.mjs";
+import {makeClient, readNpy, startTuner} from "./tuner.mjs";
 
-let place, tuner;
-
-before(async () => {
-  place = makeFolder();
-  place.zvfilter("camera", "-o", "rec", "--size", "160x100", "--frames", "24");
-  tuner = await startTuner(place.folder, "--chain", "chain.json", "rec");
-});
-
-after(async () => {
-  await stopTuners();
-  place.remove();
-});
+useTuner(["--chain", "chain.json", "rec"]);
 
 // What is sent and comes back, byte by byte.
 const raw = (text, {wait = 2000, slow = 0} = {}) =>

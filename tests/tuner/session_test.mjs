@@ -2,21 +2,11 @@
 import assert from "node:assert/strict";
 import {readdirSync} from "node:fs";
 import {join} from "node:path";
-import {after, before, test} from "node:test";
-import {makeClient, makeFolder, readNpy, startTuner, stopTuners} from "./tuner.mjs";
+import {test} from "node:test";
+import {place, tuner, useTuner} from "./setting.mjs";
+import {makeClient, readNpy} from "./tuner.mjs";
 
-let place, tuner;
-
-before(async () => {
-  place = makeFolder();
-  place.zvfilter("camera", "-o", "rec", "--size", "160x100", "--frames", "24");
-  tuner = await startTuner(place.folder, "rec");
-});
-
-after(async () => {
-  await stopTuners();
-  place.remove();
-});
+useTuner(["rec"]);
 
 test("frames continue, begin anew and are run up to as they are said to", async () => {
   const show = makeClient(tuner, "flow");

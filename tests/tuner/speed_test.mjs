@@ -1,27 +1,17 @@
 // How fast the page is on this machine: figures to look at, no limits.
 import assert from "node:assert/strict";
-import {after, before, test} from "node:test";
-import {control, launch, open} from "./browser.mjs";
-import {makeFolder, startTuner, stopTuners} from "./tuner.mjs";
+import {test} from "node:test";
+import {control, open} from "./browser.mjs";
+import {place, useFolder} from "./setting.mjs";
+import {startTuner} from "./tuner.mjs";
 
-let place, browser;
-
-before(async () => {
-  place = makeFolder();
-  browser = await launch();
-});
-
-after(async () => {
-  await browser?.close();
-  await stopTuners();
-  place?.remove();
-});
+useFolder();
 
 for (const size of ["640x400", "1280x720"]) {
   test(`a changed value and playing at ${size}`, async (t) => {
     place.zvfilter("camera", "-o", size, "--size", size, "--frames", "20");
     const tuner = await startTuner(place.folder, "--preset", "still-scene", size);
-    const {page, settled, close} = await open(browser, tuner, {hash: "&frame=18&view=after"});
+    const {page, settled, close} = await open(tuner, {hash: "&frame=18&view=after"});
     const times = [];
     await control(page, 2, "alpha").focus();
     for (let i = 0; i < 16; ++i) {

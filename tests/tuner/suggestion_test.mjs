@@ -1,28 +1,16 @@
 // Values that the tuner suggests. Use: ZVFILTER=path/to/zvfilter node --test tests/tuner/
 import assert from "node:assert/strict";
-import {readFileSync} from "node:fs";
-import {after, before, test} from "node:test";
-import {axe, launch, open} from "./browser.mjs";
-import {makeFolder, startTuner, stopTuners} from "./tuner.mjs";
+import {test} from "node:test";
+import {barriers} from "../web/browser.mjs";
+import {open} from "./browser.mjs";
+import {tuner, useTuner} from "./setting.mjs";
 
-let place, tuner, browser;
 const chain = [
   {filter: "DisparityTransform", values: {}},
   {filter: "SpatialAdvancedFilter", tag: "smooth", values: {alpha: 1, disp_diff: 1}}
 ];
 
-before(async () => {
-  place = makeFolder();
-  place.zvfilter("camera", "-o", "rec", "--size", "96x64", "--frames", "12", "--noise", "2");
-  tuner = await startTuner(place.folder, "rec");
-  browser = await launch();
-});
-
-after(async () => {
-  await browser?.close();
-  await stopTuners();
-  place?.remove();
-});
+useTuner(["rec"], ["--size", "96x64", "--frames", "12", "--noise", "2"]);
 
 test("a search answers with values, and there is one at a time", async () => {
   const ask = (wish) => tuner.send("/api/suggest", {body: JSON.stringify({chain, step: 1, seconds: 2, ...wish})});
@@ -55,7 +43,7 @@ test("a search answers with values, and there is one at a time", async () => {
 
 test("what is suggested stands beside the present values, can be taken and undone", async () => {
   const hash = `&chain=${encodeURIComponent(JSON.stringify(chain))}`;
-  const {page, chain: shown, settled, picture, close} = await open(browser, tuner, {hash});
+  const {page, chain: shown, settled, picture, close} = await open(tuner, {hash});
   // What is found depends on how far a search gets.
   const found = [chain[0], {...chain[1], values: {alpha: 0.35, disp_diff: 1}}];
   let asked;
@@ -72,9 +60,7 @@ test("what is suggested stands beside the present values, can be taken and undon
   assert.deepEqual(await shown(), chain, "nothing changes by itself");
   await page.locator("#suggested").scrollIntoViewIfNeeded();
   await picture("suggested");
-  await page.evaluate(readFileSync(axe, "utf8"));
-  const {violations} = await page.evaluate(() => axe.run());
-  assert.deepEqual(violations.map(({id}) => id), []);
+  assert.deepEqual(await barriers(page), []);
   await page.getByRole("button", {name: "Use the suggested values"}).click();
   await settled();
   const taken = await shown();

@@ -1,20 +1,8 @@
 // A running zvfilter tune and what tests ask of it.
-import {execFileSync, spawn} from "node:child_process";
-import {mkdtempSync, readFileSync, rmSync} from "node:fs";
+import {spawn} from "node:child_process";
+import {readFileSync} from "node:fs";
 import http from "node:http";
-import {tmpdir} from "node:os";
-import {join} from "node:path";
-
-export const tool = process.env.ZVFILTER;
-
-export function makeFolder() {
-  const folder = mkdtempSync(join(tmpdir(), "zvfilter_tuner_"));
-  return {
-    folder,
-    zvfilter: (...words) => execFileSync(tool, words, {cwd: folder, encoding: "utf8"}),
-    remove: () => rmSync(folder, {recursive: true, force: true})
-  };
-}
+import {tool} from "../web/folder.mjs";
 
 // Samples of a 16-bit .npy file.
 export function readNpy(file) {

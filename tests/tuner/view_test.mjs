@@ -1,30 +1,18 @@
 // The tuner's view: colours, probe and points are those of the pixels, at any size of the window.
 import assert from "node:assert/strict";
-import {readFileSync} from "node:fs";
-import {after, before, test} from "node:test";
-import {axe, launch, open} from "./browser.mjs";
-import {makeFolder, startTuner, stopTuners} from "./tuner.mjs";
+import {test} from "node:test";
+import {barriers} from "../web/browser.mjs";
+import {open} from "./browser.mjs";
+import {place, tuner, useTuner} from "./setting.mjs";
+import {startTuner} from "./tuner.mjs";
 
-let place, tuner, browser;
-
-before(async () => {
-  place = makeFolder();
-  place.zvfilter("camera", "-o", "rec", "--size", "160x100", "--frames", "24");
-  place.zvfilter("run", "-f", "DisparityTransform:", "rec", "-o", "depth");
-  tuner = await startTuner(place.folder, "--chain", "chain.json", "rec", "--truth", "rec/truth");
-  browser = await launch();
-});
-
-after(async () => {
-  await browser?.close();
-  await stopTuners();
-  place?.remove();
-});
+useTuner(["--chain", "chain.json", "rec", "--truth", "rec/truth"]);
 
 test("colours, probe, divider and views are of the same pixels", async () => {
+  place.zvfilter("run", "-f", "DisparityTransform:", "rec", "-o", "depth");
   const words = "--preset fill-holes depth/disparity_0000.png --value-scale 0.5 --camera none";
   const depth = await startTuner(place.folder, ...words.split(" "));
-  const {page, settled, pixels, picture, close} = await open(browser, depth, {
+  const {page, settled, pixels, picture, close} = await open(depth, {
     hash: "&view=after&near=500&far=2500&colors=viridis"
   });
   const made = await pixels("after"),
@@ -106,7 +94,7 @@ test("colours, probe, divider and views are of the same pixels", async () => {
 });
 
 test("points in space come when they are asked for", async () => {
-  const {page, requests, picture, close} = await open(browser, tuner, {
+  const {page, requests, picture, close} = await open(tuner, {
     hash: '&chain=[{"filter":"DisparityTransform","values":{}}]'
   });
   assert.ok(!requests.includes("/points.js"));
@@ -125,7 +113,7 @@ test("points in space come when they are asked for", async () => {
 });
 
 test("a build without the view of points says so", async () => {
-  const {page, close} = await open(browser, tuner, {
+  const {page, close} = await open(tuner, {
     hash: '&view=cloud&chain=[{"filter":"DisparityTransform","values":{}}]',
     setup: (setup) => ({...setup, points: false})
   });
@@ -143,7 +131,7 @@ for (const [name, options] of Object.entries({
   dark: {viewport: {width: 1440, height: 900}, colorScheme: "dark"}
 })) {
   test(`nothing is cut off and everybody can use it: ${name}`, async () => {
-    const {page, settled, picture, close} = await open(browser, tuner, {...options, hash: "&chain=[]"});
+    const {page, settled, picture, close} = await open(tuner, {...options, hash: "&chain=[]"});
     await page.locator("#preset").selectOption("fill-holes");
     await settled();
     await page.locator("#stage").focus();
@@ -162,14 +150,7 @@ for (const [name, options] of Object.entries({
         .map((element) => element.outerHTML.slice(0, 100))
     );
     assert.deepEqual(cut, []);
-    await page.evaluate(readFileSync(axe, "utf8"));
-    const {violations} = await page.evaluate(() => axe.run());
-    assert.deepEqual(
-      violations
-        .filter(({impact}) => ["serious", "critical"].includes(impact))
-        .map(({id, nodes}) => `${id}: ${nodes[0].html}`),
-      []
-    );
+    assert.deepEqual(await barriers(page), []);
     await close();
   });
 }
