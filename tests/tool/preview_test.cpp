@@ -1,5 +1,6 @@
 #include "preview.h"
 
+#include <algorithm>
 #include <map>
 
 #include <gtest/gtest.h>
@@ -49,6 +50,11 @@ TEST(Preview, PaintsBeforeAfterAndTheChange) {
   EXPECT_EQ(at(picture, 2, 0, 1), kit::signed_color(1));
   EXPECT_EQ(at(picture, 2, 1, 1), kit::signed_color(-1));
   EXPECT_EQ(at(picture, 2, 2, 1), kit::signed_color(0));
+  for (std::size_t panel = 0; panel < 3; ++panel) {
+    const auto title = picture.pixels.begin() +
+                       static_cast<std::ptrdiff_t>(kGap * picture.width + kGap + panel * (kPanel + kGap));
+    EXPECT_NE(std::count(title, title + kPanel, picture.pixels.front()), kPanel) << "a title above each";
+  }
 }
 
 TEST(Preview, KeepsTheRangeOfTheFirstFrameThatHasOne) {

@@ -89,6 +89,8 @@ TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
             "50 mm, fx 0.7 times the width, 8 fraction bits (--baseline, --fx and --bits set them)\n");
   EXPECT_MENTIONS(run_probe("run -f EchoFilter in/a.png -o results --overwrite --baseline 75").err,
                   "assuming a nominal camera with fx 0.7 times the width, ");
+  EXPECT_MENTIONS(run_probe("run -f EchoFilter in/a.png -o results --overwrite --bits 8").err,
+                  "the width, 0 fraction bits (");
 
   const Outcome set = run_probe(
       "run -f EchoFilter:on=0,count=9 in/a.png -o results --overwrite --frame-set --bits 12 "

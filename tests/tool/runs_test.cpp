@@ -71,6 +71,13 @@ TEST_F(Runs, TakeSeveralFoldersAsSequencesOfTheirOwn) {
                  {{"day/left night/left", "day/left and night/left have one name, left"},
                   {"day/left day/../day/left", "have one name, left"},
                   {"day/left night/left in/a.png", "several folders and files together"}});
+  const std::map<std::string, std::string> of_one = {
+      {"run -f HoleFillingFilter -o -", "standard output is one sequence"},
+      {"run -f HoleFillingFilter -o d --report page.html", "--report is about one sequence"},
+      {"bench -f HoleFillingFilter", "several folders; expected one"},
+      {"advise -o chain.json", "several folders; expected one"}};
+  for (const auto& [command, part] : of_one)
+    expect_refused(run(command + " day/left day/right"), 2, part);
 }
 
 TEST_F(Runs, GoOnWhereTheyEnded) {
