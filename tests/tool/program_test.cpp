@@ -11,6 +11,7 @@ TEST_F(Program, ListsTheFiltersOfAPlugin) {
       complete("list").out,
       "1  HoleFillingFilter: gives holes the value of a neighbour\n"
       "     hole_filling_mode  integer   0 to 2, step 1, default 0; 0 top, 1 nearest, 2 farthest\n");
+  EXPECT_MENTIONS(run("list").out, "\n     width     integer   1 to 1280, step 1, default 848; ");
   const auto list = nlohmann::json::parse(run("list --json").out);
   ASSERT_EQ(list.size(), 9u);
   EXPECT_EQ(list[1]["name"], "HoleFillingFilter");
