@@ -19,7 +19,7 @@ collect() {
   find "$1" -maxdepth 1 -type f \( -name '*.deb' -o -name '*.dsc' -o -name '*.tar.*' -o -name '*.changes' -o -name '*.buildinfo' \) -exec mv -t "$2" {} +
 }
 
-# build_packages WORK OUTPUT: from a copy of the sources in WORK. The bytes of the packages do not depend on where that is.
+# build_packages SOURCES OUTPUT: in a folder of copied sources. The bytes of the packages do not depend on where that is.
 build_packages() {
   install git build-essential ccache debhelper lintian
   dpkg-checkbuilddeps 2>/dev/null || {
@@ -27,15 +27,13 @@ build_packages() {
     as_root apt-get update -qq
     as_root env DEBIAN_FRONTEND=noninteractive apt-get build-dep -y -qq --no-install-recommends ./ >/dev/null
   }
-  rm -rf "$1" "$2"
-  export_sources "$1/filterprocessor"
   # The build has a home folder of its own. A cache that makes paths relative would show in the debugging symbols.
   local cache log
-  cache=$(ccache --get-config cache_dir) log=$(realpath "$1")/build.log
-  (cd "$1/filterprocessor" &&
+  cache=$(ccache --get-config cache_dir) log=$(realpath "$1/..")/build.log
+  (cd "$1" &&
     logged "$log" env -u CMAKE_C_COMPILER_LAUNCHER -u CMAKE_CXX_COMPILER_LAUNCHER CCACHE_BASEDIR= CCACHE_DIR="$cache" \
-      PATH="/usr/lib/ccache:$PATH" DEB_BUILD_OPTIONS="parallel=$jobs" dpkg-buildpackage -us -uc)
-  collect "$1" "$2"
+      PATH="/usr/lib/ccache:$PATH" DEB_BUILD_OPTIONS="parallel=$jobs" dpkg-buildpackage -us -uc) || return 1
+  collect "$1/.." "$2"
 }
 
 # cross_build_packages ARCHITECTURE WORK OUTPUT: in a Debian of its own, since a machine has one processor's GStreamer headers.
@@ -59,11 +57,13 @@ cross_build_packages() {
   remove_root "$root"
 }
 
-# same_packages: made once more, from nothing, in another folder, they have the same bytes.
+# same_packages: made from the source archive, without git and without what an earlier build left, they have the same bytes.
 same_packages() {
   local again package status=0
   again=$(mktemp -d)
-  CCACHE_DISABLE=1 build_packages "$again/a/longer/path" "$again/out" || status=1
+  mkdir "$again/longer"
+  (cd "$again/longer" && dpkg-source -x "$OLDPWD"/out/packages/*.dsc sources >/dev/null) &&
+    CCACHE_DISABLE=1 build_packages "$again/longer/sources" "$again/out" || status=1
   for package in out/packages/*.deb; do cmp "$package" "$again/out/$(basename "$package")" || status=1; done
   rm -rf "$again"
   return "$status"
@@ -73,7 +73,9 @@ same_packages() {
 make_packages() {
   local host=${1:-$(architecture)} output=out/packages
   if [ "$host" = "$(architecture)" ]; then
-    build_packages build/package "$output"
+    rm -rf build/package "$output"
+    export_sources build/package/filterprocessor
+    build_packages build/package/filterprocessor "$output"
   else
     output+=-$host
     cross_build_packages "$host" "build/package-$host" "$output"
@@ -90,5 +92,5 @@ test_packages() {
   install debootstrap
   [ "$host" = "$(architecture)" ] || install qemu-user-static
   check "each package installs, works, upgrades and purges" tests/packages/run.sh "$output" "$host"
-  [ "$host" != "$(architecture)" ] || check "a build in another folder gives the same bytes" same_packages
+  [ "$host" != "$(architecture)" ] || check "the source archive gives the same bytes in another folder" same_packages
 }
