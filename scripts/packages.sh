@@ -51,7 +51,7 @@ cross_build_packages() {
     apt-get update -qq
     apt-get install -y -qq build-essential "crossbuild-essential-$1"
     cd /build/filterprocessor
-    apt-get build-dep -y -qq --host-architecture "$1" --build-profiles cross,nocheck ./
+    apt-get build-dep -y -qq --arch-only --host-architecture "$1" --build-profiles cross,nocheck ./
     DEB_BUILD_OPTIONS="parallel=$2 nocheck" dpkg-buildpackage -us -uc --host-arch "$1" --build-profiles=cross,nocheck -B' bash "$1" "$jobs" || return 1
   collect "$root/build" "$3"
   remove_root "$root"

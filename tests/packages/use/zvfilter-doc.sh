@@ -5,4 +5,6 @@ links=$(grep -oE '\]\(docs/[a-z_]+\.(md|png)' README.md | sed 's/.*(//' | sort -
 [ "$(wc -l <<<"$links")" -gt 5 ]
 for link in $links; do test -s "$link"; done
 test -s examples/filter_frame.c
-for file in $(grep -oE '(src|href)="[^"#:?]+' html/filters/HoleFillingFilter.html | sed 's/.*"//' | sort -u); do test -s "html/filters/$file"; done
+for file in $(grep -oE '(src|href)="[^"#:?]+["#?]' html/filters/HoleFillingFilter.html | sed 's/.*="//; s/.$//' | sort -u); do
+  test -s "html/filters/$file"
+done
