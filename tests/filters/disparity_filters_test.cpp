@@ -100,7 +100,8 @@ int expected_depth(const ZVDisparityParam& p, const Settings& s, bool open_ni, i
 void expect_every_code(const char* name, const ZVDisparityParam& params, const Settings& s) {
   SCOPED_TRACE(testing::Message() << name << (params.isDualCamera ? ", dual mode " : ", mono mode ")
                                   << int{params.packMode} << ", " << int{params.bitSize}
-                                  << " bits, offset " << params.dispOffset << ", packed " << s.packed);
+                                  << " bits, offset " << double{params.dispOffset} << ", packed "
+                                  << s.packed);
   const bool open_ni = name == kOpenNI;
   const Settings fresh = of_a_new_filter(open_ni);
   Values values;
