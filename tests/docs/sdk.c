@@ -8,8 +8,8 @@ zv_frame_t* next_frame(void);
 
 zv_frame_t* next_frame(void) {
   static int left = 5;
-  const struct description depth = {.width = 64, .height = 48, .pixel_type = ZV_PIXEL_TYPE_DEPTH};
-  return left-- > 0 ? make_frame(&depth) : NULL;
+  const struct description depth = {.pixel_type = ZV_PIXEL_TYPE_DEPTH};
+  return left-- > 0 ? make_frame(&depth, 64, 48) : NULL;
 }
 
 __attribute__((destructor)) static void nothing_is_left(void) {
