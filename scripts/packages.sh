@@ -39,7 +39,7 @@ build_packages() {
 # cross_build_packages ARCHITECTURE WORK OUTPUT: in a Debian of its own, since a machine has one processor's GStreamer headers.
 cross_build_packages() {
   install git debootstrap
-  local root=$2/root
+  local root=$2/root status=0
   remove_root "$root"
   rm -rf "$2" "$3"
   mkdir -p "$2"
@@ -52,9 +52,10 @@ cross_build_packages() {
     apt-get install -y -qq build-essential "crossbuild-essential-$1"
     cd /build/filterprocessor
     apt-get build-dep -y -qq --arch-only --host-architecture "$1" --build-profiles cross,nocheck ./
-    DEB_BUILD_OPTIONS="parallel=$2 nocheck" dpkg-buildpackage -us -uc --host-arch "$1" --build-profiles=cross,nocheck -B' bash "$1" "$jobs" || return 1
-  collect "$root/build" "$3"
+    DEB_BUILD_OPTIONS="parallel=$2 nocheck" dpkg-buildpackage -us -uc --host-arch "$1" --build-profiles=cross,nocheck -B' bash "$1" "$jobs" || status=1
+  if [ "$status" -eq 0 ]; then collect "$root/build" "$3"; fi
   remove_root "$root"
+  return "$status"
 }
 
 # same_packages: made from the source archive, without git and without what an earlier build left, they have the same bytes.

@@ -15,7 +15,6 @@ import shown
 import zvfilter
 
 
-
 def record(folder: Path, frames: list, **camera: object) -> Path:
     folder.mkdir()
     for number, frame in enumerate(frames):
