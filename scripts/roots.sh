@@ -13,7 +13,7 @@ emulate() {
 make_root() {
   [ "$2" = "$(dpkg --print-architecture)" ] || emulate "$2"
   mkdir -p "$1"
-  debootstrap --arch="$2" --variant=minbase bookworm "$1" http://deb.debian.org/debian >"$1.log" || { tail "$1.log"; return 1; }
+  debootstrap --arch="$2" --variant=minbase bookworm "$1" >"$1.log" || { tail "$1.log"; return 1; }
   echo 'APT::Install-Recommends "false";' >"$1/etc/apt/apt.conf.d/90recommends"
   cp /etc/resolv.conf "$1/etc/"
   mount -t proc proc "$1/proc"
