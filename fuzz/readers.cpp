@@ -1,4 +1,4 @@
-// The file readers. The first byte chooses one: c for camera.json, p, g, n, r and t for PNG, PGM, NumPy, raw and
+// The readers. The first byte chooses one: c for camera.json, s for schemas, p, g, n, r and t for PNG, PGM, NumPy, raw and
 // TIFF images, G, N and R for streams of them, N also for metres, T for TIFF stacks, all others for PNG with its checksums
 // put right. What can be read says the same when written and read again.
 #include <png.h>
@@ -8,6 +8,7 @@
 #include "kit/frame/camera_file.h"
 #include "kit/image/image_stream.h"
 #include "kit/image/tiff.h"
+#include "kit/schema/schema.h"
 #include "target.h"
 
 namespace filterprocessor::fuzz {
@@ -29,6 +30,18 @@ void read_camera(std::string_view text) {
   const std::string written = kit::input_json(*camera, false).dump();
   const kit::Input again = kit::parse_camera_json(written, "again");
   require(kit::input_json(again, false).dump() == written, "a camera says the same when read again");
+}
+
+void read_schema(std::string_view text) {
+  const auto parameters = accepted([&] { return kit::parse_schema(text); });
+  if (!parameters) return;
+  std::string written;
+  for (const kit::SchemaParameter& p : *parameters) {
+    for (const std::string* field : {&p.name, &p.type, &p.min, &p.max, &p.step, &p.default_value})
+      written += *field + ", ";
+    written += p.description + '\n';
+  }
+  require(kit::parse_schema(written) == parameters, "a schema says the same when read again");
 }
 
 void read_image(std::string_view format, kit::ByteView file, const kit::Size& size) {
@@ -92,6 +105,7 @@ void run_input(Source& input) {
   if (reader == 'r' || reader == 'R')
     size = {input.number<std::uint8_t>(), input.number<std::uint32_t>()};
   const auto file = input.take_rest();
+  const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
   struct Reader {
     char letter;
     std::string_view format;
@@ -102,7 +116,9 @@ void run_input(Source& input) {
   }
   switch (reader) {
     case 'c':
-      return read_camera({reinterpret_cast<const char*>(file.data()), file.size()});
+      return read_camera(text);
+    case 's':
+      return read_schema(text);
     case 'G':
       return read_stream("pgm", file, {});
     case 'N':
