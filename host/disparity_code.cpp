@@ -5,8 +5,6 @@
 
 namespace devhost {
 
-namespace {}  // namespace
-
 DisparityCode::DisparityCode(const ZVDisparityParam& record, double correction)
     : signed_(has_signed_codes(record)),
       lowest_(signed_ ? -8191 : 1),

@@ -126,7 +126,7 @@ TEST(VirtualCamera, TakesBothEndsOfItsRangesAndNothingBeyond) {
   expect_range(&CameraConfig::disparity_correction, -128, 128, 1);
 }
 
-TEST(DisparityCode, EndsWithTheRecordsBits) {
+TEST(DisparityCode, EndsWhereTheRecordDoes) {
   ZVDisparityParam record = {};
   record.isDualCamera = 1;
   record.packMode = 2;
@@ -136,6 +136,13 @@ TEST(DisparityCode, EndsWithTheRecordsBits) {
   EXPECT_EQ(eleven(256), eleven.invalid());
   EXPECT_EQ(eleven(0.125), 1);
   EXPECT_EQ(eleven(0.01), eleven.invalid());
+  record.packMode = 1;  // counts down, and stands for more than 0 and less than 256
+  record.bitSize = 16;
+  const DisparityCode falling(record, 0);
+  EXPECT_EQ(falling(0), falling.invalid());
+  EXPECT_EQ(falling(1.0 / 128), 42031);
+  EXPECT_EQ(falling(256 - 1.0 / 128), 9265);
+  EXPECT_EQ(falling(256), falling.invalid());
 }
 
 TEST(VirtualCamera, FramesDependOnConfigurationAndIndexOnly) {
