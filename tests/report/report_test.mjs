@@ -1,6 +1,6 @@
 // The page of zvfilter run --report in a browser. Use: ZVFILTER=path/to/zvfilter node --test tests/report/
 import assert from "node:assert/strict";
-import {readFileSync, statSync, writeFileSync} from "node:fs";
+import {statSync, writeFileSync} from "node:fs";
 import {join} from "node:path";
 import {before, test} from "node:test";
 import {checkLayout, colorsOf, drag, keepPicture, keepScreen, openPage, windows} from "../web/browser.mjs";
