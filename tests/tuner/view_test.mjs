@@ -67,13 +67,18 @@ test("colours, probe, divider and views are of the same pixels", async () => {
 });
 
 test("points in space come when they are asked for, and a build without them says so", async () => {
-  const {page, picture} = await open(tuner, {hash: '&chain=[{"filter":"DisparityTransform","values":{}}]'});
-  const loaded = () =>
-    page.evaluate(() => performance.getEntriesByType("resource").some(({name}) => name.endsWith("/points.js")));
-  assert.equal(await loaded(), false);
+  const {page, settled, picture} = await open(tuner, {hash: '&chain=[{"filter":"DisparityTransform","values":{}}]'});
+  let asked = 0;
+  await page.route("**/points.js", (route) => {
+    ++asked;
+    return route.continue();
+  });
+  await page.reload();
+  await settled();
+  assert.equal(asked, 0);
   await page.keyboard.press("5");
   await page.locator(".cloud[data-points]").waitFor();
-  assert.equal(await loaded(), true);
+  assert.equal(asked, 1);
   const [points, valid] = await page.evaluate(() => [
     +document.querySelector(".cloud").dataset.points,
     tuner.pixels("after").filter((raw) => raw > 0).length
