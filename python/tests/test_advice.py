@@ -23,19 +23,15 @@ def advise(camera, frames, **arguments):
 
 def test_it_helps_and_its_chain_is_ready_to_run(camera, frames):
     told = []
-    found = advise(camera, frames, progress=lambda *now: told.append(now))
+    found = advise(camera, frames, threads=1, progress=lambda *now: told.append(now))
     assert found.helps and found.held_out and found.evaluations <= 24
     assert found.rows["advised"]["loss"] < found.rows["untouched"]["loss"] == 1
     assert found.rows["advised"]["roughness"] < found.rows["untouched"]["roughness"]
     assert len(found.reasons) == len(found.chain) - 1, "the conversion needs none"
     assert found.chain(frames[0]).shape == frames[0].shape
     assert told[-1][:2] == (24, 24) and told[-1][2] < 1 and "DisparityTransform" in told[-1][3]
-
-
-def test_neither_threads_nor_time_change_the_answer(camera, frames):
-    alone = advise(camera, frames, threads=1)
-    assert advise(camera, frames, threads=3) == alone
-    assert advise(camera, frames, seed=2).chain != alone.chain
+    assert advise(camera, frames, threads=3) == found, "neither threads nor time change the answer"
+    assert advise(camera, frames, seed=2).chain != found.chain
 
 
 def test_truth_takes_the_place_of_predictions(camera, frames):
@@ -67,10 +63,9 @@ def test_other_threads_run_meanwhile(camera, frames):
     assert longest_pause(lambda: advise(camera, frames, threads=1)) < 0.8
 
 
-def test_one_frame_is_answered_without_memory(camera, frames):
+def test_what_limits_the_answer_is_remarked(camera, frames):
     found = advise(camera, frames[:1])
     assert not found.held_out and "One frame" in " ".join(found.remarks)
-    assert all(step.filter != "TemporalFilter" for step in found.chain)
 
 
 @pytest.mark.parametrize("arguments, message", [
@@ -79,7 +74,6 @@ def test_one_frame_is_answered_without_memory(camera, frames):
     ({"weights": {"medain": 1}}, "median"),
     ({"weights": {"median": -1}}, "0 to 1000"),
     ({"evaluations": 0}, "1 or more"),
-    ({"chain": zvfilter.Chain(["DisparityTransform:"])}, "no value"),
     ({"chain": zvfilter.Chain(["TemporalFilter:"]), "step": "smooth"}, "no such step"),
     ({"frames": [np.ones((112, 160), np.uint16), np.ones((48, 64), np.uint16)]}, "frame 1 is 64x48"),
     ({"frames": [np.full((48, 64), 1000, np.uint16)] * 3, "input": None}, "baseline and fx"),

@@ -48,13 +48,10 @@ def test_filters_give_a_chain_their_values_not_themselves(noise):
     assert chain(noise()).shape == (96, 128)
 
 
-def test_refusals_say_where():
+def test_refusals_say_where(tmp_path, chain):
     with pytest.raises(zvfilter.InvalidError) as refusal:
         zvfilter.Chain(["TemporalFilter", "Foo"])
     assert (refusal.value.code, refusal.value.step, refusal.value.key) == (zvfilter.Code.BAD_CHAIN, 1, None)
-
-
-def test_files_that_are_not_there(tmp_path, chain):
     with pytest.raises(OSError) as refusal:
         zvfilter.Chain.load(tmp_path / "none.json")
     assert isinstance(refusal.value, zvfilter.Error) and refusal.value.code == zvfilter.Code.NO_FILE
@@ -64,14 +61,6 @@ def test_files_that_are_not_there(tmp_path, chain):
         zvfilter.Chain("TemporalFilter")
     with pytest.raises(TypeError, match="a step is"):
         zvfilter.Chain([zvfilter.TemporalFilter])
-
-
-def test_an_input_without_a_size_is_kept():
-    chain = zvfilter.Chain.parse("""{"version": 1, "description": "near", "steps": [{"filter": "DisparityTransform"}],
-                                     "input": {"pixelType": "disparity", "disparity": {"baseline": 55, "fx": 400}}}""")
-    assert (chain.input.pixel_type, chain.input.baseline, chain.input.fx) == ("disparity", 55, 400)
-    again = json.loads(chain.to_json())
-    assert again["input"]["disparity"]["baseline"] == 55 and again["description"] == "near"
 
 
 def test_stages(chain, disparity):

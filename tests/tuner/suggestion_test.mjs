@@ -1,9 +1,9 @@
 // Values that the tuner suggests. Use: ZVFILTER=path/to/zvfilter node --test tests/tuner/
 import assert from "node:assert/strict";
 import {test} from "node:test";
-import {barriers} from "../web/browser.mjs";
+import {checkLayout} from "../web/browser.mjs";
 import {open} from "./browser.mjs";
-import {tuner, useTuner} from "./setting.mjs";
+import {tuner, useTuner} from "./tuner.mjs";
 
 const chain = [
   {filter: "DisparityTransform", values: {}},
@@ -43,7 +43,7 @@ test("a search answers with values, and there is one at a time", async () => {
 
 test("what is suggested stands beside the present values, can be taken and undone", async () => {
   const hash = `&chain=${encodeURIComponent(JSON.stringify(chain))}`;
-  const {page, chain: shown, settled, picture, close} = await open(tuner, {hash});
+  const {page, chain: shown, settled, picture} = await open(tuner, {hash});
   // What is found depends on how far a search gets.
   const found = [chain[0], {...chain[1], values: {alpha: 0.35, disp_diff: 1}}];
   let asked;
@@ -60,13 +60,11 @@ test("what is suggested stands beside the present values, can be taken and undon
   assert.deepEqual(await shown(), chain, "nothing changes by itself");
   await page.locator("#suggested").scrollIntoViewIfNeeded();
   await picture("suggested");
-  assert.deepEqual(await barriers(page), []);
+  await checkLayout(page, ".stage, .unseen");
   await page.getByRole("button", {name: "Use the suggested values"}).click();
   await settled();
-  const taken = await shown();
-  assert.deepEqual(taken, found);
+  assert.deepEqual(await shown(), found);
   assert.equal(await page.locator("#suggested table").count(), 0);
   await page.keyboard.press("Control+z");
   assert.deepEqual(await shown(), chain);
-  await close();
 });

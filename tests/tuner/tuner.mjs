@@ -1,20 +1,24 @@
 // A running zvfilter tune and what tests ask of it.
 import {spawn} from "node:child_process";
-import {readFileSync} from "node:fs";
+import {once} from "node:events";
 import http from "node:http";
-import {tool} from "../web/folder.mjs";
+import {after, before} from "node:test";
+import {folder, readNpy, tool, zvfilter} from "../web/folder.mjs";
 
-// Samples of a 16-bit .npy file.
-export function readNpy(file) {
-  const bytes = readFileSync(file);
-  const start = 10 + bytes.readUInt16LE(8);
-  return new Uint16Array(bytes.buffer.slice(bytes.byteOffset + start, bytes.byteOffset + bytes.length));
+const stops = [];
+after(() => Promise.all(stops.map((stop) => stop())));
+
+export let tuner;
+
+// Called once in a file, which has `tuner` while its tests run, at work on the recording rec/.
+export function useTuner(words, camera = ["--size", "160x100", "--frames", "24"]) {
+  before(async () => {
+    zvfilter("camera", "-o", "rec", ...camera);
+    tuner = await startTuner(...words);
+  });
 }
 
-const running = new Set();
-export const stopTuners = () => Promise.all([...running].map((stop) => stop()));
-
-export async function startTuner(folder, ...words) {
+export async function startTuner(...words) {
   const process = spawn(tool, ["tune", ...words], {cwd: folder});
   let said = "";
   process.stderr.on("data", (text) => {
@@ -32,71 +36,52 @@ export async function startTuner(folder, ...words) {
   });
   const {origin, host, port, hash} = new URL(address);
   const token = new URLSearchParams(hash.slice(1)).get("token");
-  const headers = {Host: host, Origin: origin, "X-Tuner-Token": token};
+  const own = {Host: host, Origin: origin, "X-Tuner-Token": token};
   // Any request; a header that is undefined is not sent.
-  const send = (path, {method = "POST", body, ...changed} = {}) =>
-    new Promise((resolve, reject) => {
-      const all = {...headers, ...changed.headers};
-      for (const name of Object.keys(all)) if (all[name] === undefined) delete all[name];
-      const request = http.request(
-        {host: "127.0.0.1", port, path, method, headers: all, agent: changed.agent},
-        (answer) => {
-          const parts = [];
-          answer.on("data", (part) => parts.push(part));
-          answer.on("end", () =>
-            resolve({
-              status: answer.statusCode,
-              headers: answer.headers,
-              bytes: Buffer.concat(parts),
-              get text() {
-                return this.bytes.toString();
-              },
-              get json() {
-                return JSON.parse(this.text);
-              }
-            })
-          );
-          answer.on("error", reject);
-        }
-      );
-      request.on("error", reject);
-      request.end(body);
-    });
+  const send = async (path, {method = "POST", body, headers = {}} = {}) => {
+    const sent = Object.entries({...own, ...headers}).filter(([, value]) => value !== undefined);
+    const request = http.request({host: "127.0.0.1", port, path, method, headers: Object.fromEntries(sent)});
+    request.on("error", () => {});
+    request.end(body);
+    const [answer] = await once(request, "response");
+    const bytes = Buffer.concat(await answer.toArray());
+    const json = answer.headers["content-type"] === "application/json" ? JSON.parse(bytes) : null;
+    return {status: answer.statusCode, headers: answer.headers, bytes, json};
+  };
   const stop = () => {
     process.kill("SIGINT");
     return ended;
   };
-  running.add(stop);
-  ended.then(() => running.delete(stop));
-  return {address, origin, host, port: +port, token, headers, send, stop};
+  stops.push(stop);
+  return {address, origin, host, port: +port, token, send, stop};
 }
 
 // A page without a browser.
-export function makeClient(tuner, client) {
+export function makeClient(client) {
   let number = 0;
-  const setup = tuner.send("/api/setup", {body: "{}"});
   return async (frame, chain, wishes = {}) => {
-    const body = {
-      client,
-      number: ++number,
-      frame,
-      chain: chain ?? (await setup).json.chain,
-      input: true,
-      accuracy: false,
-      tables: [],
-      ...wishes
-    };
-    body.names ??= body.chain.map((_, i) => `s${i}`);
-    const answer = await tuner.send("/api/frame", {body: JSON.stringify(body)});
-    if (answer.status !== 200) return {status: answer.status, ...answer.json};
-    const length = answer.bytes.readUInt32LE(0),
-      header = JSON.parse(answer.bytes.toString("utf8", 4, 4 + length));
-    let at = 4 + length;
+    const names = chain.map((_, i) => `s${i}`);
+    const body = {client, number: ++number, frame, chain, names, input: true, accuracy: false, tables: [], ...wishes};
+    const {status, json, bytes} = await tuner.send("/api/frame", {body: JSON.stringify(body)});
+    if (status !== 200) return {status, ...json};
+    const length = bytes.readUInt32LE(0);
+    const header = JSON.parse(bytes.toString("utf8", 4, 4 + length));
+    let at = bytes.byteOffset + 4 + length;
     const parts = {};
-    for (const {name, bytes} of header.parts) {
-      parts[name] = answer.bytes.buffer.slice(answer.bytes.byteOffset + at, answer.bytes.byteOffset + at + bytes);
-      at += (bytes + 3) & ~3;
+    for (const {name, bytes: size} of header.parts) {
+      parts[name] = bytes.buffer.slice(at, at + size);
+      at += (size + 3) & ~3;
     }
-    return {status: 200, ...header, parts, after: new Uint16Array(parts.after)};
+    return {status, ...header, after: new Uint16Array(parts.after)};
   };
+}
+
+let runs = 0;
+
+// What the tool makes of frames `first` to `last` of the recording: the last of them.
+export function made(chain, first, last) {
+  const names = Array.from({length: last - first + 1}, (_, i) => `disparity_${String(first + i).padStart(4, "0")}`);
+  const results = `made_${++runs}`;
+  zvfilter("run", "--chain", chain, ...names.map((name) => `rec/${name}.png`), "-o", results, "--format", "npy");
+  return readNpy(`${results}/${names.at(-1)}.npy`);
 }
