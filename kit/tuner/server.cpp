@@ -89,12 +89,14 @@ class Server::Parts {
       const File& file = page_files().at(request.path);
       response.set_content(file.text.data(), file.text.size(), file.type);
     });
-    for (const auto& [path, answer] : calls_) {
-      http_.Post(path,
-                 [this, answer = answer](const httplib::Request& request, httplib::Response& response) {
-                   (this->*answer)(request.body, response);
-                 });
-    }
+    // Once the body has been read: what is left of a request is taken for another one.
+    http_.Post(".*", [this](const httplib::Request& request, httplib::Response& response) {
+      if (const std::string problem = guard_.refuse_call(credentials_of(request)); !problem.empty())
+        return say(response, 403, problem);
+      const auto call = calls_.find(request.path);
+      if (call == calls_.end()) return say(response, 404, "there is nothing here");
+      (this->*call->second)(request.body, response);
+    });
     http_.set_exception_handler(
         [](const httplib::Request&, httplib::Response& response, const std::exception_ptr& problem) {
           try {
@@ -152,22 +154,18 @@ class Server::Parts {
     return port;
   }
 
-  /// Before the body is read.
   httplib::Server::HandlerResponse admit(const httplib::Request& request, httplib::Response& response) {
-    const bool call = request.method == "POST";
-    const Credentials credentials = credentials_of(request);
-    const std::string problem = call ? guard_.refuse_call(credentials) : guard_.refuse_file(credentials);
+    if (request.method == "POST") return httplib::Server::HandlerResponse::Unhandled;
+    const std::string problem = guard_.refuse_file(credentials_of(request));
     if (!problem.empty()) {
       say(response, 403, problem);
-    } else if (!call && request.method != "GET" && request.method != "HEAD") {
+    } else if (request.method != "GET" && request.method != "HEAD") {
       say(response, 405, "expected GET or POST");
-    } else if (call ? !calls_.contains(request.path) : !page_files().contains(request.path)) {
+    } else if (!page_files().contains(request.path)) {
       say(response, 404, "there is nothing here");
     } else {
       return httplib::Server::HandlerResponse::Unhandled;
     }
-    // What follows may be the body, which is not to be taken for another request.
-    response.set_header("Connection", "close");
     return httplib::Server::HandlerResponse::Handled;
   }
 
