@@ -89,7 +89,7 @@ std::string comparison(const ReportFrame& frame, const std::string& against) {
   };
   return concat(
       "<h3>Beside the results in ", escaped(against),
-      "</h3><div class=\"wide\"><table><thead><tr><th></th>"
+      "</h3><div class=\"wide\"><table><thead><tr><td></td>"
       "<th scope=\"col\">this run</th><th scope=\"col\">the other</th></tr></thead><tbody>",
       row("coverage", per_cent_text(mine.coverage), per_cent_text(other.coverage)),
       row("median error", length_text(mine.accuracy.median), length_text(other.accuracy.median)),

@@ -103,7 +103,7 @@ std::string totals_table(const Report& report, const std::vector<StageTotals>& t
     rows += row("", "The other run", other, false);
   }
   return concat(
-      "<div class=\"wide\"><table><thead><tr><th></th><th scope=\"col\">after</th>"
+      "<div class=\"wide\"><table><thead><tr><td></td><th scope=\"col\">after</th>"
       "<th scope=\"col\">coverage</th><th scope=\"col\">changed</th><th scope=\"col\">time</th>",
       with_truth ? "<th scope=\"col\">median error</th><th scope=\"col\">95th percentile</th>"
                    "<th scope=\"col\">off by &gt; 5\u202f%</th><th scope=\"col\">flicker</th>"
