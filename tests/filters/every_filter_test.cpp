@@ -67,16 +67,17 @@ TEST(AllFilters, RefuseDataThatDoNotFitTheirDescription) {
     FilterDriver filter(use.name, use.configuration);
     const devhost::LiveObjects before = devhost::live_objects();
     EXPECT_EQ(filter.refused(short_of_one), kBadFrame);
+    if (std::string(use.name) != "DepthResize") {  // which takes one size alone
+      devhost::FrameTraits huge = traits;
+      huge.width = huge.height = 4000000000u;
+      EXPECT_EQ(filter.refused(huge), kBadFrame);
+    }
     devhost::hide_data(true);
     EXPECT_EQ(filter.refused(traits), kBadFrame);
     devhost::hide_data(false);
     EXPECT_EQ(devhost::live_objects().frames, before.frames);
     EXPECT_FALSE(filter.filtered(traits).empty()) << "afterwards";
   }
-  FilterDriver filter("HoleFillingFilter");
-  devhost::FrameTraits huge = frame_of({1});
-  huge.width = huge.height = 0xffffffffu;
-  EXPECT_EQ(filter.refused(huge), kBadFrame);
 }
 
 }  // namespace
