@@ -269,8 +269,8 @@ TEST(DisparityTransform, AnUnknownPackModeFailsOnceAndThenGivesZeros) {
     const devhost::FrameTraits traits = disparity_frame(camera(dual ? 4 : 3, dual), {2560, 5120});
     const devhost::LiveObjects before = devhost::live_objects();
     EXPECT_EQ(filter.refused(traits),
-              (ErrorTexts{"Unsupported disparity data pack type error", rule, rule, 4}));
-    EXPECT_NE(filter.printed().find("call: " + rule + "(" + rule + ")"), std::string::npos);
+              error_text("Unsupported disparity data pack type error", rule, rule));
+    EXPECT_EQ(filter.printed(), filter.last_error());
     EXPECT_EQ(devhost::live_objects().frames, before.frames);
     EXPECT_EQ(filter.filtered(traits), Pixels(2));
   }
@@ -383,7 +383,7 @@ TEST(OpenNIDisparityTransform, SamplingClearsEntryZeroForGood) {
 }
 
 TEST(OpenNIDisparityTransform, KeepsWhatWasCheckedBeforeABadValue) {
-  const ErrorTexts failed = {"Frame sampling process error", "filter_process", "frameType", 4};
+  const std::string failed = error_text("Frame sampling process error", "filter_process", "frameType");
   FilterDriver filter(kOpenNI, Sampling{2, 1});
   EXPECT_EQ(filter.update(Sampling{65536, 2}), out_of_range("dst_width"));
   EXPECT_EQ(filter.update(Sampling{4, 70000, "0"}), out_of_range("dst_height"));

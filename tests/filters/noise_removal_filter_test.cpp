@@ -8,7 +8,8 @@ namespace filterprocessor {
 namespace {
 
 constexpr const char* kName = "NoiseRemovalFilter";
-const ErrorTexts kKernel = {"noise removal filter error", "filter_process", "NoiseRemovalFilter", 0};
+const std::string kKernel =
+    error_text("noise removal filter error", "filter_process", "NoiseRemovalFilter", 0);
 
 devhost::FrameTraits room(int width, int height) {
   devhost::FrameTraits traits =
@@ -132,15 +133,15 @@ TEST(NoiseRemovalFilter, AFailedConfigurationIsNotRetriedForTheSameKindOfFrame) 
     bad.value_scale = c.value_scale;
     bad.width = c.width;
     EXPECT_EQ(filter.refused(bad), invalid(c.field));
-    EXPECT_NE(filter.printed().find(std::string("call: updateConfig(") + c.field + ")"),
-              std::string::npos);
+    EXPECT_EQ(filter.printed(), invalid(c.field));
     EXPECT_EQ(filter.refused(bad), kKernel) << "there is no buffer to work in";
     EXPECT_EQ(filter.filtered(good), despeckled(good, kTable, 9, 0, 20));
   }
 }
 
 TEST(NoiseRemovalFilter, DepthOfAnotherSizeThanConfiguredNeedsGeometry) {
-  const ErrorTexts no_table = {"update depth diff lut error", "updateConfig", "updateDepthDiffLut()", 4};
+  const std::string no_table =
+      error_text("update depth diff lut error", "updateConfig", "updateDepthDiffLut()");
   for (const auto& [width, height] : {std::pair{424, 240}, {848, 240}, {424, 480}, {848, 480}}) {
     FilterDriver filter(kName);
     devhost::FrameTraits traits = room(width, height);

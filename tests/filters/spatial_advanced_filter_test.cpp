@@ -83,7 +83,7 @@ TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
   devhost::FrameTraits bad = room();
   bad.disparity.baseline = 0;
   EXPECT_EQ(filter.refused(bad),
-            (ErrorTexts{"update depth diff lut error", "updateConfig", "updateDepthDiffLut()", 4}));
+            error_text("update depth diff lut error", "updateConfig", "updateDepthDiffLut()"));
   EXPECT_EQ(filter.filtered(bad), result) << "the same kind of frame is not tried again";
   SpatialAdvancedFilter failed_once;
   bad.bits = 12;  // the step is rescaled before the table fails
@@ -106,7 +106,7 @@ TEST(SpatialAdvancedFilter, FramesWiderThanTheKernelsSizesFail) {
   wide.height = 1;
   wide.pixels.resize(70000);
   EXPECT_EQ(filter.refused(wide),
-            (ErrorTexts{"spatial advanced filter error", "filter_process", "SpatialaDvancedFilter", 0}));
+            error_text("spatial advanced filter error", "filter_process", "SpatialaDvancedFilter", 0));
 }
 
 }  // namespace
