@@ -205,7 +205,7 @@ TEST(DisparityTransform, OnlyWhereAParameterIsNoNumberOrTheBitSizesDifferEveryFr
   for (const auto& [zpps, bits, always] : {std::tuple{0.5, 16, false},
                                            {std::nan(""), 16, true},
                                            {0.5, 14, true}}) {  // the frame's 16 bits count
-    FilterDriver filter(kTransform);
+    FilterDriver filter(kTransform, {"50000", "1", "1"});
     devhost::FrameTraits traits = kThreeCodes;
     traits.disparity.zpps = zpps;
     traits.disparity.bitSize = static_cast<std::uint8_t>(bits);
@@ -299,7 +299,7 @@ struct Sampling {
 /// 16 x 12 codes of different depths.
 devhost::FrameTraits positions() {
   Pixels codes;
-  for (int i = 0; i < 16 * 12; ++i) codes.push_back(static_cast<std::uint16_t>(40000 + 60 * i));
+  for (int i = 0; i < 16 * 12; ++i) codes.push_back(static_cast<std::uint16_t>(40000 + 10 * i));
   devhost::FrameTraits traits = disparity_frame(camera(1, true), codes, 12);
   traits.intrinsic = {500, 501, 320, 200, 640, 400};
   traits.format = 7;
@@ -309,11 +309,13 @@ devhost::FrameTraits positions() {
 TEST(OpenNIDisparityTransform, SamplesScalesCropsAndBlanks) {
   const devhost::FrameTraits source = positions();
   const Pixels whole = FilterDriver(kOpenNI, Sampling{0, 0}).filtered(source);
+  EXPECT_EQ(std::ranges::count(whole, 0), 0);
   for (const Sampling& c : {Sampling{16, 12},
                             {8, 6, "0.5"},
                             {30, 20, "2", 1, 2, 3, 1},
                             {20, 20, "1", 5, 4},
-                            {6, 5, "1", 3, 0, -1, 7},
+                            {6, 5, "1", 3, 0, -1, 2},
+                            {6, 5, "1", 3, 2},
                             {16, 12, "1", 65536, 65535}}) {
     const devhost::FrameTraits depth = FilterDriver(kOpenNI, c).output(source);
     const float scale = std::stof(c.scale);

@@ -9,7 +9,8 @@ constexpr const char* kName = "HardwareD2DCorrectionFilter";
 
 /// fx times baseline is 46000, so a correction of 8 gives 5750.
 devhost::FrameTraits corrected(std::int64_t correction, Pixels pixels = {5749, 5750, 5751, 0}) {
-  devhost::FrameTraits traits = frame_of(std::move(pixels));
+  const std::uint32_t height = pixels.size() % 2 == 0 ? 2 : 1;
+  devhost::FrameTraits traits = frame_of(std::move(pixels), height);
   traits.metadata[32] = correction;
   traits.disparity.fx = 920;
   traits.disparity.baseline = 50;

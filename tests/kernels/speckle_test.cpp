@@ -221,12 +221,11 @@ struct Dispatched {
 
 void expect_dispatch(Dispatched expected) {
   auto& [width, height, max_size, pyramid, limit, map] = expected;
-  // Stretches of every size that the limits tell apart, on both grids.
+  // Rectangles of so many sizes that the limits tell them apart, on both grids.
   Image image(width, height);
-  for (int row = 0; row + 1 < height; row += 3) {
+  for (int top = 0, side = 1; top + side < height; top += side + 1, side += side / 4 + 1) {
     for (int col = 0, length = 1; col + length < width; col += length + 1, ++length) {
-      std::fill_n(&image.at(row, col), length, static_cast<std::uint16_t>(800 + row));
-      std::fill_n(&image.at(row + 1, col), length / 2, static_cast<std::uint16_t>(800 + row));
+      for (int row = top; row < top + side; ++row) std::fill_n(&image.at(row, col), length, 800);
     }
   }
   const bool fixed = map.empty();
@@ -246,7 +245,7 @@ TEST(Speckle, TheSizeChoosesFormAndLimit) {
   for (const Dispatched& expected : {Dispatched{848, 480, 80, false, 80},
                                      {640, 400, 80, true, 20},
                                      {424, 240, 20, true, 5},
-                                     {20, 1280, 47, true, 11},
+                                     {40, 1280, 47, true, 11},
                                      {1280, 640, 3, true, 1920},
                                      {640, 320, 3, true, 480},
                                      {320, 160, -9, true, 120},
@@ -271,6 +270,7 @@ TEST(Speckle, DefaultLimitsAreReadAtEveryCall) {
 
 TEST(Speckle, MapModeTakesThePyramidAt1280And640Only) {
   Pixels map = {2, 9, 0, 30};
+  expect_dispatch({2, 2, 77, false, 0, map});
   expect_dispatch({640, 20, 77, true, 0, map});
   expect_dispatch({12, 1280, 77, true, 0, map});
   expect_dispatch({320, 240, 77, false, 0, map});
