@@ -8,9 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include "cases/images.h"
 #include "dev_host.h"
 #include "filter_handle.h"
-#include "support/pixels.h"
 
 namespace filterprocessor {
 
