@@ -64,9 +64,11 @@ class FilterDriver {
     return result ? devhost::inspect(result.get()) : devhost::FrameTraits{};
   }
   Pixels filtered(const devhost::FrameTraits& traits) { return output(traits).pixels; }
-  /// The error for a frame, which has to be refused.
+  /// The error for a frame, which has to be refused and no frame left behind.
   std::string refused(const devhost::FrameTraits& traits) {
+    const long frames = devhost::live_objects().frames;
     printed_ = output_of([&] { EXPECT_FALSE(process(devhost::make_frame(traits))); });
+    EXPECT_EQ(devhost::live_objects().frames, frames);
     return last_error_;
   }
 
