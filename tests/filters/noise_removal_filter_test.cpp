@@ -23,12 +23,12 @@ devhost::FrameTraits room(int width, int height) {
 }
 
 /// What the kernel makes of the frame with these parameters; a null table means the fixed threshold.
-Pixels despeckled(const devhost::FrameTraits& traits, std::vector<std::uint16_t> table,
-                  std::uint8_t shift, int max_diff, int max_size, std::uint16_t invalid_value = 0) {
+Pixels despeckled(const devhost::FrameTraits& traits, Pixels table, int max_diff, int max_size,
+                  std::uint16_t invalid_value = 0) {
   Pixels pixels = traits.pixels;
   std::vector<std::uint8_t> buffer(9 * pixels.size() + 1);
   depth_api_softfilter(buffer.data(), pixels.data(), nullptr, static_cast<int>(traits.width),
-                       static_cast<int>(traits.height), table.empty() ? nullptr : table.data(), shift,
+                       static_cast<int>(traits.height), table.empty() ? nullptr : table.data(), 9,
                        static_cast<std::uint8_t>(table.size()), max_diff, max_size, 4, 4, invalid_value,
                        1);
   return pixels;
@@ -38,18 +38,12 @@ Pixels despeckled(const devhost::FrameTraits& traits, std::vector<std::uint16_t>
 const std::vector<std::uint16_t> kTable = {6, 25, 56, 100, 156, 225, 306};
 
 TEST(NoiseRemovalFilter, ScalesTheSizeLimitWithTheAreaOfTheFrame) {
-  struct Case {
-    int width, height, max_size;
-  };
-  for (const Case& c :
-       {Case{848, 480, 80}, {424, 240, 20}, {640, 400, 50}, {1280, 800, 201}, {100, 70, 1}}) {
-    FilterDriver filter(kName);
-    const devhost::FrameTraits traits = room(c.width, c.height);
-    const Pixels result = filter.filtered(traits);
-    EXPECT_EQ(result, despeckled(traits, kTable, 9, 0, c.max_size)) << c.width << " x " << c.height;
-    if (c.width > 100) {
-      EXPECT_NE(result, traits.pixels);
-    }
+  for (const auto& [width, height, max_size] :
+       {std::tuple{848, 480, 80}, {424, 240, 20}, {640, 400, 50}, {1280, 800, 201}, {100, 70, 1}}) {
+    const devhost::FrameTraits traits = room(width, height);
+    const Pixels result = FilterDriver(kName).filtered(traits);
+    EXPECT_EQ(result, despeckled(traits, kTable, 0, max_size)) << width << " x " << height;
+    EXPECT_NE(result, traits.pixels);
   }
 }
 
@@ -57,18 +51,17 @@ TEST(NoiseRemovalFilter, RescalesTheDifferenceByFractionBits) {
   FilterDriver filter(kName);
   devhost::FrameTraits traits = room(424, 240);
   traits.bits = 12;  // 4 fraction bits: the difference becomes 16, and the table stays
-  EXPECT_EQ(filter.filtered(traits), despeckled(traits, kTable, 9, 0, 20));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, kTable, 0, 20));
   traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
-  EXPECT_EQ(filter.filtered(traits), despeckled(traits, {}, 0, 16, 20));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, {}, 16, 20));
   traits.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
-  EXPECT_EQ(filter.filtered(traits),
-            despeckled(traits, {256, 512, 768, 1024, 1280, 1536, 1792}, 9, 0, 20));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, {256, 512, 768, 1024, 1280, 1536, 1792}, 0, 20));
   traits.pixel_type = 7;  // an empty table: only equal neighbours join
-  EXPECT_EQ(filter.filtered(traits), despeckled(traits, Pixels(7), 9, 0, 20));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, Pixels(7), 0, 20));
   EXPECT_EQ(filter.update({"80", "10000", "848", "480"}), kNoError);
   traits.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
   EXPECT_EQ(filter.filtered(traits),
-            despeckled(traits, {10000, 20000, 30000, 40000, 50000, 60000, 4464}, 9, 0, 20))
+            despeckled(traits, {10000, 20000, 30000, 40000, 50000, 60000, 4464}, 0, 20))
       << "entries keep their low 16 bits";
 }
 
@@ -78,12 +71,11 @@ TEST(NoiseRemovalFilter, KnowsTheInvalidCodeOfEachCamera) {
     std::uint16_t invalid_value;
   };
   for (const Case& c : {Case{1, 2, 0}, {1, 4, 0}, {0, 1, 0}, {0, 4, 65532}, {0, 2, 8192}, {0, 3, 8192}}) {
-    FilterDriver filter(kName);
     devhost::FrameTraits traits = room(120, 80);
     traits.pixel_type = ZV_PIXEL_TYPE_DISPARITY;
     traits.disparity.isDualCamera = c.dual;
     traits.disparity.packMode = c.mode;
-    EXPECT_EQ(filter.filtered(traits), despeckled(traits, {}, 0, 256, 1, c.invalid_value));
+    EXPECT_EQ(FilterDriver(kName).filtered(traits), despeckled(traits, {}, 256, 1, c.invalid_value));
   }
 }
 
@@ -111,31 +103,27 @@ TEST(NoiseRemovalFilter, ShiftFollowsTheDepthUnit) {
 TEST(NoiseRemovalFilter, ScalesFromTheSizeItIsConfiguredFor) {
   FilterDriver filter(kName, {"1000", "128", "1280", "1024"});
   const devhost::FrameTraits traits = room(424, 240);
-  EXPECT_EQ(filter.filtered(traits), despeckled(traits, {3, 12, 28, 50, 78, 112, 153}, 9, 0, 77));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, {3, 12, 28, 50, 78, 112, 153}, 0, 77));
   filter.reset();
-  EXPECT_EQ(filter.filtered(traits), despeckled(traits, kTable, 9, 0, 20));
+  EXPECT_EQ(filter.filtered(traits), despeckled(traits, kTable, 0, 20));
 }
 
 TEST(NoiseRemovalFilter, AFailedConfigurationIsNotRetriedForTheSameKindOfFrame) {
-  struct Case {
-    const char* field;
-    float baseline, value_scale;
-    std::uint32_t width;
-  };
-  for (const Case& c : {Case{"frame_info.bxf", 0, 1, 424},
-                        {"frame_info.depth_unit", 50, 0, 424},
-                        {"frame_info.width||frame_info.height", 50, 1, 0}}) {
+  for (const auto& [field, baseline, value_scale, width] :
+       {std::tuple{"frame_info.bxf", 0.0f, 1.0f, 424u},
+        {"frame_info.depth_unit", 50.0f, 0.0f, 424u},
+        {"frame_info.width||frame_info.height", 50.0f, 1.0f, 0u}}) {
     FilterDriver filter(kName, {"80", "100", "848", "480"});
     EXPECT_EQ(filter.update({"80", "256", "848", "480"}), kNoError);
     devhost::FrameTraits good = room(424, 240);
     devhost::FrameTraits bad = good;
-    bad.disparity.baseline = c.baseline;
-    bad.value_scale = c.value_scale;
-    bad.width = c.width;
-    EXPECT_EQ(filter.refused(bad), invalid(c.field));
-    EXPECT_EQ(filter.printed(), invalid(c.field));
+    bad.disparity.baseline = baseline;
+    bad.value_scale = value_scale;
+    bad.width = width;
+    EXPECT_EQ(filter.refused(bad), invalid(field));
+    EXPECT_EQ(filter.printed(), invalid(field));
     EXPECT_EQ(filter.refused(bad), kKernel) << "there is no buffer to work in";
-    EXPECT_EQ(filter.filtered(good), despeckled(good, kTable, 9, 0, 20));
+    EXPECT_EQ(filter.filtered(good), despeckled(good, kTable, 0, 20));
   }
 }
 

@@ -178,13 +178,10 @@ TEST(Speckle, EveryFunctionPassesItsArgumentsOn) {
   check(plain::speckle.pyramid, {by_table, by_map, 5}, [&](Work work, Depth depth) {
     filterSpecklePyramid_lut(work, depth, map.data(), 61, 40, table.data(), 3, 4, 3, 2, 5);
   });
-  Image half(30, 20);
-  downSample(image.pixels.data(), half.pixels.data(), 61, 40);
-  for (int row = 0; row < 20; ++row) {
-    for (int col = 0; col < 30; ++col) {
-      ASSERT_EQ(half.at(row, col), image.at(2 * row + 1, 2 * col + 1)) << row << ", " << col;
-    }
-  }
+  Pixels half(600), expected;
+  for (int i = 0; i < 600; ++i) expected.push_back(image.at(2 * (i / 30) + 1, 2 * (i % 30) + 1));
+  downSample(image.pixels.data(), half.data(), 61, 40);
+  EXPECT_EQ(half, expected);
 }
 
 TEST(Speckle, SizesOutOfRangeTouchNothing) {
