@@ -232,9 +232,9 @@ void expect_dispatch(Dispatched expected) {
   std::uint16_t* const depth = buffers.copy(image.pixels);
   depth_api_softfilter(buffers.work_space(9 * image.size()), depth, fixed ? nullptr : map.data(), width,
                        height, nullptr, 0, 0, 3, max_size, 2, 2, 0, fixed);
-  EXPECT_TRUE(std::ranges::equal(
-      with.run(pyramid ? plain::speckle.pyramid : plain::speckle.full, image.pixels, image.width),
-      std::span(depth, image.size())))
+  const auto kernel = pyramid ? plain::speckle.pyramid : plain::speckle.full;
+  const Pixels result = with.run(kernel, image.pixels, static_cast<std::size_t>(width));
+  EXPECT_TRUE(std::ranges::equal(result, std::span(depth, image.size())))
       << width << "x" << height << ", " << max_size;
 }
 
