@@ -32,6 +32,7 @@ TEST(EdgeNoiseRemovalFilter, ScalesItsThresholdsInBothDirectionsFromTheStart) {
   expect_cleared(filter, 1280, 800, 6, 6);
   expect_cleared(filter, 848, 480, 3, 3);
   expect_cleared(filter, 160, 100, 0, 0);  // 0.75 is no pixel
+  expect_cleared(filter, 11, 1, 0, 0);     // the smallest of one row
   EXPECT_EQ(filter.update({"8", "4", "70", "30", "0", "640", "400"}), kNoError);
   expect_cleared(filter, 640, 400, 8, 0);
   expect_cleared(filter, 320, 400, 4, 0);
@@ -87,8 +88,8 @@ TEST(EdgeNoiseRemovalFilter, AMarginAboveItsLimitFailsEveryFrameOnly) {
 TEST(EdgeNoiseRemovalFilter, AFailedScalingIsTriedAgain) {
   FilterDriver filter("EdgeNoiseRemovalFilter");
   expect_cleared(filter, 640, 400, 3, 3);
-  for (const auto& [width, height] : {std::pair{2u, 1u}, {2u, 1u}, {0u, 5u}, {5u, 0u}}) {
-    devhost::FrameTraits tiny = full(5, 1);
+  for (const auto& [width, height] : {std::pair{10u, 1u}, {10u, 1u}, {0u, 5u}, {5u, 0u}}) {
+    devhost::FrameTraits tiny = full(10, 1);
     tiny.width = width;
     tiny.height = height;
     EXPECT_EQ(filter.refused(tiny), invalid("width||height"));
