@@ -286,7 +286,7 @@ struct Sampling {
   int x_cut = 0, y_cut = 0, x_set = 0, y_set = 0;
 
   operator Values() const {
-    Values values = {"65535", "1", "1", std::to_string(width), std::to_string(height), scale};
+    Values values = {"65535", "1", "0.5", std::to_string(width), std::to_string(height), scale};
     for (const int value : {x_cut, y_cut, x_set, y_set}) values.push_back(std::to_string(value));
     return values;
   }
@@ -312,6 +312,7 @@ TEST(OpenNIDisparityTransform, SamplesScalesCropsAndBlanks) {
                             {20, 20, "1", 5, 4},
                             {6, 5, "1", 3, 0, -1, 2},
                             {6, 5, "1", 3, 2},
+                            {1, 1, "1", 3, 2},
                             {16, 12, "1", 65536, 65535}}) {
     const devhost::FrameTraits depth = FilterDriver(kOpenNI, c).output(source);
     const float scale = std::stof(c.scale);
@@ -330,6 +331,7 @@ TEST(OpenNIDisparityTransform, SamplesScalesCropsAndBlanks) {
     }
     EXPECT_EQ(depth.pixels, expected) << c.width << " x " << c.height << " at " << c.scale;
     EXPECT_EQ(depth.type, ZV_FRAME_TYPE_DEPTH);
+    EXPECT_EQ(depth.value_scale, 0.5f);
     EXPECT_EQ(depth.format, 7);
     EXPECT_EQ(depth.pixel_type, ZV_PIXEL_TYPE_DEPTH);
     EXPECT_EQ(depth.width, static_cast<std::uint32_t>(c.width));

@@ -161,6 +161,9 @@ TEST(MarginInterface, TheSideWithTheWiderGapGetsTheLargeMargin) {
   const Ends empty = {1, 0};
   EXPECT_EQ(asymmetric_margins(empty, {38, 99}), Ends(4, 4)) << "gaps of 114 and 103";
   EXPECT_EQ(asymmetric_margins(empty, {42, 99}), Ends(9, 4)) << "gaps of 126 and 103";
+  Pixels row(64, 5);
+  EXPECT_EQ(depth_api_margin_filter_asym(row.data(), 64, 1, 9, 4, 0, 20, 0), 0);
+  EXPECT_EQ(std::ranges::count(row, 5), 64 - 4 - 9) << "a single row";
 }
 
 TEST(MarginChamfer, TableFallsAlongAnArc) {
