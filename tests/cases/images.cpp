@@ -28,16 +28,12 @@ Sides any_sides(Source& source, std::size_t smallest) {
   return {std::max(width, smallest), std::max(height, smallest)};
 }
 
-namespace {
-
-Pixels any_scene(Source& source, const Sides& sides) {
+static Pixels any_scene(Source& source, const Sides& sides) {
   if (sides.area() == 0) return {};
   const auto make = source.pick({+[](int w, int h) { return bench::stereo_scene(w, h); }, bench::comb,
                                  bench::spiral, bench::checkerboard});
   return make(static_cast<int>(sides.width), static_cast<int>(sides.height)).pixels;
 }
-
-}  // namespace
 
 Pixels any_pixels(Source& source, const Sides& sides, std::uint16_t invalid) {
   enum Kind { kNoise, kLevels, kCheckers, kRamp, kSpots, kBlocks, kInput, kEnds, kScene, kKinds };

@@ -2,10 +2,13 @@
 #ifndef FILTERPROCESSOR_TESTS_CASES_IMAGES_H
 #define FILTERPROCESSOR_TESTS_CASES_IMAGES_H
 
+#include <vector>
+
 #include "cases/source.h"
-#include "support/pixels.h"
 
 namespace filterprocessor {
+
+using Pixels = std::vector<std::uint16_t>;
 
 struct Sides {
   std::size_t width, height;

@@ -1,5 +1,3 @@
-#include "filters/hardware_d2d_correction_filter.h"
-
 #include "support/filter_driver.h"
 
 namespace filterprocessor {
@@ -9,7 +7,8 @@ constexpr const char* kName = "HardwareD2DCorrectionFilter";
 
 /// fx times baseline is 46000, so a correction of 8 gives 5750.
 devhost::FrameTraits corrected(std::int64_t correction, Pixels pixels = {5749, 5750, 5751, 0}) {
-  devhost::FrameTraits traits = frame_of(std::move(pixels));
+  const std::uint32_t height = pixels.size() % 2 == 0 ? 2 : 1;
+  devhost::FrameTraits traits = frame_of(std::move(pixels), height);
   traits.metadata[32] = correction;
   traits.disparity.fx = 920;
   traits.disparity.baseline = 50;
@@ -60,14 +59,14 @@ TEST(HardwareD2DCorrectionFilter, KeepsTheDepthUnderANewProfileUntilTheCorrectio
 }
 
 TEST(HardwareD2DCorrectionFilter, ResetForgetsEverything) {
-  HardwareD2DCorrectionFilter filter;
-  const devhost::LiveObjects before = devhost::live_objects();
-  const devhost::Frame frame = devhost::make_frame(corrected(8));
-  devhost::Frame(filter.filter_process(frame.get(), nullptr));
-  filter.reset_filter(nullptr);
-  EXPECT_EQ(devhost::live_objects().profiles, before.profiles + 1) << "the frame's own";
-  EXPECT_EQ(FilterDriver::output_of([&] { filter.print_key_params(); }),
-            "disp_offset: 0\ninvalid_depth: 0\nfb: 0\n");
+  FilterDriver filter(kName);
+  devhost::FrameTraits traits = corrected(8);
+  EXPECT_EQ(filter.filtered(traits), kCleared);
+  traits.disparity.fx = 919.84;
+  EXPECT_EQ(filter.filtered(traits), kCleared) << "the profile is that of before";
+  filter.reset();
+  EXPECT_EQ(devhost::live_objects().profiles, 0);
+  EXPECT_EQ(filter.filtered(traits), (Pixels{0, 5750, 5751, 0}));
 }
 
 }  // namespace

@@ -120,9 +120,8 @@ void expect_survived(const Scenario& scenario, const devhost::Frame& before, con
       }
     });
     ASSERT_TRUE(devhost::clear_fault());
-    EXPECT_EQ(printed, "zv_error was raised: \n\tcall: " + call +
-                           "()\n\tmessage: injected fault\n\terror type: 7\n");
-    EXPECT_EQ(filter.last_error(), (null_slot ? kNoError : ErrorTexts{"injected fault", call, "", 7}));
+    EXPECT_EQ(printed, error_text("injected fault", call, "", 7));
+    EXPECT_EQ(filter.last_error(), null_slot ? kNoError : printed);
     EXPECT_EQ(devhost::live_objects().frames, baseline.frames);
     const devhost::Frame next = filter.process(input);
     ASSERT_TRUE(next) << "the next frame: " << filter.last_error();
@@ -174,7 +173,7 @@ TEST(HostFaults, AnErrorThatIsAlreadyThereCountsAsTheFirstCalls) {
     const std::string printed = FilterDriver::output_of(
         [&] { EXPECT_EQ(context->process(context->filter, input.get(), &error), nullptr); });
     EXPECT_EQ(error, old);
-    EXPECT_EQ(printed, "zv_error was raised: \n\tcall: before(x)\n\tmessage: old\n\terror type: 3\n");
+    EXPECT_EQ(printed, error_text("old", "before", "x", 3));
   }
 }
 

@@ -16,7 +16,7 @@ struct Print {
   std::vector<const char*> configuration;  ///< none: as it is made
   std::string text;
   std::int32_t pixel_type = ZV_PIXEL_TYPE_DEPTH;
-  bool before_any_frame = false;
+  bool reset = false;
 };
 
 const std::string kRecord =
@@ -29,7 +29,7 @@ const std::string kNoise =
     "current_filter_params: \nwidth:    640\nheight:   400\nmax_size: 50\nmin_diff: 256\n"
     "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        ";
 
-/// After a frame of 640 x 400, or before it.
+/// After a frame of 640 x 400 and, where it says so, a reset.
 const Print kPrints[] = {
     {0, {}, kRecord, ZV_PIXEL_TYPE_DISPARITY},
     {1, {}, "hole filling mode: top\n"},
@@ -85,8 +85,8 @@ TEST(Prints, StayWhateverIsSetForStandardOutput) {
       traits.disparity.zpd = 1234.567;
       traits.disparity.zpps = 0.25;
       const devhost::Frame frame = devhost::make_frame(traits);
-      if (!print.before_any_frame)
-        FilterDriver::output_of([&] { devhost::Frame(filter->filter_process(frame.get(), nullptr)); });
+      FilterDriver::output_of([&] { devhost::Frame(filter->filter_process(frame.get(), nullptr)); });
+      if (print.reset) filter->reset_filter(nullptr);
       std::ios before(nullptr);
       before.copyfmt(std::cout);
       if (set) {

@@ -17,11 +17,11 @@ devhost::FrameTraits room() {
   return traits;
 }
 
-Pixels smoothed(const devhost::FrameTraits& traits, const std::vector<std::uint16_t>& table,
-                std::uint8_t shift, int magnitude = 1, float alpha = 0.5f, std::uint8_t radius = 1) {
+Pixels smoothed(const devhost::FrameTraits& traits, const Pixels& table, int magnitude = 1,
+                float alpha = 0.5f, std::uint8_t radius = 1) {
   Pixels pixels = traits.pixels;
-  depth_api_spatial_filter_origin_lut(pixels.data(), 200, 130, table.data(), shift, 7, magnitude, radius,
-                                      1, 1, alpha);
+  depth_api_spatial_filter_origin_lut(pixels.data(), 200, 130, table.data(), 9, 7, magnitude, radius, 1,
+                                      1, alpha);
   return pixels;
 }
 
@@ -31,16 +31,16 @@ Pixels smoothed_fixed(const devhost::FrameTraits& traits, float difference) {
   return pixels;
 }
 
-const std::vector<std::uint16_t> kTable = {3, 15, 35, 62, 97, 140, 191};
+const Pixels kTable = {3, 15, 35, 62, 97, 140, 191};
 
 TEST(SpatialAdvancedFilter, TurnsTheDisparityStepIntoStepsOfDepth) {
   FilterDriver filter(kName);
   const devhost::FrameTraits traits = room();
   const Pixels result = filter.filtered(traits);
-  EXPECT_EQ(result, smoothed(traits, kTable, 9));
+  EXPECT_EQ(result, smoothed(traits, kTable));
   EXPECT_NE(result, traits.pixels);
   EXPECT_EQ(filter.update({"3", "0.3", "160", "4"}), kNoError);
-  EXPECT_EQ(filter.filtered(traits), smoothed(traits, kTable, 9, 3, 0.3f, 4));
+  EXPECT_EQ(filter.filtered(traits), smoothed(traits, kTable, 3, 0.3f, 4));
   filter.reset();
   EXPECT_EQ(filter.filtered(traits), result);
 }
@@ -61,7 +61,7 @@ TEST(SpatialAdvancedFilter, KeepsTheGeometryOfAnEarlierFrameForLinearDepth) {
   traits.pixel_type = ZV_PIXEL_TYPE_LINEAR_DEPTH;
   traits.value_scale = 0;  // not read
   traits.disparity = {};
-  EXPECT_EQ(filter.filtered(traits), smoothed(traits, {160, 320, 480, 640, 800, 960, 1120}, 9));
+  EXPECT_EQ(filter.filtered(traits), smoothed(traits, {160, 320, 480, 640, 800, 960, 1120}));
   devhost::FrameTraits bad = room();
   bad.value_scale = 0;
   EXPECT_EQ(filter.refused(bad), invalid("frame_info.depth_unit"));
@@ -72,7 +72,7 @@ TEST(SpatialAdvancedFilter, OnlyHolesChangeInFramesOfOtherPixelTypes) {
   FilterDriver filter(kName, {"1", "0.5", "160", "8"});
   devhost::FrameTraits traits = room();
   traits.pixel_type = 9;
-  EXPECT_EQ(filter.filtered(traits), smoothed(traits, Pixels(7), 0, 1, 0.5f, 8));
+  EXPECT_EQ(filter.filtered(traits), smoothed(traits, Pixels(7), 1, 0.5f, 8));
   traits.pixel_type = -1;
   EXPECT_EQ(filter.refused(traits), invalid("frame_info.pixel_type"));
 }
@@ -83,7 +83,7 @@ TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
   devhost::FrameTraits bad = room();
   bad.disparity.baseline = 0;
   EXPECT_EQ(filter.refused(bad),
-            (ErrorTexts{"update depth diff lut error", "updateConfig", "updateDepthDiffLut()", 4}));
+            error_text("update depth diff lut error", "updateConfig", "updateDepthDiffLut()"));
   EXPECT_EQ(filter.filtered(bad), result) << "the same kind of frame is not tried again";
   SpatialAdvancedFilter failed_once;
   bad.bits = 12;  // the step is rescaled before the table fails
@@ -106,7 +106,7 @@ TEST(SpatialAdvancedFilter, FramesWiderThanTheKernelsSizesFail) {
   wide.height = 1;
   wide.pixels.resize(70000);
   EXPECT_EQ(filter.refused(wide),
-            (ErrorTexts{"spatial advanced filter error", "filter_process", "SpatialaDvancedFilter", 0}));
+            error_text("spatial advanced filter error", "filter_process", "SpatialaDvancedFilter", 0));
 }
 
 }  // namespace

@@ -1,19 +1,20 @@
-// The exported functions around the filters.
+// The exported functions around the filters, and the numbers that they read.
+#include "common/saturate.h"
 #include "filters/temp_filter1.h"
+#include "framework/config_values.h"
 #include "framework/errors.h"
 #include "framework/registry/filter_factory.h"
+#include "support/every_filter.h"
 #include "support/filter_driver.h"
 
 namespace filterprocessor {
 namespace {
 
 TEST(Registry, ListsNineFiltersAndRefusesOtherIndices) {
-  std::vector<std::string> names;
-  for (int i = 0; i < zv_get_filter_count(); ++i) names.emplace_back(zv_get_filter_name(i));
-  EXPECT_EQ(names, (std::vector<std::string>{"DisparityTransform", "HoleFillingFilter",
-                                             "NoiseRemovalFilter", "SpatialAdvancedFilter",
-                                             "TemporalFilter", "DepthResize", "EdgeNoiseRemovalFilter",
-                                             "HardwareD2DCorrectionFilter", "OpenNIDisparityTransform"}));
+  ASSERT_EQ(zv_get_filter_count(), 9);
+  for (int i = 0; i < 9; ++i) {
+    EXPECT_STREQ(zv_get_filter_name(i), every_filter(1, 1)[static_cast<std::size_t>(i)].name);
+  }
   for (const int index : {9, -1, 1 << 30, std::numeric_limits<int>::min()}) {
     EXPECT_STREQ(zv_get_filter_name(index), "UnknownFilter");
     EXPECT_EQ(zv_create_filter(index), nullptr);
@@ -53,7 +54,7 @@ TEST(Boundary, NullHandlesDoNothing) {
 TEST(Errors, AreMadeByTheHostEvenWhenNobodyListens) {
   zv_error* error = nullptr;
   create_error(&error, 1, "message", "function", "argument", 9);
-  EXPECT_EQ(texts_of(error), (ErrorTexts{"message", "function", "argument", 9}));
+  EXPECT_EQ(text_of(error), error_text("message", "function", "argument", 9));
   const std::size_t count = devhost::error_count();
   report_error(nullptr, "message", "function", "argument");
   EXPECT_EQ(devhost::error_count(), count + 1);
@@ -80,6 +81,34 @@ TEST(TempFilter1, MakesAFrameLikeAnyFrame) {
   EXPECT_EQ(devhost::inspect(output.get()).type, 1);
   EXPECT_EQ(error, nullptr);
   EXPECT_EQ(filter.filter_process(nullptr, &error), nullptr);
+}
+
+TEST(Saturate, TruncatesTowardZeroAndStopsAtTheEndsOfTheRange) {
+  EXPECT_EQ(saturate<std::int32_t>(2.9f), 2);
+  EXPECT_EQ(saturate<std::int32_t>(-2.9f), -2);
+  EXPECT_EQ(saturate<std::int32_t>(2147483648.0f), std::numeric_limits<std::int32_t>::max());
+  EXPECT_EQ(saturate<std::int32_t>(2147483647.5), 2147483647);
+  EXPECT_EQ(saturate<std::int32_t>(-3e9f), std::numeric_limits<std::int32_t>::min());
+  EXPECT_EQ(saturate<std::uint32_t>(-0.5f), 0u);
+  EXPECT_EQ(saturate<std::uint32_t>(-1.0f), 0u);
+  EXPECT_EQ(saturate<std::uint32_t>(4294967295.0), 4294967295u);
+  EXPECT_EQ(saturate<std::uint16_t>(65535.9f), 65535);
+  EXPECT_EQ(saturate<std::int64_t>(1e30f), std::numeric_limits<std::int64_t>::max());
+  EXPECT_EQ(saturate<std::int32_t>(std::numeric_limits<float>::quiet_NaN()), 0);
+  EXPECT_EQ(saturate<std::int32_t>(-std::numeric_limits<double>::infinity()),
+            std::numeric_limits<std::int32_t>::min());
+}
+
+TEST(ConfigValues, ReadsWhatIsNotANumberAsZero) {
+  std::array texts = {"12x", "nothing", " -7", "0.25", static_cast<const char*>(nullptr), "010"};
+  const ConfigValues values(texts.size(), texts.data(), nullptr);
+  EXPECT_EQ(values.integer(0), 12);
+  EXPECT_EQ(values.integer(1), 0);
+  EXPECT_EQ(values.integer(2), -7);
+  EXPECT_EQ(values.number(3), 0.25);
+  EXPECT_EQ(values.number(4), 0.0);
+  EXPECT_EQ(values.integer(5), 10);
+  EXPECT_EQ(ConfigValues(1, nullptr, nullptr).integer(0), 0);
 }
 
 }  // namespace

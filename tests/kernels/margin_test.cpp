@@ -11,38 +11,41 @@ namespace {
 constexpr int kMin = std::numeric_limits<int>::min();
 constexpr int kMax = std::numeric_limits<int>::max();
 
-/// The rule by pixel: which runs, all found in the image as it was, cover it.
+/// A row or column, and which of its pixels the rule clears.
+struct Line {
+  long long length, limit, near, far;
+  bool inside_band;  ///< whether no more is cleared than the border has
+  long long first = -1, last = -1;
+
+  void see(long long at) {
+    if (first < 0) first = at;
+    last = at;
+  }
+  bool loses(long long at) const {
+    const bool near_run = at >= first && at < first + near && (!inside_band || at < limit);
+    const bool far_run = at <= last && at > last - far && (!inside_band || at > length - limit);
+    return (first < limit && near_run) || (last > length - limit && far_run);
+  }
+};
+
 Pixels expected_of(const Pixels& image, int width, int height, const MarginRule& rule) {
-  struct Ends {
-    long long first = -1, last = -1;
-    void see(int at) { first = first < 0 ? at : first, last = at; }
-  };
-  // Near and far runs of a line: the part that is cleared begins or ends with the border band or not.
-  const auto cleared = [](long long at, Ends line, long long length, long long limit, long long near,
-                          long long far, bool inside_band) {
-    return (line.first < limit && at >= line.first && at < line.first + near &&
-            (!inside_band || at < limit)) ||
-           (line.last > length - limit && at <= line.last && at > line.last - far &&
-            (!inside_band || at > length - limit));
-  };
   const auto columns = static_cast<std::size_t>(width);
-  std::vector<Ends> across(image.size() / columns), along(columns);
+  std::vector<Line> across, along(columns, {height, rule.limit_y, rule.margin_y, rule.margin_y, true});
+  for (int y = 0; y < height; ++y) {
+    const std::uint16_t* const own = rule.chamfer;
+    across.push_back(own ? Line{width, rule.limit_x, own[2 * y], own[2 * y + 1], true}
+                         : Line{width, rule.limit_x, rule.left, rule.right, false});
+  }
+  const auto at = [](std::size_t i) { return static_cast<long long>(i); };
   for (std::size_t i = 0; i < image.size(); ++i) {
     if (image[i] == 0) continue;
-    across[i / columns].see(static_cast<int>(i % columns));
-    along[i % columns].see(static_cast<int>(i / columns));
+    across[i / columns].see(at(i % columns));
+    along[i % columns].see(at(i / columns));
   }
   Pixels result = image;
   for (std::size_t i = 0; i < image.size(); ++i) {
-    const std::size_t x = i % columns, y = i / columns;
-    const bool by_row = rule.chamfer != nullptr;
-    const int left = by_row ? rule.chamfer[2 * y] : rule.left;
-    const int right = by_row ? rule.chamfer[2 * y + 1] : rule.right;
-    if (cleared(static_cast<int>(x), across[y], width, rule.limit_x, left, right, by_row) ||
-        cleared(static_cast<int>(y), along[x], height, rule.limit_y, rule.margin_y, rule.margin_y,
-                true)) {
+    if (across[i / columns].loses(at(i % columns)) || along[i % columns].loses(at(i / columns)))
       result[i] = 0;
-    }
   }
   return result;
 }
@@ -107,12 +110,11 @@ TEST(MarginInterface, HandsEveryArgumentToItsPlace) {
   Source source(9);
   Pixels image(64 * 40);
   for (auto& pixel : image) pixel = source.flag();
-  const auto expect_from = [](const Pixels& input, const MarginRule& rule, auto filter) {
-    Pixels pixels = input;
+  const auto expect = [&](const MarginRule& rule, auto filter) {
+    Pixels pixels = image;
     EXPECT_EQ(filter(pixels.data()), 0);
-    EXPECT_EQ(pixels, expected_of(input, 64, 40, rule));
+    EXPECT_EQ(pixels, expected_of(image, 64, 40, rule));
   };
-  const auto expect = [&](const MarginRule& rule, auto filter) { expect_from(image, rule, filter); };
   Pixels table(80);
   for (auto& margin : table) margin = static_cast<std::uint16_t>(source.integer(0, 9));
   expect({.left = 5, .right = 5, .limit_x = 20},
@@ -122,11 +124,10 @@ TEST(MarginInterface, HandsEveryArgumentToItsPlace) {
   expect({.limit_x = 20, .margin_y = 3, .limit_y = 9, .chamfer = table.data()}, [&](std::uint16_t* data) {
     return depth_api_margin_filter_with_chamfer(data, 64, 40, 3, 20, 9, table.data());
   });
-  Pixels asymmetric = image;  // the right gap is the wider one
-  for (std::size_t y = 0; y < 40; ++y) std::fill_n(&asymmetric[y * 64 + 50], 14, std::uint16_t{0});
-  expect_from(asymmetric, {5, 7, 20, 3, 9}, [](std::uint16_t* data) {
-    return depth_api_margin_filter_asym(data, 64, 40, 7, 5, 3, 20, 9);
-  });
+  // Now the right gap is the wider one.
+  for (std::size_t y = 0; y < 40; ++y) std::fill_n(&image[y * 64 + 50], 14, std::uint16_t{0});
+  expect({5, 7, 20, 3, 9},
+         [](std::uint16_t* data) { return depth_api_margin_filter_asym(data, 64, 40, 7, 5, 3, 20, 9); });
 }
 
 using Ends = std::pair<int, int>;
@@ -160,6 +161,9 @@ TEST(MarginInterface, TheSideWithTheWiderGapGetsTheLargeMargin) {
   const Ends empty = {1, 0};
   EXPECT_EQ(asymmetric_margins(empty, {38, 99}), Ends(4, 4)) << "gaps of 114 and 103";
   EXPECT_EQ(asymmetric_margins(empty, {42, 99}), Ends(9, 4)) << "gaps of 126 and 103";
+  Pixels row(64, 5);
+  EXPECT_EQ(depth_api_margin_filter_asym(row.data(), 64, 1, 9, 4, 0, 20, 0), 0);
+  EXPECT_EQ(std::ranges::count(row, 5), 64 - 4 - 9) << "a single row";
 }
 
 TEST(MarginChamfer, TableFallsAlongAnArc) {

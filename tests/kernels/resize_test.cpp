@@ -35,13 +35,17 @@ TEST_P(ResizeLevel, StepsThroughTheSourceInFixedPoint) {
   EXPECT_EQ(resized(4, 2, 1.0f, -9), (Pixels{0, 0}));
 }
 
-TEST_P(ResizeLevel, TheStepIsOneTooLargeAndReadsNothingPastTheEnd) {
+TEST_P(ResizeLevel, TheStepIsOneTooLargeAndCountersOf32BitsWrap) {
   // 65536 / 50 + 1 = 1311: the position gains 0.3 pixels on 1000 and passes the last one early.
-  const Pixels row = resized(1000, 50000, 50.0f, 0);
+  Pixels row = resized(1000, 50000, 50.0f, 0);
   EXPECT_EQ(row[49990], 0);
   EXPECT_EQ(row[(999u << 16) / 1311 + 1], 1000);
   EXPECT_EQ(row[(1000u << 16) / 1311], 1000);
-  EXPECT_EQ(row[(1000u << 16) / 1311 + 1], 0);
+  EXPECT_EQ(row[(1000u << 16) / 1311 + 1], 0) << "nothing is read past the end";
+  row = resized(70000, 7000, 0.1f, 0);
+  EXPECT_EQ(row[6553], 65530 - 60000 + 1);
+  EXPECT_EQ(row[6554], 4 + 1) << "65540 in 16 bits";
+  EXPECT_EQ(resized(65536, 65536, 1.0f, 0).back(), 65535 - 60000 + 1) << "the largest position";
 }
 
 /// The products are rounded to 32 bits before anything is added, and so are the steps.
@@ -52,13 +56,6 @@ TEST(ResizeAxis, IsWorkedOutInFloatsStepByStep) {
   EXPECT_EQ(resize_axis(100, 9, 0.1f, -1).source_start, 10u << 16);
   EXPECT_EQ(resize_axis(100, 10, 0.1f, 0).source_step, 655361u);
   EXPECT_EQ(resize_axis(70001, 1, 1.0f, -70000).source_start >> 16, 70000u - 65536u) << "32 bits wrap";
-}
-
-TEST_P(ResizeLevel, CountersOf32BitsWrap) {
-  const Pixels row = resized(70000, 7000, 0.1f, 0);
-  EXPECT_EQ(row[6553], 65530 - 60000 + 1);
-  EXPECT_EQ(row[6554], 4 + 1) << "65540 in 16 bits";
-  EXPECT_EQ(resized(65536, 65536, 1.0f, 0).back(), 65535 - 60000 + 1) << "the largest position";
 }
 
 TEST(DepthProcess, ChecksSizesThenScaleThenAgreement) {

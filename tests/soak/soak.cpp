@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <malloc.h>
 
-#include "filter_handle.h"
 #include "support/every_filter.h"
+#include "support/filter_driver.h"
 
 namespace filterprocessor {
 namespace {
@@ -15,26 +15,17 @@ constexpr std::uint32_t kSizes[][2] = {{16, 16}, {64, 48}, {33, 21}, {96, 8},
 constexpr unsigned kFramesPerSize = 5;  // so that histories and kept tables are used, too
 constexpr unsigned kCycle = 4 * kFramesPerSize * std::size(kSizes);
 
-[[noreturn]] void fail(const std::string& what, const zv_error* error = nullptr) {
-  std::fprintf(stderr, "%s %s\n", what.c_str(), error != nullptr ? zv_error_get_message(error) : "");
-  std::exit(1);
-}
-
 /// Frame n, now and then in a set, through a filter that is reset now and then.
-void process(const devhost::FilterHandle& filter, std::size_t index, unsigned n) {
+void process(FilterDriver& filter, std::size_t index, unsigned n) {
   const auto& [width, height] = kSizes[n / kFramesPerSize % std::size(kSizes)];
   const FilterUse use = every_filter(width, height)[index];
-  zv_error* error = nullptr;
-  if (n % kCycle == 7) filter->reset(filter->filter, nullptr);
+  if (n % kCycle == 7) filter.reset();
   if (n % kFramesPerSize == 0 || n % kCycle == 7) {  // DepthResize takes one size alone
-    std::vector<const char*> texts;
-    for (const std::string& value : use.configuration) texts.push_back(value.c_str());
-    filter->update_config(filter->filter, texts.size(), texts.data(), &error);
+    EXPECT_EQ(filter.update(use.configuration), kNoError);
   }
   devhost::Frame frame = devhost::make_frame(lively_frame(width, height, use.pixel_type, n));
   if (n % 3 == 0) frame = devhost::make_frame_set(std::move(frame));
-  const devhost::Frame output(filter->process(filter->filter, frame.get(), &error));
-  if (!output || error != nullptr) fail(std::string(use.name) + " fails:", error);
+  EXPECT_TRUE(filter.process(frame)) << use.name << filter.last_error();
 }
 
 /// Watches the memory once a cycle has warmed everything up.
@@ -43,14 +34,14 @@ void soak(std::size_t index, const std::string& name, unsigned frames) {
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
   };
-  const devhost::FilterHandle filter = devhost::make_filter(name);
+  FilterDriver filter(name);
   for (unsigned n = 0; n < kCycle; ++n) process(filter, index, n);
   const std::size_t warm = bytes_in_use();
   const unsigned whole = (frames + kCycle - 1) / kCycle * kCycle;
   for (unsigned n = 0; n < whole; ++n) process(filter, index, n);
   const std::size_t end = bytes_in_use();
   std::printf("%-28s %zu bytes in use at first, %zu after %u frames\n", name.c_str(), warm, end, whole);
-  if (end > warm + 4096) fail(name + ": memory grows");
+  EXPECT_LE(end, warm + 4096) << name << ": memory grows";
 }
 
 }  // namespace
@@ -62,10 +53,10 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "use: %s FRAMES\n", argv[0]);
     return 2;
   }
+  GTEST_FLAG_SET(throw_on_failure, true);  // the first ends it
   const auto uses = filterprocessor::every_filter(1, 1);
   for (std::size_t i = 0; i < uses.size(); ++i)
     filterprocessor::soak(i, uses[i].name, static_cast<unsigned>(frames));
-  if (devhost::live_objects() != devhost::LiveObjects{})
-    filterprocessor::fail("frames or profiles are left");
+  EXPECT_EQ(devhost::live_objects(), devhost::LiveObjects{}) << "frames or profiles are left";
   return 0;
 }

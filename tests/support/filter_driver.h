@@ -8,32 +8,25 @@
 
 #include <gtest/gtest.h>
 
+#include "cases/images.h"
 #include "dev_host.h"
 #include "filter_handle.h"
-#include "support/pixels.h"
 
 namespace filterprocessor {
 
-/// An error as the four texts of it that a host can read. Empty when there is none.
-struct ErrorTexts {
-  std::string message;
-  std::string function;
-  std::string args;
-  std::int32_t exception_type = -1;
-
-  bool operator==(const ErrorTexts&) const = default;
-};
-
-inline ErrorTexts texts_of(const zv_error* error) {
+/// An error in the form in which filters print it.
+inline std::string error_text(const std::string& message, const std::string& function,
+                              const std::string& args, std::int32_t exception_type = 4) {
+  return "zv_error was raised: \n\tcall: " + function + "(" + args + ")\n\tmessage: " + message +
+         "\n\terror type: " + std::to_string(exception_type) + "\n";
+}
+/// Empty when there is none.
+inline std::string text_of(const zv_error* error) {
   if (error == nullptr) return {};
-  return {zv_error_get_message(error), zv_error_get_function(error), zv_error_get_args(error),
-          zv_error_get_exception_type(error)};
+  return error_text(zv_error_get_message(error), zv_error_get_function(error), zv_error_get_args(error),
+                    zv_error_get_exception_type(error));
 }
-
-inline std::ostream& operator<<(std::ostream& out, const ErrorTexts& e) {
-  return out << '"' << e.message << "\" from " << e.function << '(' << e.args << "), type "
-             << e.exception_type;
-}
+inline const std::string kNoError;
 
 class FilterDriver {
  public:
@@ -41,25 +34,25 @@ class FilterDriver {
   explicit FilterDriver(const std::string& name, const std::vector<std::string>& values = {})
       : context_(devhost::make_filter(name)) {
     if (!context_) ADD_FAILURE() << name << " was not created";
-    EXPECT_EQ(values.empty() ? ErrorTexts{} : update(values), ErrorTexts{}) << name;
+    EXPECT_EQ(values.empty() ? kNoError : update(values), kNoError) << name;
   }
 
   std::string schema() { return context_->get_config_schema(context_->filter, nullptr); }
 
   /// Returns the error, if any.
-  ErrorTexts update(const std::vector<std::string>& values) {
+  std::string update(const std::vector<std::string>& values) {
     std::vector<const char*> argv;
     for (const std::string& value : values) argv.push_back(value.c_str());
     zv_error* error = nullptr;
     context_->update_config(context_->filter, argv.size(), argv.data(), &error);
-    return texts_of(error);
+    return text_of(error);
   }
 
   /// The returned frame; what went wrong stands in last_error().
   devhost::Frame process(const zv_frame_t* frame) {
     zv_error* error = nullptr;
     devhost::Frame result(context_->process(context_->filter, frame, &error));
-    last_error_ = texts_of(error);
+    last_error_ = text_of(error);
     return result;
   }
   devhost::Frame process(const devhost::Frame& frame) { return process(frame.get()); }
@@ -67,17 +60,19 @@ class FilterDriver {
   /// What a frame, which has to be taken, becomes.
   devhost::FrameTraits output(const devhost::FrameTraits& traits) {
     const devhost::Frame result = process(devhost::make_frame(traits));
-    EXPECT_EQ(last_error_, ErrorTexts{});
+    EXPECT_EQ(last_error_, kNoError);
     return result ? devhost::inspect(result.get()) : devhost::FrameTraits{};
   }
   Pixels filtered(const devhost::FrameTraits& traits) { return output(traits).pixels; }
-  /// The error for a frame, which has to be refused.
-  ErrorTexts refused(const devhost::FrameTraits& traits) {
+  /// The error for a frame, which has to be refused and no frame left behind.
+  std::string refused(const devhost::FrameTraits& traits) {
+    const long frames = devhost::live_objects().frames;
     printed_ = output_of([&] { EXPECT_FALSE(process(devhost::make_frame(traits))); });
+    EXPECT_EQ(devhost::live_objects().frames, frames);
     return last_error_;
   }
 
-  const ErrorTexts& last_error() const { return last_error_; }
+  const std::string& last_error() const { return last_error_; }
   /// What was written to standard output with the last refusal.
   const std::string& printed() const { return printed_; }
 
@@ -95,7 +90,7 @@ class FilterDriver {
 
  private:
   devhost::FilterHandle context_;
-  ErrorTexts last_error_;
+  std::string last_error_;
   std::string printed_;
 };
 
@@ -108,16 +103,17 @@ inline devhost::FrameTraits frame_of(Pixels pixels, std::uint32_t height = 1) {
   return traits;
 }
 
-inline const ErrorTexts kNoError = {};
-inline const ErrorTexts kBadFrameType = {"invalid frame type error", "filter_process", "frameType", 4};
-inline const ErrorTexts kBadCount = {"the number of params error", "update_filter_config", "argc", 4};
-inline const ErrorTexts kBadFrame = {"invalid params", "filter_process", "frame", 4};
-inline ErrorTexts out_of_range(const std::string& parameter) {
-  return {"params out of range", "update_filter_config", parameter, 4};
+inline const std::string kBadFrameType =
+    error_text("invalid frame type error", "filter_process", "frameType");
+inline const std::string kBadCount =
+    error_text("the number of params error", "update_filter_config", "argc");
+inline const std::string kBadFrame = error_text("invalid params", "filter_process", "frame");
+inline std::string out_of_range(const std::string& parameter) {
+  return error_text("params out of range", "update_filter_config", parameter);
 }
 /// For a frame that a filter cannot be configured for.
-inline ErrorTexts invalid(const std::string& field) {
-  return {"invalid params", "updateConfig", field, 4};
+inline std::string invalid(const std::string& field) {
+  return error_text("invalid params", "updateConfig", field);
 }
 
 }  // namespace filterprocessor

@@ -30,8 +30,7 @@ void at_once(const std::vector<std::function<void()>>& work) {
 
 /// The outputs of one instance for a sequence of frames.
 std::vector<Pixels> outputs(const FilterUse& use) {
-  FilterDriver filter(use.name);
-  EXPECT_EQ(filter.update(use.configuration), kNoError);
+  FilterDriver filter(use.name, use.configuration);
   std::vector<Pixels> all;
   for (unsigned n = 0; n < kFrames; ++n)
     all.push_back(filter.filtered(lively_frame(kWidth, kHeight, use.pixel_type, n)));
