@@ -1,4 +1,4 @@
-// Chains at work, with the filters of the probe plug-in, which print what they are given.
+// Chains at work; a filter of the probe plug-in prints what it is given.
 #include "kit/chain/pipeline.h"
 
 #include <algorithm>
@@ -6,10 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include "filter_run.h"
 #include "kit/frame/frame_attributes.h"
-#include "kit/pipeline/sequence.h"
 #include "kit/pipeline/workers.h"
-#include "kit/plugin/plugin.h"
 #include "refusal.h"
 
 namespace kit {
@@ -22,8 +21,8 @@ const FilterLibrary& probe() {
 
 Frame sample() { return describe_frame({2, 3, {1, 2, 3, 4, 5, 6}}, {}); }
 
-Pipeline pipeline_of(const Chain& chain) {
-  Pipeline pipeline(probe(), chain);
+Pipeline pipeline_of(const FilterLibrary& library, const Chain& chain) {
+  Pipeline pipeline(library, chain);
   pipeline.set_input(describe_input({2, 3}, {}));
   return pipeline;
 }
@@ -48,9 +47,9 @@ FrameSource numbered(std::size_t count, const std::vector<std::size_t>& bad = {}
 }
 
 /// Sends them through one filter.
-void run_cropped(const FrameSource& source, std::size_t threads, std::size_t in_flight,
-                 const SequenceVisitor& visitor) {
-  Pipeline pipeline = pipeline_of({{"CroppingFilter"}});
+void run_filled(const FrameSource& source, std::size_t threads, std::size_t in_flight,
+                const SequenceVisitor& visitor) {
+  Pipeline pipeline(own_filters(), {{"HoleFillingFilter"}});
   Workers(threads).for_each(1, [&](std::size_t) {
     run_sequence(source, pipeline, {Handover::frame, in_flight, {}}, visitor);
   });
@@ -81,7 +80,7 @@ TEST(Sequence, KeepsOrderAndBoundsWhatIsUnderWay) {
     EXPECT_EQ(index, done++);
     --under_way;
   };
-  run_cropped(source, 4, most, visitor);
+  run_filled(source, 4, most, visitor);
   EXPECT_LE(peak, most);
   EXPECT_EQ(filtered, count);
   EXPECT_EQ(done, count);
@@ -103,7 +102,7 @@ TEST(Sequence, FailsWithItsFirstFrameInOrderOrTellsOfAll) {
       if (keep_going)
         visitor.on_problem = [&](const Error& problem) { problems.emplace_back(problem.what()); };
       const std::string failure = refusal(Error::Kind::failed_run, [&] {
-        run_cropped(numbered(40, {22, 23, 30}), threads, threads == 1 ? 1 : 8, visitor);
+        run_filled(numbered(40, {22, 23, 30}), threads, threads == 1 ? 1 : 8, visitor);
       });
       EXPECT_EQ(failure, keep_going ? "" : "frame 20: cannot be written");
       EXPECT_EQ(done, keep_going ? 36u : 20u);
@@ -121,12 +120,13 @@ TEST(FilterStatistics, GiveTheMedianOfAllDurations) {
 }
 
 TEST(Pipeline, PassesOverStepsThatAreSwitchedOff) {
-  Pipeline pipeline = pipeline_of({{"CroppingFilter", {}, false}, {"EchoFilter"}});
+  Pipeline pipeline =
+      pipeline_of(own_filters(), {{"DepthResize", Values{{"scale", "2"}}, false}, {"HoleFillingFilter"}});
   EXPECT_EQ(run(pipeline), (std::pair{2u, 3u}));
   EXPECT_EQ(pipeline.stage(0).milliseconds, 0);
   pipeline.enable(0, true);
-  EXPECT_EQ(run(pipeline), (std::pair{2u, 1u}));
-  EXPECT_EQ(pipeline.output().traits.height, 1u);
+  EXPECT_EQ(run(pipeline), (std::pair{4u, 6u}));
+  EXPECT_EQ(pipeline.output().traits.height, 6u);
 }
 
 TEST(Pipeline, TakesOtherValuesBetweenFramesAndKeepsThemWhenOthersAreWrong) {
@@ -145,7 +145,7 @@ TEST(Pipeline, TakesOtherValuesBetweenFramesAndKeepsThemWhenOthersAreWrong) {
 
 TEST(Pipeline, MakesItsFiltersAnewWhenItIsReset) {
   testing::internal::CaptureStdout();
-  Pipeline pipeline = pipeline_of({{"EchoFilter", Values{}}});
+  Pipeline pipeline = pipeline_of(probe(), {{"EchoFilter", Values{}}});
   run(pipeline);
   run(pipeline, Handover::frame_set);
   pipeline.reset();
