@@ -3,11 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "filterprocessor/host.h"
 #include "kit/chain/chain_file.h"
 #include "kit/chain/configuration.h"
 #include "kit/common/suggestions.h"
-#include "kit/filter/filter_behaviour.h"
 #include "refusal.h"
 
 namespace kit {
@@ -70,7 +68,6 @@ TEST(Chain, ChecksTheSyntaxOfValuesByType) {
 TEST(Suggestions, CountEditsAndOfferTheNearest) {
   EXPECT_EQ(edit_distance("", "abc"), 3u);
   EXPECT_EQ(edit_distance("kitten", "sitting"), 3u);
-  EXPECT_EQ(edit_distance("same", "same"), 0u);
   const Texts names = {"HoleFillingFilter", "TemporalFilter", "width", "dst_width"};
   EXPECT_EQ(suggest("temporalfliter", names), "did you mean TemporalFilter?");
   EXPECT_EQ(suggest("HoleFilling", names), "did you mean HoleFillingFilter?");
@@ -89,15 +86,6 @@ TEST(Chain, IsTheSameAsTextAndAsFile) {
   EXPECT_TRUE(refusal(Error::Kind::bad_request, [&] {
                 step_text(chain.steps[0]);
               }).starts_with("a is switched off"));
-}
-
-TEST(FilterBehaviour, KnowsWhoReadsTheGeometry) {
-  EXPECT_TRUE(uses_geometry("SpatialAdvancedFilter", ZV_PIXEL_TYPE_DEPTH));
-  EXPECT_FALSE(uses_geometry("SpatialAdvancedFilter", ZV_PIXEL_TYPE_LINEAR_DEPTH));
-  EXPECT_FALSE(uses_geometry("DisparityTransform", ZV_PIXEL_TYPE_DEPTH));
-  EXPECT_TRUE(uses_geometry("DisparityTransform", ZV_PIXEL_TYPE_DISPARITY));
-  EXPECT_FALSE(uses_geometry("HoleFillingFilter", ZV_PIXEL_TYPE_DEPTH));
-  EXPECT_TRUE(uses_geometry("A filter unknown here", ZV_PIXEL_TYPE_DEPTH));
 }
 
 }  // namespace

@@ -116,28 +116,33 @@ TEST_F(Runs, GoOnWithAsManyInputsAsTheyHad) {
   const std::string folder(200, 'd');
   put_frames("in/" + folder, 400);
   const std::string one_by_one = "run in/" + folder + "/* -o out -f HoleFillingFilter:";
-  ASSERT_EQ(run(one_by_one).status, 0);
+  complete(one_by_one);
   ASSERT_GT(fs::file_size(folder_ / "out/.zvfilter.json"), 65536u);
-  const Outcome resumed = run(one_by_one + " --resume");
-  EXPECT_EQ(resumed.status, 0) << resumed.err;
-  EXPECT_MENTIONS(resumed.out, "400 were there");
+  EXPECT_MENTIONS(complete(one_by_one + " --resume").out, "400 were there");
 }
 
-TEST_F(Runs, PassOverBadFramesWhenTheyAreAskedTo) {
+TEST_F(Runs, EndAtTheFirstBadFrameInOrderOrPassOverAll) {
   put_frames("in", 8);
   put(name("in", 2), "x");
   put(name("in", 5), Image{1, 1, {0}});
-  fs::create_directories(folder_ / name("out", 6) / "taken");
   for (const char* jobs : {"1", "4"}) {
-    const Outcome outcome = run(concat("run in -o out --overwrite --keep-going --jobs ", jobs, kChain));
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_MENTIONS(outcome.out, "\n5 of 8 frames written to out\n");
-    EXPECT_TRUE(outcome.err.starts_with(
-        "zvfilter: in/frame_002.png: is no PNG file\n"
+    const std::string out = concat("out", jobs),
+                      command = concat("run in -o ", out, " --overwrite --jobs ", jobs, kChain),
+                      first = concat("zvfilter: ", out, "/frame_001.png: cannot be written: ");
+    fs::create_directories(folder_ / name(out, 1) / "taken");
+    const Outcome ended = run(command);
+    EXPECT_TRUE(ended.err.starts_with(first)) << ended.err;
+    EXPECT_EQ(std::count(ended.err.begin(), ended.err.end(), '\n'), 1) << ended.err;
+    EXPECT_EQ(ended.out, concat("1 of 8 frames written to ", out, '\n'));
+    const Outcome passed = run(command + " --keep-going");
+    EXPECT_EQ(passed.status, 1);
+    EXPECT_MENTIONS(passed.out, "\n5 of 8 frames written to out");
+    EXPECT_TRUE(passed.err.starts_with(first)) << passed.err;
+    EXPECT_TRUE(passed.err.ends_with(
+        "\nzvfilter: in/frame_002.png: is no PNG file\n"
         "zvfilter: in/frame_005.png: has 1x1 pixels; the frames before it have 16x8\n"
-        "zvfilter: out/frame_006.png: cannot be written: "))
-        << outcome.err;
-    EXPECT_TRUE(outcome.err.ends_with("\nzvfilter: 3 frames failed\n")) << outcome.err;
+        "zvfilter: 3 frames failed\n"))
+        << passed.err;
   }
 }
 

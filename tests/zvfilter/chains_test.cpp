@@ -80,7 +80,7 @@ TEST(Chain, RefusesToRunWithoutWhatItsStepsNeed) {
   const Pixels frame(64 * 48, 1000);
   Pixels result(frame.size());
   zvf_error error = {};
-  const ChainHandle chain = parse("HoleFillingFilter; smooth=SpatialAdvancedFilter:");
+  const ChainHandle chain = parse("DisparityTransform; smooth=SpatialAdvancedFilter:");
   EXPECT_EQ(zvf_chain_run(chain.get(), frame.data(), 0, result.data(), 0, &error), ZVF_BAD_INPUT);
   zvf_input input = zvf_input_of(64, 48);
   ASSERT_EQ(zvf_chain_set_input(chain.get(), &input, &error), ZVF_OK);
@@ -89,6 +89,9 @@ TEST(Chain, RefusesToRunWithoutWhatItsStepsNeed) {
   EXPECT_TRUE(has(error.message, "baseline"));
   EXPECT_EQ(zvf_chain_enable(chain.get(), 1, false, &error), ZVF_OK);
   EXPECT_EQ(zvf_chain_run(chain.get(), frame.data(), 0, result.data(), 0, &error), ZVF_OK);
+  input.pixel_type = ZVF_DISPARITY;
+  ASSERT_EQ(zvf_chain_set_input(chain.get(), &input, &error), ZVF_OK);
+  EXPECT_EQ(zvf_chain_run(chain.get(), frame.data(), 0, result.data(), 0, &error), ZVF_BAD_INPUT);
 }
 
 TEST(Chain, RefusesInputsAndArgumentsThatCannotBe) {
@@ -135,6 +138,9 @@ TEST(Chain, KnowsItsOutputBefore) {
   ASSERT_EQ(zvf_chain_set(chain.get(), 1, "scale=2,ex_left=0", nullptr), ZVF_OK);
   ASSERT_EQ(zvf_chain_output(chain.get(), &output, nullptr), ZVF_OK);
   EXPECT_EQ(output.width, 130u);
+  ASSERT_EQ(zvf_chain_enable(chain.get(), 1, false, nullptr), ZVF_OK);
+  ASSERT_EQ(zvf_chain_output(chain.get(), &output, nullptr), ZVF_OK);
+  EXPECT_EQ(output.width, 65u);
 }
 
 /// A frame whose pixels depend on its number.

@@ -1,5 +1,4 @@
 // What the library makes of frames is what the plug-in makes of them, however the pixels come and go.
-#include <atomic>
 #include <thread>
 
 #include "support/every_filter.h"
@@ -113,22 +112,6 @@ TEST(Frames, OutliveTheirChainOnAnyThread) {
     EXPECT_EQ(Pixels(view.pixels, view.pixels + std::size_t{view.width} * view.height), expected);
     zvf_frame_release(frame);
   }).join();
-}
-
-TEST(Chains, OfDifferentThreadsAreIndependent) {
-  std::vector<Pixels> expected;
-  const ChainHandle chain = long_chain();
-  for (unsigned i = 0; i < kFrames; ++i) expected.push_back(run(chain, disparity(i)));
-  std::atomic<int> wrong = 0;
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&] {
-      const ChainHandle own = long_chain();
-      for (unsigned i = 0; i < kFrames; ++i) wrong += run(own, disparity(i)) != expected[i];
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(wrong, 0);
 }
 
 }  // namespace

@@ -18,11 +18,12 @@ exports=$(nm -D --defined-only "$library" | awk '$2 != "A" {print $3}' | grep -v
 grep -ohE '\bzv_[a-z_]+\(' include/filterprocessor/host.h | tr -d '(' | sort -u |
   sed 's/.*/void &(void) { __builtin_trap(); }/' >"$work/fake_host.c"
 cc -shared -fPIC -w "$work/fake_host.c" -o "$work/libfake_host.so"
-cc -std=c11 -Wall -Wextra -O1 -fno-builtin -Iinclude tests/zvfilter/stranger.c -o "$work/stranger"
+cc -std=c11 -Wall -Wextra -O1 -fno-builtin -Iinclude tests/zvfilter/stranger.c -o "$work/stranger" \
+  "$library" -Wl,-rpath,"$build/lib"
 localedef -i de_DE -f UTF-8 "$work/locales/de_DE.UTF-8"
 export LOCPATH=$work/locales
-"$work/stranger" "$library"
-LD_PRELOAD=$work/libfake_host.so "$work/stranger" "$library"
+"$work/stranger"
+LD_PRELOAD=$work/libfake_host.so "$work/stranger"
 unset LOCPATH
 
 cmake --install "$build" --prefix "$work/prefix" >/dev/null
