@@ -29,24 +29,16 @@ class Runs : public Program {
     for (const std::string& file : listing(a))
       EXPECT_EQ(text_of(fs::path(a) / file), text_of(fs::path(b) / file)) << file;
   }
-  /// The tables without their last column, which is a time.
-  static std::string without_times(const std::string& out) {
-    std::string text;
-    for (const std::string_view line : split(out, '\n')) text.append(line, 0, line.rfind(' ')) += '\n';
-    return text;
-  }
 };
 
 const std::string kChain = " -f TemporalFilter: -f HoleFillingFilter:hole_filling_mode=1 ";
 
 TEST_F(Runs, GiveTheSameWithAnyNumberOfThreads) {
   put_frames("in", 30);
-  const Outcome one = complete("run in -o one --preview --jobs 1" + kChain);
+  complete("run in -o one --preview --jobs 1" + kChain);
   const Outcome four = complete("run in -o four --preview --jobs 4" + kChain);
   expect_same("one", "four");
-  EXPECT_EQ(without_times(one.out), without_times(four.out));
   EXPECT_TRUE(four.out.ends_with("\n30 of 30 frames written to four\n")) << four.out;
-  EXPECT_EQ(one.err, four.err);
 }
 
 TEST_F(Runs, TakeSeveralFoldersAsSequencesOfTheirOwn) {
@@ -133,6 +125,7 @@ TEST_F(Runs, EndAtTheFirstBadFrameInOrderOrPassOverAll) {
     const Outcome ended = run(command);
     EXPECT_TRUE(ended.err.starts_with(first)) << ended.err;
     EXPECT_EQ(std::count(ended.err.begin(), ended.err.end(), '\n'), 1) << ended.err;
+    EXPECT_EQ(listing(out), (Names{"frame_000.png", "frame_001.png"}));
     EXPECT_EQ(ended.out, concat("1 of 8 frames written to ", out, '\n'));
     const Outcome passed = run(command + " --keep-going");
     EXPECT_EQ(passed.status, 1);
