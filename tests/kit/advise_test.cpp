@@ -100,18 +100,16 @@ TEST(AdviceMeasures, PlantedFaultsAreFoundAgainWhenNothingIsDone) {
                              speckles = plant_speckles(planted, chance);
   ASSERT_GT(hidden.size(), 20u);
   ASSERT_GT(speckles.size(), 5u);
-  Hidden left;
-  left.add(hidden, inverses, frame.pixels);
-  EXPECT_EQ(left.filled, 0);
-  Hidden restored;
-  restored.add(hidden, inverses, before.pixels);
-  EXPECT_EQ(restored.filled, restored.count);
-  EXPECT_EQ(restored.errors.off, 0);
-  Speckles seen, gone;
-  seen.add(speckles, inverses, frame.pixels);
-  gone.add(speckles, inverses, before.pixels);
-  EXPECT_EQ(seen.left, seen.count);
-  EXPECT_EQ(gone.left, 0);
+  for (const bool mended : {false, true}) {
+    const auto& pixels = mended ? before.pixels : frame.pixels;
+    Hidden holes;
+    holes.add(hidden, inverses, pixels);
+    EXPECT_EQ(holes.filled, mended ? holes.count : 0);
+    EXPECT_EQ(holes.errors.off, 0);
+    Speckles specks;
+    specks.add(speckles, inverses, pixels);
+    EXPECT_EQ(specks.left, mended ? 0 : specks.count);
+  }
 }
 
 TEST(AdviceMeasures, ChainsAreMeasuredForWhatTheyDo) {

@@ -36,12 +36,9 @@ TEST_F(Inputs, AreTakenInTheOrderAskedForAndHaveOneSize) {
 TEST_F(Inputs, UseTheCameraFileBesideThem) {
   complete("camera -o cam --frames 1 --size 64x48");
   put("in/disparity_0000.png", get("cam/disparity_0000.png"));
-  const auto put_chain = [&](const std::string& name, const std::string& input) {
-    put(name,
-        concat(R"({"version": 1, "steps": [{"filter": "DisparityTransform"}], "input": )", input, "}"));
-  };
-  put_chain("disparity.json", text_of("cam/camera.json"));
-  put_chain("depth.json", R"({"pixelType": "depth"})");
+  const std::string steps = R"({"version": 1, "steps": [{"filter": "DisparityTransform"}], "input": )";
+  put("disparity.json", steps + text_of("cam/camera.json") + "}");
+  put("depth.json", steps + R"({"pixelType": "depth"}})");
   const std::string chain = "run -f DisparityTransform: ",
                     note = "zvfilter: note: using cam/camera.json\n";
   complete(chain + "in --camera cam/camera.json -o expected");
@@ -61,8 +58,6 @@ TEST_F(Inputs, UseTheCameraFileBesideThem) {
       "give --camera or --pixel-type disparity\n");
   EXPECT_EQ(get("depth/disparity_0000.png"), get("in/disparity_0000.png"));
 
-  put("cam/camera.json", "{}}");
-  EXPECT_MENTIONS(run(chain + "cam -o results").err, "\nzvfilter: cam/camera.json: is no JSON: ");
   fs::remove(folder_ / "cam/camera.json");
   fs::create_symlink("gone", folder_ / "cam/camera.json");
   EXPECT_MENTIONS(run(chain + "cam -o results").err, "cam/camera.json: cannot be read: ");

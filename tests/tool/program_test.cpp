@@ -74,10 +74,12 @@ TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
             "50 mm, fx 0.7 times the width, 8 fraction bits (--baseline, --fx and --bits set them)\n");
   EXPECT_MENTIONS(run_probe(start + " --baseline 75 --bits 8").err,
                   "assuming a nominal camera with fx 0.7 times the width, 0 fraction bits (");
+  put("c.json",
+      R"({"bits": 14, "pixelType": "linear", "valueScale": 2, "disparity": {"baseline": 1, "fx": 1}})");
   const Outcome set = run_probe(
       start +
       ":on=0,count=9 --frame-set --bits 12 --pixel-type disparity --value-scale 0.25 --baseline 75 "
-      "--fx 400");
+      "--fx 400 --camera c.json");
   EXPECT_MENTIONS(set.out, "configured: 9 0.5 0\n");
   EXPECT_MENTIONS(set.out,
                   "frame 1: set 1, first pixel 11, bits 12, type 2, scale 0.25, baseline 75, fx 400\n");
