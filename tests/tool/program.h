@@ -13,6 +13,7 @@
 namespace kit {
 
 inline constexpr std::size_t kMostBytes = 1 << 20;
+inline const std::string kProbe = " --plugin '" ZVFILTER_PROBE_PLUGIN "' ";
 
 /// Holes, and what HoleFillingFilter makes of them by itself: each takes the pixel above.
 inline const Image kHoles{3, 3, {5, 6, 7, 0, 8, 0, 9, 0, 1}}, kFilled{3, 3, {5, 6, 7, 5, 8, 7, 9, 8, 1}};
@@ -26,7 +27,10 @@ struct Outcome {
 /// The built program, run as a user runs it, in a folder of its own.
 class Program : public Folder {
  protected:
-  Program() { fs::create_directory(folder_ / "in"); }
+  Program() {
+    fs::create_directory(folder_ / "in");
+    put("holes.png", kHoles);
+  }
 
   std::string text_of(const fs::path& file) const {
     const Bytes bytes = read_whole(folder_ / file, kMostBytes);
@@ -41,7 +45,7 @@ class Program : public Folder {
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text_of("out.txt"), text_of("err.txt")};
   }
   Outcome run_probe(const std::string& arguments, const std::string& input = "/dev/null") const {
-    return run(arguments + " --plugin '" ZVFILTER_PROBE_PLUGIN "'", "", input);
+    return run(arguments + kProbe, "", input);
   }
   /// Runs the program, which has to succeed.
   Outcome complete(const std::string& arguments) const {

@@ -18,23 +18,18 @@ exports=$(nm -D --defined-only "$library" | awk '$2 != "A" {print $3}' | grep -v
 grep -ohE '\bzv_[a-z_]+\(' include/filterprocessor/host.h | tr -d '(' | sort -u |
   sed 's/.*/void &(void) { __builtin_trap(); }/' >"$work/fake_host.c"
 cc -shared -fPIC -w "$work/fake_host.c" -o "$work/libfake_host.so"
-cc -std=c11 -Wall -Wextra -O1 -fno-builtin -Iinclude tests/zvfilter/stranger.c -o "$work/stranger"
+cc -std=c11 -Wall -Wextra -O1 -fno-builtin -Iinclude tests/zvfilter/stranger.c -o "$work/stranger" \
+  "$library" -Wl,-rpath,"$build/lib"
 localedef -i de_DE -f UTF-8 "$work/locales/de_DE.UTF-8"
 export LOCPATH=$work/locales
-"$work/stranger" "$library"
-LD_PRELOAD=$work/libfake_host.so "$work/stranger" "$library"
+"$work/stranger"
+LD_PRELOAD=$work/libfake_host.so "$work/stranger"
 unset LOCPATH
 
 cmake --install "$build" --prefix "$work/prefix" >/dev/null
 cmake -S examples -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" >"$work/log" 2>&1 &&
   cmake --build "$work/cmake" >>"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
 "$work/cmake/run_chain" examples/chain.json
-pc=$(dirname "$(find "$work/prefix" -name zvfilter.pc)")
-# shellcheck disable=SC2046 # words without blanks
-PKG_CONFIG_PATH=$pc cc -std=c11 examples/filter_frame.c -o "$work/filter_frame" \
-  $(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs zvfilter) -Wl,-rpath,"$(dirname "$pc")"
 head -c 51200 "$library" >"$work/two_frames.raw"
-"$work/cmake/filter_frame" 160 80 <"$work/two_frames.raw" >"$work/by_cmake.raw"
-"$work/filter_frame" 160 80 <"$work/two_frames.raw" >"$work/by_pkg_config.raw"
-cmp "$work/by_cmake.raw" "$work/by_pkg_config.raw"
-[ "$(stat -c %s "$work/by_cmake.raw")" -eq 51200 ]
+"$work/cmake/filter_frame" 160 80 <"$work/two_frames.raw" >"$work/filtered.raw"
+[ "$(stat -c %s "$work/filtered.raw")" -eq 51200 ]
