@@ -13,8 +13,9 @@ class Advise : public Program {
 
 TEST_F(Advise, WritesAChainAndATableOfIt) {
   const Outcome made = complete(start_ + "--evaluations 30 -o chain.json --report page.html");
-  for (const char* part : {"On frames held out:\n", "untouched", "advised", "roughness", "all, weighted",
-                           "of the gain", "30 evaluations, seed 1.", "written to chain.json"})
+  for (const char* part :
+       {"On frames held out:\n", "  0.1   +5 %\n", "untouched", "advised", "roughness", "all, weighted",
+        "of the gain", "30 evaluations, seed 1.", "written to chain.json"})
     EXPECT_MENTIONS(made.out, part);
   const Chain steps = read_chain_file(folder_ / "chain.json").steps;
   EXPECT_EQ(steps.front().filter, "DisparityTransform");

@@ -31,6 +31,7 @@ TEST_F(Program, ListsTheFiltersOfAPlugin) {
 
 TEST_F(Program, ExplainsFiltersAndPresets) {
   EXPECT_MENTIONS(run("help").out, "TemporalFilter               steadies each pixel");
+  EXPECT_MENTIONS(run("help TemporalFilter").out, "points. It remembers\n          the last result, ");
   EXPECT_MENTIONS(run_probe("help EchoFilter").out, "EchoFilter is not described");
   EXPECT_MENTIONS(run("presets").out, "\nmoving-camera\n  A camera that moves");
   put("fill.json", run("presets fill-holes").out);
@@ -115,6 +116,7 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
                   {"--set fill.enabled=1", "expected true or false"},
                   {"-f TemporalFilter", "excludes"}});
   put("sized.json", R"({"version": 1, "input": {"width": 640, "height": 400}, "steps": []})");
+  EXPECT_MENTIONS(run("chain show sized.json").out, R"(input {"width":640,"height":400,)");
   expect_refused(run("run --chain sized.json holes.png -o results"), 1,
                  "the chain file's input has 640x400");
 }
