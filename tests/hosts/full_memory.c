@@ -97,7 +97,8 @@ static bool process(PrivFilterContext* filter, const zv_frame_t* input, bool con
   return true;
 }
 
-static void use_filter(PrivFilterContext* filter, const zv_frame_t* input, const zv_frame_t* other) {
+/* Returns whether the filter is configured at the end. */
+static bool use_filter(PrivFilterContext* filter, const zv_frame_t* input, const zv_frame_t* other) {
   complain(filter->get_config_schema(filter->filter, NULL) == NULL, "no schema");
   bool configured = configure(filter, walk->filter, walk->width, HEIGHT);
   process(filter, input, configured);
@@ -107,6 +108,7 @@ static void use_filter(PrivFilterContext* filter, const zv_frame_t* input, const
   filter->reset(filter->filter, NULL);
   configured = configure(filter, walk->filter, walk->width, HEIGHT);
   process(filter, input, configured);
+  return configured;
 }
 
 static void try_filter(void) {
@@ -116,8 +118,9 @@ static void try_filter(void) {
   begin_shortage();
   complain(!names_are_right(&plugin), "wrong names");
   PrivFilterContext* filter = plugin.create(what->index);
-  if (filter != NULL) use_filter(filter, input, other);
+  const bool configured = filter != NULL && use_filter(filter, input, other);
   end_shortage();
+  complain(configured && !process(filter, input, true), "the next frame is lost");
   if (filter == NULL) filter = plugin.create(what->index);
   complain(!configure(filter, what, walk->width, HEIGHT), "not configured with memory");
   complain(!process(filter, input, true), "no frame with memory");
