@@ -12,7 +12,6 @@
 #include "host_call.h"
 
 struct zv_error {
-  std::int32_t status;
   std::string message;
   std::string function;
   std::string args;
@@ -79,11 +78,11 @@ Registry& registry() {
 // Set while the log runs or a fault is armed, so that other calls need no lock.
 std::atomic<bool> watched{false};
 
-zv_error* add_error(std::int32_t status, const char* message, const char* function, const char* args,
+zv_error* add_error(const char* message, const char* function, const char* args,
                     std::int32_t exception_type) {
   const auto text = [](const char* t) { return std::string(t != nullptr ? t : ""); };
-  auto error = std::make_unique<zv_error>(
-      zv_error{status, text(message), text(function), text(args), exception_type});
+  auto error =
+      std::make_unique<zv_error>(zv_error{text(message), text(function), text(args), exception_type});
   Registry& r = registry();
   const std::lock_guard lock(r.mutex);
   r.errors.push_back(std::move(error));
@@ -102,7 +101,7 @@ bool note_call(const char* function) {
 
 zv_error* add_failure(const char* message, const char* function, const char* args,
                       std::int32_t exception_type) {
-  return add_error(1, message, function, args, exception_type);
+  return add_error(message, function, args, exception_type);
 }
 
 /// A call that is logged, and in which an armed fault happens.
@@ -272,9 +271,9 @@ bool zv_frame_t::assign(const void* bytes, std::uint32_t count) {
 
 extern "C" {
 
-zv_error* zv_create_error(int32_t status, const char* message, const char* function, const char* args,
+zv_error* zv_create_error(int32_t, const char* message, const char* function, const char* args,
                           int32_t exception_type) {
-  return devhost::add_error(status, message, function, args, exception_type);
+  return devhost::add_error(message, function, args, exception_type);
 }
 const char* zv_error_get_message(const zv_error* error) {
   return error ? error->message.c_str() : nullptr;

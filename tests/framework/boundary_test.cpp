@@ -60,6 +60,19 @@ TEST(Errors, AreMadeByTheHostEvenWhenNobodyListens) {
   EXPECT_EQ(devhost::error_count(), count + 1);
 }
 
+TEST(DevelopmentHost, CopiesWhatItIsTold) {
+  const devhost::Frame from = devhost::make_frame(frame_of({1, 2}));
+  const devhost::Frame to = devhost::make_frame(frame_of({3, 4}));
+  devhost::ProfileTraits profile = devhost::inspect_profile(from.get());
+  profile.disparity.fx = 700;
+  devhost::attach_profile(from.get(), profile);
+  zv_frame_copy_info(from.get(), to.get(), nullptr);
+  const std::uint16_t pixels[] = {5, 6};
+  zv_frame_update_data(to.get(), pixels, sizeof pixels, nullptr);
+  EXPECT_EQ(devhost::inspect(to.get()).disparity.fx, 700);
+  EXPECT_EQ(devhost::inspect(to.get()).pixels, (Pixels{5, 6}));
+}
+
 /// TempFilter1 is abstract; this gives it what it lacks.
 struct CompleteTempFilter1 : TempFilter1 {
   void print_key_params() override {}

@@ -168,6 +168,20 @@ TEST_F(Runs, EndAtOnceWhenTheyAreStoppedTwice) {
   EXPECT_FALSE(fs::exists(folder_ / name("out", 1)));
 }
 
+TEST_F(Runs, ShowATerminalHowFarTheyAre) {
+  put_frames("day", 3);
+  const auto shown = [&](const std::string& arguments) {
+    return run(arguments + "' /dev/null", "script -qefc '").out;
+  };
+  const std::string run_shown = shown("run -o a day" + kChain);
+  EXPECT_MENTIONS(run_shown, "\r[##########....................] 1/3  ");
+  EXPECT_MENTIONS(run_shown, "\r[##############################] 3/3  ");
+  EXPECT_MENTIONS(run_shown, "/s  0:00 left\x1b[K\r\x1b[K");
+  EXPECT_MENTIONS(shown("advise camera:frames=9,size=160x112,baseline=200,seed=3,noise=0.1,motion=still "
+                        "--evaluations 30 -o chain.json"),
+                  "left  best 0.691\x1b[K\r\x1b[K");
+}
+
 TEST_F(Runs, WriteSmallerFilesWhenTheyAreAskedTo) {
   const std::string start = "run camera:frames=1,size=160x112 -f HoleFillingFilter -o ";
   complete(start + "fast");
