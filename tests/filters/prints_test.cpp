@@ -66,6 +66,7 @@ const Print kPrints[] = {
      "limit_y_th:       15\nmargin_x_th:      3\nmargin_y_th:      3\n"},
     {7, {}, "disp_offset: 25\ninvalid_depth: 1202\nfb: 30060\n"},
     {7, {}, "disp_offset: 0\ninvalid_depth: 0\nfb: 0\n", ZV_PIXEL_TYPE_DEPTH, true},
+    {7, {}, "disp_offset: 0\ninvalid_depth: 0\nfb: 0\n", ZV_PIXEL_TYPE_DISPARITY},
     {8, {}, kRecord, ZV_PIXEL_TYPE_DISPARITY}};
 
 struct CommasAndGroups : std::numpunct<char> {
