@@ -148,6 +148,10 @@ test("the chain is saved into its file, whole", async () => {
   assert.equal(refused.status, 422);
   assert.match(refused.json.error, /HoleFillingFilter/);
   assert.equal(readFileSync(join(folder, "chain.json"), "utf8"), json.file);
+  writeFileSync(join(folder, "told.json"), '{"version": 1, "description": "for the hall", "steps": []}');
+  const told = await startTuner("--chain", "told.json", "rec");
+  assert.equal((await told.send("/api/save", {body})).status, 200);
+  assert.match(readFileSync(join(folder, "told.json"), "utf8"), /"description": "for the hall"[^]*HoleFillingFilter/);
 });
 
 test("the lines of Python say what the frames are", async () => {
@@ -183,6 +187,7 @@ test("what the tuner cannot show is refused before it serves", async () => {
     [["rec", "other"], 2, /2 folders are as many sequences/],
     [["nothing"], 1, /nothing/],
     [["--set", "a.b=1", "rec"], 2, /there is no chain yet/],
+    [["-f", "TemporalFilter:weight=7", "rec"], 2, /weight/],
     [["--port", "70000", "rec"], 2, /port/]
   ];
   for (const [words, status, problem] of cases) {
