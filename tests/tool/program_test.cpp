@@ -109,7 +109,8 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
   EXPECT_EQ(get("c/holes.png"), kHoles);
   EXPECT_EQ(run("chain convert --text chain.json").out,
             "fill=HoleFillingFilter:hole_filling_mode=1\nDepthResize:scale=2\n");
-  EXPECT_MENTIONS(run("chain show chain.json").out, "hole_filling_mode = 1\n");
+  EXPECT_MENTIONS(run("chain show chain.json").out,
+                  "1  HoleFillingFilter  tag fill\n     hole_filling_mode = 1\n2  DepthResize\n");
   expect_refused(run("chain check chain.json 'a=TemporalFilter:weigth=1'"), 2,
                  "step 1 (a): unknown key weigth; did you mean weight?");
   expect_refused(2, "run --chain chain.json holes.png -o results ",
@@ -117,8 +118,12 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
                   {"--set fill=1", "expected TAG.key=value"},
                   {"--set fill.enabled=1", "expected true or false"},
                   {"-f TemporalFilter", "excludes"}});
-  put("sized.json", R"({"version": 1, "input": {"width": 640, "height": 400}, "steps": []})");
-  EXPECT_MENTIONS(run("chain show sized.json").out, R"(input {"width":640,"height":400,)");
+  put("sized.json",
+      R"({"version": 1, "description": "for the hall", "input": {"width": 640, "height": 400},
+          "steps": [{"filter": "TemporalFilter", "enabled": false}]})");
+  const std::string shown = run("chain show sized.json").out;
+  EXPECT_TRUE(shown.starts_with("for the hall\n\ninput {\"width\":640,\"height\":400,")) << shown;
+  EXPECT_MENTIONS(shown, "}\n\n1  TemporalFilter  off  as it is made\n");
   expect_refused(run("run --chain sized.json holes.png -o results"), 1,
                  "the chain file's input has 640x400");
 }
