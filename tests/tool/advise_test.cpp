@@ -17,9 +17,10 @@ TEST_F(Advise, WritesAChainAndATableOfIt) {
        {"On frames held out:\n", "  0.1   +5 %\n", "untouched", "advised", "roughness", "all, weighted",
         "of the gain", "30 evaluations, seed 1.", "written to chain.json"})
     EXPECT_MENTIONS(made.out, part);
-  const Chain steps = read_chain_file(folder_ / "chain.json").steps;
-  EXPECT_EQ(steps.front().filter, "DisparityTransform");
-  EXPECT_GT(steps.size(), 1u);
+  const ChainFile chain = read_chain_file(folder_ / "chain.json");
+  EXPECT_TRUE(chain.description.starts_with("Advised for camera:frames=9,")) << chain.description;
+  EXPECT_EQ(chain.steps.front().filter, "DisparityTransform");
+  EXPECT_GT(chain.steps.size(), 1u);
   for (const char* part : {"<h2>On frames held out</h2>", "of the gain"})
     EXPECT_MENTIONS(text_of("page.html"), part);
 }

@@ -89,6 +89,24 @@ TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
   EXPECT_EQ(set.err, "");
 }
 
+TEST_F(Program, MeasuresThePartsOfARun) {
+  const std::string out =
+      complete("bench --jobs 2 -f DisparityTransform: -f TemporalFilter camera:frames=4,size=96x64").out;
+  EXPECT_TRUE(out.starts_with("4 frames; frames a second:\n" + std::string(34, ' ') +
+                              "1 thread   2 threads\ndecode   "))
+      << out;
+  const auto rates = [&](const std::string& part) {
+    std::pair<double, double> found;
+    const auto place = out.find('\n' + part + "  ");
+    if (place != out.npos) std::istringstream(out.substr(place + 31)) >> found.first >> found.second;
+    return found;
+  };
+  const auto whole = rates("whole");
+  EXPECT_GT(std::min(whole.first, whole.second), 0);
+  for (const char* part : {"decode", "step 1 (DisparityTransform)", "step 2 (TemporalFilter)", "encode"})
+    EXPECT_GT(rates(part).first, whole.first) << part << " is less work than the whole";
+}
+
 TEST_F(Program, ReportsFilterErrorsWithAllTheirTexts) {
   expect_refused(1, "run holes.png -o results --baseline 50 --fx 1" + kProbe + "-f ",
                  {{"FailingFilter",
@@ -111,6 +129,7 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
             "fill=HoleFillingFilter:hole_filling_mode=1\nDepthResize:scale=2\n");
   EXPECT_MENTIONS(run("chain show chain.json").out,
                   "1  HoleFillingFilter  tag fill\n     hole_filling_mode = 1\n2  DepthResize\n");
+  EXPECT_EQ(run("chain check chain.json").out, "chain.json: 2 steps, right\n");
   expect_refused(run("chain check chain.json 'a=TemporalFilter:weigth=1'"), 2,
                  "step 1 (a): unknown key weigth; did you mean weight?");
   expect_refused(2, "run --chain chain.json holes.png -o results ",
