@@ -1,6 +1,8 @@
 // The built program, run as a user runs it.
 #include "program.h"
 
+#include <set>
+
 #include <nlohmann/json.hpp>
 
 namespace kit {
@@ -87,6 +89,14 @@ TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
   EXPECT_MENTIONS(set.out,
                   "frame 1: set 1, first pixel 11, bits 12, type 2, scale 0.25, baseline 75, fx 400\n");
   EXPECT_EQ(set.err, "");
+}
+
+TEST_F(Program, PaintsPreviewsAsTheyAreAskedFor) {
+  std::set<std::string> pictures;
+  for (const char* asked : {"", "--colors viridis", "--colors grey", "--range 5:9"}) {
+    complete(concat("run -f HoleFillingFilter holes.png -o a --overwrite --preview ", asked));
+    EXPECT_TRUE(pictures.insert(text_of("a/holes_preview.png")).second) << asked;
+  }
 }
 
 TEST_F(Program, MeasuresThePartsOfARun) {
