@@ -63,7 +63,7 @@ test_browser() {
   local log=build/release/test_browser.log status=0 ok bad
   if ! { install_browser && target=zvfilter build release; }; then failed=$((failed + 1)); return; fi
   ZVFILTER=$PWD/build/release/bin/zvfilter SCREENSHOTS=$PWD/build/release/screens \
-    node --test --test-concurrency=1 --test-reporter=tap tests/report/ tests/tuner/ >"$log" 2>&1 || status=$?
+    node --test --test-concurrency=1 --test-reporter=tap tests/report/ tests/tuner/ bench/tuner/speed.mjs >"$log" 2>&1 || status=$?
   ok=$(sed -n 's/^# pass //p' "$log")
   bad=$(sed -n 's/^# fail //p' "$log")
   ok=${ok:-0} bad=${bad:-0}

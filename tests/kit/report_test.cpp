@@ -136,13 +136,6 @@ TEST(ReportPictures, StayWithinTheirLargestSide) {
   EXPECT_EQ(picture.indexes.size(), 2000u);
 }
 
-TEST(ReportEncoding, SpellsBytesInBase64) {
-  const std::pair<std::string_view, const char*> cases[] = {
-      {"", ""}, {"f", "Zg=="}, {"fo", "Zm8="}, {"foobar", "Zm9vYmFy"}};
-  for (const auto& [bytes, text] : cases)
-    EXPECT_EQ(base64({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()}), text);
-}
-
 TEST(ReportPlots, PutNumbersAtRoundPlaces) {
   EXPECT_EQ(axis_ticks({0, 100}, 5), (std::vector<double>{0, 20, 40, 60, 80, 100}));
   EXPECT_EQ(axis_ticks({-45, 45}, 5), (std::vector<double>{-40, -20, 0, 20, 40}));

@@ -1,9 +1,9 @@
 // How fast the page is on this machine: figures to look at, no limits.
 import assert from "node:assert/strict";
 import {test} from "node:test";
-import {zvfilter} from "../web/folder.mjs";
-import {control, open} from "./browser.mjs";
-import {startTuner} from "./tuner.mjs";
+import {zvfilter} from "../../tests/web/folder.mjs";
+import {control, open} from "../../tests/tuner/browser.mjs";
+import {startTuner} from "../../tests/tuner/tuner.mjs";
 
 for (const size of ["640x400", "1280x720"]) {
   test(`a changed value and playing at ${size}`, async (t) => {
