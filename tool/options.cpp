@@ -146,7 +146,16 @@ void describe_run(CLI::App& command, RunOptions& run) {
   command.footer(kRunFooter);
 }
 
-void describe_bench(CLI::App& command, RunOptions& run) { describe_frames(command, run); }
+void describe_bench(CLI::App& command, RunOptions& run) {
+  describe_frames(command, run);
+  command.footer(
+      "Each part's frames a second, with one thread and with as many as there are; the results are let "
+      "go.\n"
+      "\n"
+      "Examples:\n"
+      "  zvfilter bench --preset light frames/\n"
+      "  zvfilter bench --preset moving-camera camera:frames=60,size=1280x720");
+}
 
 void describe_tune(CLI::App& command, TuneOptions& tune) {
   describe_chain(command, tune.run);
@@ -173,6 +182,10 @@ void describe_chain_convert(CLI::App& command, ChainConvertOptions& convert) {
   command.add_flag("--text", convert.to_text, "As the text of steps, one a line, instead of JSON");
   command.add_option("-o,--output", convert.output, "File for the result instead of standard output")
       ->type_name("FILE");
+  command.footer(
+      "Examples:\n"
+      "  zvfilter chain convert 'TemporalFilter:weight=0.3; HoleFillingFilter:' -o chain.json\n"
+      "  zvfilter chain convert --text chain.json");
 }
 
 void describe_camera(CLI::App& command, CameraCommandOptions& camera) {
@@ -180,6 +193,10 @@ void describe_camera(CLI::App& command, CameraCommandOptions& camera) {
       ->required()
       ->type_name("DIR");
   command.add_flag("--sync", camera.sync, kSyncHelp);
+  command.footer(
+      "Examples:\n"
+      "  zvfilter camera -o recording --frames 30\n"
+      "  zvfilter camera -o recording --size 1280x720 --motion camera --noise 0.1 --seed 7");
   for (const kit::CameraOption& option : kit::camera_options()) {
     const std::string name(option.name), flag = "--" + name, help(option.help);
     if (option.value_name.empty()) {
