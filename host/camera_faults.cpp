@@ -38,11 +38,14 @@ class Faults {
   void add_speckle() {
     for (std::int64_t row = 0; row * kSpeckleCell < height_; ++row) {
       for (std::int64_t column = 0; column * kSpeckleCell < width_; ++column) {
-        const std::uint64_t bits = hash(salt_ + 2, column, row);
-        const double radius = 1.5 + 3.5 * fraction(bits, 0) * fraction(bits, 0);
-        // The mean area of a spot is 27 pixels.
-        const double chance = static_cast<double>(faults_.speckle) * kSpeckleCell * kSpeckleCell / 27;
-        if (fraction(bits, 16) < chance) spoil(row, column, radius, hash(salt_ + 3, column, row));
+        // The mean area of a spot is 27 pixels. A cell holds several where one is not enough.
+        const double spots = static_cast<double>(faults_.speckle) * kSpeckleCell * kSpeckleCell / 27;
+        for (unsigned spot = 0; spot < spots; ++spot) {
+          const std::uint64_t salt = salt_ + 8 * spot;
+          const std::uint64_t bits = hash(salt + 2, column, row);
+          const double radius = 1.5 + 3.5 * fraction(bits, 0) * fraction(bits, 0);
+          if (fraction(bits, 16) < spots - spot) spoil(row, column, radius, hash(salt + 3, column, row));
+        }
       }
     }
   }

@@ -92,7 +92,9 @@ TEST(EdgeNoiseRemovalFilter, AFailedScalingIsTriedAgain) {
     devhost::FrameTraits tiny = full(10, 1);
     tiny.width = width;
     tiny.height = height;
+    devhost::start_call_log();
     EXPECT_EQ(filter.refused(tiny), invalid("width||height"));
+    EXPECT_EQ(std::ranges::count(devhost::stop_call_log(), "zv_create_frame_from_other_frame"), 0);
     EXPECT_EQ(filter.printed(), invalid("width||height"));
   }
   EXPECT_EQ(filter.filtered(full(800, 1280)), without_border(1280, 800, 6, 6))

@@ -155,6 +155,7 @@ TEST(VirtualCamera, FramesDependOnConfigurationAndIndexOnly) {
       {"nothing", {}, 1786264795u},
       {"noise", {.faults = {.noise = 0.1f}}, 2880247465u},
       {"speckle", {.faults = {.speckle = 0.05f}}, 2354419139u},
+      {"much speckle", {.faults = {.speckle = 0.25f}}, 829565104u},
       {"some dropouts", {.faults = {.dropouts = 0.4f}}, 2550111882u},
       {"all dropouts", {.faults = {.dropouts = 1}}, 1681928350u},
       {"all faults", {.motion = Motion::camera, .faults = {0.1f, 0.02f, 0.5f}}, 2625705522u},

@@ -33,6 +33,7 @@ TEST_P(ResizeLevel, StepsThroughTheSourceInFixedPoint) {
   EXPECT_EQ(resized(6, 9, 2.0f, -3), (Pixels{2, 2, 3, 3, 4, 4, 5, 5, 6}));
   EXPECT_EQ(resized(4, 2, 1.0f, 3), (Pixels{0, 0})) << "all that is left is the band";
   EXPECT_EQ(resized(4, 2, 1.0f, -9), (Pixels{0, 0}));
+  EXPECT_EQ(resized(70, 2, 0.12f, -8), (Pixels{0, 0})) << "though a pixel is left at the start";
 }
 
 TEST_P(ResizeLevel, TheStepIsOneTooLargeAndCountersOf32BitsWrap) {
