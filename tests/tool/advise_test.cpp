@@ -44,7 +44,7 @@ TEST_F(Advise, EndsWithTheBestSoFarWhenItIsStopped) {
   // As soon as it can be stopped: SIGTERM is caught.
   const Outcome outcome = run(start_ +
                               "--evaluations 100000 -o chain.json & p=$!; "
-                              "until grep -qE '^State:.*Z|^SigCgt:.*[4-7c-f]...$' "
+                              "until [ ! -e /proc/$p ] || grep -qE '^State:.*Z|^SigCgt:.*[4-7c-f]...$' "
                               "/proc/$p/status; do sleep 0.1; done; kill $p; wait $p");
   expect_failed(outcome, 130, "stopped; chain.json has the best so far");
   EXPECT_MENTIONS(outcome.out, "all, weighted");
