@@ -69,7 +69,8 @@ TEST(DevelopmentHost, CopiesWhatItIsTold) {
   zv_frame_copy_info(from.get(), to.get(), nullptr);
   const std::uint16_t pixels[] = {5, 6};
   zv_frame_update_data(to.get(), pixels, sizeof pixels, nullptr);
-  EXPECT_EQ(devhost::inspect(to.get()).disparity.fx, 700);
+  const double fx = devhost::inspect(to.get()).disparity.fx;
+  EXPECT_EQ(fx, 700);
   EXPECT_EQ(devhost::inspect(to.get()).pixels, (Pixels{5, 6}));
 }
 
