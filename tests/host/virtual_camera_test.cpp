@@ -156,7 +156,6 @@ TEST(VirtualCamera, FramesDependOnConfigurationAndIndexOnly) {
       {"noise", {.faults = {.noise = 0.1f}}, 2880247465u},
       {"speckle", {.faults = {.speckle = 0.05f}}, 2354419139u},
       {"much speckle", {.faults = {.speckle = 0.25f}}, 829565104u},
-      {"some dropouts", {.faults = {.dropouts = 0.4f}}, 2550111882u},
       {"all dropouts", {.faults = {.dropouts = 1}}, 1681928350u},
       {"all faults", {.motion = Motion::camera, .faults = {0.1f, 0.02f, 0.5f}}, 2625705522u},
       {"still", {.motion = Motion::still}, 1342552118u},

@@ -97,7 +97,6 @@ static bool process(PrivFilterContext* filter, const zv_frame_t* input, bool con
   return true;
 }
 
-/* Returns whether the filter is configured at the end. */
 static bool use_filter(PrivFilterContext* filter, const zv_frame_t* input, const zv_frame_t* other) {
   complain(filter->get_config_schema(filter->filter, NULL) == NULL, "no schema");
   bool configured = configure(filter, walk->filter, walk->width, HEIGHT);

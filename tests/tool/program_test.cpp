@@ -198,6 +198,7 @@ TEST_F(Program, CameraFilesAndTheCameraItselfGiveTheSameResults) {
 TEST_F(Program, NeverMixesTwoRecordings) {
   complete("camera -o cam --frames 2 --size 64x48");
   const std::string frame = text_of("cam/disparity_0000.png");
+  fs::remove_all(folder_ / "cam/truth");
   expect_refused(run("camera -o cam --frames 1 --size 96x64"), 1,
                  ": belongs to another recording; expected a folder without one");
   EXPECT_EQ(text_of("cam/disparity_0000.png"), frame);
@@ -285,8 +286,7 @@ TEST_F(Program, RefusesWrongUsage) {
                   {" holes.raw", "holes.raw: a raw file does not say its size"},
                   {" err.txt", "err.txt: is of no known format"},
                   {" holes.png holes.pgm --format npy",
-                   "holes.pgm and holes.png would both be written to results/holes.npy"},
-                  {" holes.png in/../holes.png", "would both be written"}});
+                   "holes.pgm and holes.png would both be written to results/holes.npy"}});
   EXPECT_EQ(get("holes.png"), kHoles);
 }
 
