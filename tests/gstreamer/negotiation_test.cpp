@@ -55,7 +55,6 @@ TEST(Sizes, PassThroughFiltersThatKeepThem) {
 
 TEST(Refusals, SayWhatAStepNeeds) {
   EXPECT_TRUE(has(refusal("zvspatialadvancedfilter"), "give the baseline and fx"));
-  EXPECT_TRUE(has(refusal("zvdisparitytransform pixel-type=disparity"), "give the baseline and fx"));
   EXPECT_TRUE(has(refusal("zvspatialadvancedfilter baseline=50"), "baseline (mm) and fx (pixels)"));
   EXPECT_TRUE(has(refusal("zvdepthresize scale=2 dst-width=10 dst-height=10"), "66 and 48"));
   EXPECT_EQ(refusal("zvholefillingfilter", "GRAY16_BE"), "");  // the caps say it

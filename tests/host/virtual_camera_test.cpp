@@ -153,7 +153,6 @@ TEST(VirtualCamera, FramesDependOnConfigurationAndIndexOnly) {
   };
   const Case cases[] = {
       {"nothing", {}, 1786264795u},
-      {"noise", {.faults = {.noise = 0.1f}}, 2880247465u},
       {"speckle", {.faults = {.speckle = 0.05f}}, 2354419139u},
       {"much speckle", {.faults = {.speckle = 0.25f}}, 829565104u},
       {"all dropouts", {.faults = {.dropouts = 1}}, 1681928350u},

@@ -134,7 +134,8 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
   complete(
       "chain convert 'fill=HoleFillingFilter:hole_filling_mode=1; DepthResize:scale=2' -o chain.json");
   complete("run --chain chain.json holes.png -o a");
-  complete("run -f HoleFillingFilter:hole_filling_mode=1 -f DepthResize:scale=2 holes.png -o b");
+  complete(
+      "run --filter HoleFillingFilter:hole_filling_mode=1 -f DepthResize:scale=2 holes.png -o b --sync");
   EXPECT_EQ(get("a/holes.png"), get("b/holes.png"));
   EXPECT_NE(get("a/holes.png"), kHoles);
   complete("run --chain chain.json --set fill.enabled=false --set 2.scale=1 holes.png -o c");
@@ -196,7 +197,7 @@ TEST_F(Program, CameraFilesAndTheCameraItselfGiveTheSameResults) {
 }
 
 TEST_F(Program, NeverMixesTwoRecordings) {
-  complete("camera -o cam --frames 2 --size 64x48");
+  complete("camera -o cam --frames 2 --size 64x48 --sync");
   const std::string frame = text_of("cam/disparity_0000.png");
   fs::remove_all(folder_ / "cam/truth");
   expect_refused(run("camera -o cam --frames 1 --size 96x64"), 1,

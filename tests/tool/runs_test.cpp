@@ -176,7 +176,6 @@ TEST_F(Runs, ShowATerminalHowFarTheyAre) {
   const std::string run_shown = shown("run -o a day" + kChain);
   EXPECT_MENTIONS(run_shown, "\r[##########....................] 1/3  ");
   EXPECT_MENTIONS(run_shown, "\r[##############################] 3/3  ");
-  EXPECT_MENTIONS(run_shown, "/s  0:00 left\x1b[K\r\x1b[K");
   EXPECT_MENTIONS(shown("advise camera:frames=9,size=160x112,baseline=200,seed=3,noise=0.1,motion=still "
                         "--evaluations 30 -o chain.json"),
                   "left  best 0.691\x1b[K\r\x1b[K");

@@ -171,11 +171,15 @@ test("the lines of Python say what the frames are", async () => {
 });
 
 test("Ctrl-C ends it at once, whoever is connected", async () => {
-  const other = await startTuner("rec");
+  const {PATH} = process.env;
+  process.env.PATH = folder; // where there is nothing that opens a browser
+  const other = await startTuner("--open", "rec");
+  process.env.PATH = PATH;
   const sockets = await Promise.all(Array.from({length: 5}, () => connect(other.port)));
   sockets[0].write("POST /api/frame HTTP/1.1\r\n");
-  const {code, signal} = await other.stop();
+  const {code, signal, said} = await other.stop();
   assert.deepEqual([code, signal], [0, null]);
+  assert.match(said, /xdg-open is not there/);
   const taken = await startTuner("--port", String(tuner.port), "rec").catch((error) => error.message);
   assert.match(taken, /"code":1.*another program/);
 });

@@ -24,7 +24,7 @@ export async function startTuner(...words) {
   process.stderr.on("data", (text) => {
     said += text;
   });
-  const ended = new Promise((resolve) => process.on("exit", (code, signal) => resolve({code, signal, said})));
+  const ended = new Promise((resolve) => process.on("close", (code, signal) => resolve({code, signal, said})));
   const address = await new Promise((resolve, reject) => {
     let output = "";
     process.stdout.on("data", (text) => {
