@@ -147,6 +147,9 @@ TEST(DisparityTables, EqualAnIndependentEvaluationForEveryCode) {
         expect_every_code(kTransform, offset, {10000, 100, 0.25f, -2.0f, true});
       }
       expect_every_code(kOpenNI, plain, {10000, 100});
+      ZVDisparityParam near = plain;
+      near.baseline = 10;
+      expect_every_code(kOpenNI, near, {10000, 100});
       expect_every_code(kOpenNI, offset, {5000, 200, 0.5f, 2.0f, true});
     }
   }

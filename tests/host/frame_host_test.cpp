@@ -1,7 +1,6 @@
 #include "frame_host.h"
 
 #include <numeric>
-#include <string>
 
 #include <gtest/gtest.h>
 
@@ -26,17 +25,6 @@ TEST(FrameHost, KeepsWhatIsWrittenIntoAFrameOfAnySize) {
   zv_frame_update_data(frame.get(), pixels_of(frame.get()) + 1, 6, &error);
   EXPECT_EQ(pixels(), (std::vector<std::uint16_t>{2, 3, 4}));
   EXPECT_EQ(error, nullptr);
-}
-
-TEST(FrameHost, ShortensTheTextsOfErrors) {
-  const PoolHandle pool = make_pool();
-  const Scope scope(*pool);
-  const zv_error* const error = zv_create_error(1, std::string(300, 'm').c_str(), "function", nullptr, 7);
-  zv_create_error(1, "another", "", "", 8);
-  EXPECT_EQ(zv_error_get_message(error), std::string(255, 'm'));
-  EXPECT_STREQ(zv_error_get_function(error), "function");
-  EXPECT_STREQ(zv_error_get_args(error), "");
-  EXPECT_EQ(zv_error_get_exception_type(error), 7);
 }
 
 }  // namespace

@@ -73,6 +73,7 @@ TEST(DepthProcess, ChecksSizesThenScaleThenAgreement) {
   EXPECT_EQ(process(3, 2, {.scale = 1}, 3, 1), -3);
   EXPECT_EQ(process(3, 2, {.scale = std::numeric_limits<float>::quiet_NaN()}, 3, 2), -3);
   EXPECT_EQ(process(-3, -2, {.scale = 1}, -3, -2), 0);
+  EXPECT_EQ(process(3, 2, {.scale = 1, .ex_left = -9}, -6, 2), 0);
   EXPECT_EQ(target, Pixels(6, 9)) << "nothing was written so far";
   EXPECT_EQ(process(-3, 2, {.scale = 1, .ex_left = 5}, 2, 2), 0);
   EXPECT_EQ(target, (Pixels{0, 0, 0, 0, 9, 9})) << "a source without pixels";

@@ -144,7 +144,8 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
             "fill=HoleFillingFilter:hole_filling_mode=1\nDepthResize:scale=2\n");
   EXPECT_MENTIONS(run("chain show chain.json").out,
                   "1  HoleFillingFilter  tag fill\n     hole_filling_mode = 1\n2  DepthResize\n");
-  EXPECT_EQ(run("chain check chain.json").out, "chain.json: 2 steps, right\n");
+  EXPECT_EQ(run("chain check chain.json TemporalFilter").out,
+            "chain.json: 2 steps, right\nTemporalFilter: 1 step, right\n");
   expect_refused(run("chain check chain.json 'a=TemporalFilter:weigth=1'"), 2,
                  "step 1 (a): unknown key weigth; did you mean weight?");
   expect_refused(2, "run --chain chain.json holes.png -o results ",
@@ -186,6 +187,7 @@ TEST_F(Program, CameraFilesAndTheCameraItselfGiveTheSameResults) {
       return out.substr(table, out.rfind(" to ") - table);
     };
     EXPECT_EQ(accuracy(files.out), accuracy(itself.out));
+    EXPECT_MENTIONS(text_of("b/.zvfilter.json"), "\"camera:frames=2,");
     EXPECT_MENTIONS(files.out, "\n(input)                    -  ");
     EXPECT_EQ(files.out.find("\nDisparityTransform         -  "), std::string::npos);
     const Names made = listing("b");
