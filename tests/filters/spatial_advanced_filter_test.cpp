@@ -78,7 +78,7 @@ TEST(SpatialAdvancedFilter, OnlyHolesChangeInFramesOfOtherPixelTypes) {
 }
 
 TEST(SpatialAdvancedFilter, AFailedConfigurationLeavesTheOldTableInForce) {
-  FilterDriver filter(kName, {"1", "0.5", "160", "1"});
+  FilterDriver filter(kName, {"1", "0.4", "160", "1"});
   const Pixels result = filter.filtered(room());
   devhost::FrameTraits bad = room();
   bad.disparity.baseline = 0;
