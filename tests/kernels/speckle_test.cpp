@@ -265,7 +265,9 @@ TEST(Speckle, TheSizeChoosesFormAndLimit) {
 }
 
 TEST(Speckle, DefaultLimitsAreReadAtEveryCall) {
-  EXPECT_EQ(Depth_MaxDiff, 16);
+  EXPECT_EQ((std::vector{Depth_MaxDiff, Depth_MaxSpeckleSize_160x120, Depth_MaxSpeckleSize_320x240,
+                         Depth_MaxSpeckleSize_640x480, Depth_MaxSpeckleSize_1280x960}),
+            (std::vector{16, 30, 120, 480, 1920}));
   const std::int32_t before = Depth_MaxSpeckleSize_640x480;
   Depth_MaxSpeckleSize_640x480 = 9;
   expect_dispatch({640, 400, 0, true, 9});
