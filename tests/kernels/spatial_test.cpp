@@ -82,6 +82,8 @@ TEST(Spatial, LooksThresholdsUpByTheUnfilteredPixel) {
   EXPECT_FALSE(blended(30000, 30040, 2, 16)) << "a shift of 16 and more selects entry 0";
   EXPECT_FALSE(blended(30000, 30040, 2, 255));
   EXPECT_FALSE(blended(300, 301, 0, 8)) << "without a table all thresholds are 0";
+  const Pixels two = {1, 2};
+  EXPECT_EQ((ThresholdTable{two.data(), 2, 15}).at(32768), 2) << "the highest bit alone";
 }
 
 #if !defined(__aarch64__)

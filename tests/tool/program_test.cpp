@@ -32,6 +32,7 @@ TEST_F(Program, ListsTheFiltersOfAPlugin) {
 }
 
 TEST_F(Program, ExplainsFiltersAndPresets) {
+  EXPECT_TRUE(run("--version").out.starts_with("zvfilter "));
   EXPECT_MENTIONS(run("help").out, "TemporalFilter               steadies each pixel");
   EXPECT_MENTIONS(run("help TemporalFilter").out, "points. It remembers\n          the last result, ");
   EXPECT_MENTIONS(run_probe("help EchoFilter").out, "EchoFilter is not described");
