@@ -36,10 +36,10 @@ class Faults {
 
   /// Round spots of a wrong disparity, 1.5 to 5 pixels in radius, flat as what matches by accident is.
   void add_speckle() {
+    // The mean area of a spot is 27 pixels. A cell holds several where one is not enough.
+    const double spots = static_cast<double>(faults_.speckle) * kSpeckleCell * kSpeckleCell / 27;
     for (std::int64_t row = 0; row * kSpeckleCell < height_; ++row) {
       for (std::int64_t column = 0; column * kSpeckleCell < width_; ++column) {
-        // The mean area of a spot is 27 pixels. A cell holds several where one is not enough.
-        const double spots = static_cast<double>(faults_.speckle) * kSpeckleCell * kSpeckleCell / 27;
         for (unsigned spot = 0; spot < spots; ++spot) {
           const std::uint64_t salt = salt_ + 8 * spot;
           const std::uint64_t bits = hash(salt + 2, column, row);
