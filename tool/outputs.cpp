@@ -68,9 +68,12 @@ std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const Inpu
     const std::string extension =
         files.format == own ? name.extension : std::string(files.format->extensions.front());
     files.stack = name.stack && holds_stacks(*files.format);
-    files.number = files.stack ? name.number : 0;
-    files.count = files.stack ? name.count : 1;
-    const std::string stem = files.stack ? name.files.front().stem().string() : name.stem;
+    std::string stem = name.stem;
+    if (files.stack) {
+      files.number = name.number;
+      files.count = name.count;
+      stem = name.files.front().stem().string();
+    }
     files.image = settings.folder / (stem + extension);
     if (files.number == 0) plan(files.image, name.label);
     if (settings.preview) {

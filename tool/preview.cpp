@@ -44,9 +44,8 @@ struct Layout {
   std::uint32_t unit, gap, text, bar, legend;
 };
 
-/// 1, 2 or 5 times a power of ten, so that there are at most `most` of them in the range.
-double tick_step(double range, double most) {
-  const double least = range / std::max(most, 1.0);
+/// 1, 2 or 5 times a power of ten, and not less than this.
+double tick_step(double least) {
   const double decade = std::pow(10, std::floor(std::log10(least)));
   for (const double factor : {1.0, 2.0, 5.0}) {
     if (factor * decade >= least) return factor * decade;
@@ -58,9 +57,9 @@ void draw_ticks(kit::Canvas& canvas, const Layout& layout, const Panel& panel, s
                 std::uint32_t top, std::uint32_t width) {
   const double range = panel.high - panel.low;
   const std::uint32_t unit_width = (kit::text_width("mm") + 6) * layout.unit;
-  if (!(range > 0) || width <= unit_width) return;
+  if (!(range > 0)) return;
   const double label = (kit::text_width("-00000") + 4) * layout.unit;
-  const double step = tick_step(range, (width - unit_width) / label);
+  const double step = tick_step(range * label / (width - unit_width));
   for (double tick = std::ceil(panel.low / step) * step; tick <= panel.high + step / 1e6; tick += step) {
     const double value = std::abs(tick) < step / 2 ? 0 : tick;
     const std::string text = kit::number_text(std::round(value * 1000) / 1000);

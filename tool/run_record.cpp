@@ -23,7 +23,6 @@ std::string input_name(const RunOptions& options, const std::string& input) {
 
 std::string run_record(const RunOptions& options, const kit::Chain& chain, const Sequence& sequence) {
   kit::Json record;
-  record["version"] = 1;
   record["chain"] = kit::Json::parse(kit::chain_json({"", std::nullopt, chain}));
   const kit::FrameAttributes& attributes = options.attributes;
   kit::Json frames = kit::input_json(kit::describe_input({}, attributes), false);

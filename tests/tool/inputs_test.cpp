@@ -96,6 +96,9 @@ TEST_F(Inputs, StreamFromStandardInputToStandardOutput) {
   const Outcome pgm = run(kFill + "- -o - --size 3x3 --input-format raw --format pgm", "", "in.raw");
   EXPECT_EQ(pgm.out, text(encode_pgm(kFilled)) + text(encode_pgm(kFilled)));
 
+  const Outcome twice = run(kFill + "holes.png holes.png -o - --format raw");
+  EXPECT_EQ(twice.out, frames({kFilled, kFilled}));
+
   // What a plug-in prints is not a frame's.
   const Outcome probe = run_probe("run -f EchoFilter - -o - --size 3x3 --format raw", "in.raw");
   EXPECT_EQ(probe.out, frames({kHoles, kHoles}));

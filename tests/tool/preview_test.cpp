@@ -95,8 +95,9 @@ TEST(Preview, NumbersTheLegend) {
     std::uint32_t sum;
   };
   for (const auto& [width, range, sum] :
-       {Case{1, {950, 2500}, 200573622u}, Case{479, {0.25, 1.75}, 3991861597u},
-        Case{480, {400, 65000}, 3653340448u}, Case{700, {7, 7}, 2695455152u}}) {
+       {Case{1, {1234, 2784}, 2655958925u}, Case{320, {1234, 65234}, 2462167510u},
+        Case{479, {0.25, 1.75}, 3991861597u}, Case{480, {400, 65000}, 3653340448u},
+        Case{640, {950, 2500}, 1296274304u}, Case{700, {7, 7}, 2695455152u}}) {
     Preview preview({ColorMap::grey, range});
     const kit::ColorImage picture =
         drawn(preview, frame(width, 1, std::vector<std::uint16_t>(width, 1000)),

@@ -35,6 +35,9 @@ TEST_F(Program, ExplainsFiltersAndPresets) {
   EXPECT_TRUE(run("--version").out.starts_with("zvfilter "));
   EXPECT_MENTIONS(run("help").out, "TemporalFilter               steadies each pixel");
   EXPECT_MENTIONS(run("help TemporalFilter").out, "points. It remembers\n          the last result, ");
+  EXPECT_MENTIONS(run("help HoleFillingFilter").out,
+                  "default 0\n  Which neighbour a hole takes its value from. Disparity frames are "
+                  "understood: nearest is nearest\n  there too.\n    0  top: the pixel above, ");
   EXPECT_MENTIONS(run_probe("help EchoFilter").out, "EchoFilter is not described");
   for (const char* command : {"run", "advise", "tune", "bench", "camera", "chain convert"}) {
     const std::string help = run(concat(command, " --help")).out;
@@ -49,6 +52,12 @@ TEST_F(Program, ExplainsFiltersAndPresets) {
   complete("run --chain fill.json" + end + "b");
   EXPECT_EQ(get("a/holes.png"), get("b/holes.png"));
   EXPECT_NE(get("a/holes.png"), kHoles);
+}
+
+/// An .npy file of one pixel.
+std::string one_sample(const char* type, const std::string& bytes) {
+  const std::string header = concat("{'descr': '", type, "', 'fortran_order': False, 'shape': (1, 1)}");
+  return concat("\x93NUMPY\x01", '\0', static_cast<char>(header.size()), '\0', header, bytes);
 }
 
 TEST_F(Program, FiltersEveryFormat) {
@@ -67,6 +76,9 @@ TEST_F(Program, FiltersEveryFormat) {
                               "HoleFillingFilter       6            36           54       18"))
       << outcome.out;
   EXPECT_MENTIONS(outcome.out, "\nHoleFillingFilter       6            54           54        0");
+  put("m.npy", one_sample("<f4", {'\0', '\0', '\xa0', '?'}));
+  complete("run -f HoleFillingFilter m.npy --metres --value-scale 0.5 -o out --format pgm");
+  EXPECT_EQ(get("out/m.pgm"), (Image{1, 1, {2500}})) << "1.25 m";
 }
 
 TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
@@ -106,7 +118,10 @@ TEST_F(Program, PaintsPreviewsAsTheyAreAskedFor) {
 
 TEST_F(Program, MeasuresThePartsOfARun) {
   const std::string out =
-      complete("bench --jobs 2 -f DisparityTransform: -f TemporalFilter camera:frames=4,size=96x64").out;
+      complete(
+          "bench --jobs 2 --chain 'DisparityTransform:; TemporalFilter; off=TemporalFilter' "
+          "--set off.enabled=false camera:frames=4,size=96x64")
+          .out;
   EXPECT_TRUE(out.starts_with("4 frames; frames a second:\n" + std::string(34, ' ') +
                               "1 thread   2 threads\ndecode   "))
       << out;
@@ -116,6 +131,7 @@ TEST_F(Program, MeasuresThePartsOfARun) {
     if (place != out.npos) std::istringstream(out.substr(place + 31)) >> found.first >> found.second;
     return found;
   };
+  EXPECT_MENTIONS(out, "\nstep 3 (off)                             -           -\n");
   const auto whole = rates("whole");
   EXPECT_GT(std::min(whole.first, whole.second), 0);
   for (const char* part : {"decode", "step 1 (DisparityTransform)", "step 2 (TemporalFilter)", "encode"})
@@ -135,8 +151,10 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
   complete(
       "chain convert 'fill=HoleFillingFilter:hole_filling_mode=1; DepthResize:scale=2' -o chain.json");
   complete("run --chain chain.json holes.png -o a");
+  put("z.ini", "[run]\noutput=b\nsync=true\n");
   complete(
-      "run --filter HoleFillingFilter:hole_filling_mode=1 -f DepthResize:scale=2 holes.png -o b --sync");
+      "run --filter HoleFillingFilter:hole_filling_mode=1 -f DepthResize:scale=2 holes.png --config "
+      "z.ini");
   EXPECT_EQ(get("a/holes.png"), get("b/holes.png"));
   EXPECT_NE(get("a/holes.png"), kHoles);
   complete("run --chain chain.json --set fill.enabled=false --set 2.scale=1 holes.png -o c");
@@ -267,6 +285,7 @@ TEST_F(Program, RefusesWrongCamerasAndTruths) {
 
 TEST_F(Program, RefusesWrongUsage) {
   for (const char* name : {"holes.pgm", "holes.raw"}) put(name, kHoles);
+  put("other.ini", "[run]\ncolour=3\n");
   expect_refused(
       2, "",
       {{"", "subcommand is required"},
@@ -280,6 +299,7 @@ TEST_F(Program, RefusesWrongUsage) {
   expect_refused(2, "run -o results -f HoleFillingFilter",
                  {{"", "INPUT is required"},
                   {" holes.png --preset light", "excludes"},
+                  {" holes.png --config other.ini", "run.colour"},
                   {" holes.png --range 5:4", "--range: 5:4: expected NEAR:FAR"},
                   {" holes.png --colors jet", "--colors: jet: expected turbo, viridis or grey"},
                   {" holes.png --format jpg", "--format: jpg: expected png, pgm, npy, raw or tiff"},
@@ -289,6 +309,7 @@ TEST_F(Program, RefusesWrongUsage) {
                   {" holes.raw --size 3", "--size: 3: expected WIDTHxHEIGHT"},
                   {" holes.raw", "holes.raw: a raw file does not say its size"},
                   {" err.txt", "err.txt: is of no known format"},
+                  {" holes.png holes.pgm --preview", "and the preview of holes.png would both"},
                   {" holes.png holes.pgm --format npy",
                    "holes.pgm and holes.png would both be written to results/holes.npy"}});
   EXPECT_EQ(get("holes.png"), kHoles);
@@ -314,8 +335,7 @@ TEST_F(Program, RefusesBadInputsAndLeavesNothingBehind) {
 }
 
 TEST_F(Program, ShowsTheControlCharactersOfFilesAndNames) {
-  const std::string type = "{'descr': '\\u001b[2J', 'fortran_order': False, 'shape': (1, 1)}";
-  put("in/\x1b[31m.npy", concat("\x93NUMPY\x01", '\0', static_cast<char>(type.size()), '\0', type));
+  put("in/\x1b[31m.npy", one_sample("\\u001b[2J", ""));
   put("c.json", R"({"\u001b[2J\u0000": 1})");
   const std::string start = "run -f HoleFillingFilter -o results in ";
   for (const std::string& arguments : {start, start + "--camera c.json", start + "'\x1b.png'",
@@ -342,16 +362,22 @@ TEST_F(Program, SaysWhereNothingCanBeWritten) {
 TEST_F(Program, WritesAReportThatHoldsItsRunAndNothingElse) {
   put("in/a.pgm", kHoles);
   put("in/<b>.pgm", kHoles);
-  complete("run -f 'fill=HoleFillingFilter:' in -o far --report pages/run.html");
+  complete("run -f 'fill=HoleFillingFilter:' in/a.pgm 'in/<b>.pgm' -o far --report pages/run.html");
   const std::string page = text_of("pages/run.html");
   for (const char* part :
        {"66.7\u202f% → 100.0\u202f%",  // six of nine pixels, then all
-        "changed 33.3\u202f%", "-f fill=HoleFillingFilter: in -o far", "in/&lt;b&gt;.pgm"})
+        "changed 33.3\u202f%", "-f fill=HoleFillingFilter: in/a.pgm &#39;in/&lt;b&gt;.pgm&#39; -o far",
+        "<h1>in/a.pgm in/&lt;b&gt;.pgm</h1>", "&quot;filter&quot;: &quot;HoleFillingFilter&quot;",
+        "<dt>hole_filling_mode</dt><dd>0<"})
     EXPECT_MENTIONS(page, part);
   for (const char* part : {"<b>.pgm", "http://", "https://"})
     EXPECT_EQ(page.find(part), std::string::npos) << part;
   fs::create_directory(folder_ / "other");
   put("other/b.pgm", kHoles);
+  complete("run -f HoleFillingFilter in/a.pgm -o far --overwrite --format npy");
+  complete("run -f HoleFillingFilter in -o near --report near.html --against far --truth in");
+  for (const char* part : {"<h3>Beside the results in far", "Median error"})
+    EXPECT_MENTIONS(text_of("near.html"), part);
   expect_refused(
       2, "run -f HoleFillingFilter: ",
       {{"other -o in --report r.html --against in", "--against in: is the folder for the results"},

@@ -80,7 +80,7 @@ TEST_F(Runs, GoOnWhereTheyEnded) {
 
   complete("run in -o plain -f HoleFillingFilter:");
   fs::remove(folder_ / name("plain", 7));
-  EXPECT_MENTIONS(run("run in -o plain -f HoleFillingFilter: --resume").out,
+  EXPECT_MENTIONS(run("run ./in/ -o plain -f HoleFillingFilter: --resume").out,
                   "\nHoleFillingFilter       1 ");
 
   fs::remove(folder_ / name("part", 3));
@@ -170,12 +170,16 @@ TEST_F(Runs, EndAtOnceWhenTheyAreStoppedTwice) {
 
 TEST_F(Runs, ShowATerminalHowFarTheyAre) {
   put_frames("day", 3);
-  const auto shown = [&](const std::string& arguments) {
-    return run(arguments + "' /dev/null", "script -qefc '").out;
+  const auto shown = [&](const std::string& arguments, const std::string& before = "") {
+    return run(arguments + "' /dev/null", concat("script -qefc '", before)).out;
   };
   const std::string run_shown = shown("run -o a day" + kChain);
   EXPECT_MENTIONS(run_shown, "\r[##########....................] 1/3  ");
   EXPECT_MENTIONS(run_shown, "\r[##############################] 3/3  ");
+  EXPECT_MENTIONS(run_shown, " left\x1b[K\r\x1b[K");
+  EXPECT_MENTIONS(shown("camera -o rec --frames 3 --size 64x48"), ".] 1/3 ");
+  const std::string narrow = shown("run -o b day" + kChain, "stty cols 40; ");
+  EXPECT_EQ(narrow.find("\x1b[K") - narrow.find("\r["), 40u) << "all but the last column";
   EXPECT_MENTIONS(shown("advise camera:frames=9,size=160x112,baseline=200,seed=3,noise=0.1,motion=still "
                         "--evaluations 30 -o chain.json"),
                   "left  best 0.691\x1b[K\r\x1b[K");
