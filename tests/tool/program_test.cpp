@@ -132,6 +132,7 @@ TEST_F(Program, MeasuresThePartsOfARun) {
     return found;
   };
   EXPECT_MENTIONS(out, "\nstep 3 (off)                             -           -\n");
+  EXPECT_EQ(out[out.find('.') + 2], ' ') << "tenths";
   const auto whole = rates("whole");
   EXPECT_GT(std::min(whole.first, whole.second), 0);
   for (const char* part : {"decode", "step 1 (DisparityTransform)", "step 2 (TemporalFilter)", "encode"})
@@ -307,7 +308,7 @@ TEST_F(Program, RefusesWrongUsage) {
                   {" holes.png --baseline -1", "--baseline: -1: expected a number above 0"},
                   {" holes.png --pixel-type x", "--pixel-type: x: expected depth"},
                   {" holes.raw --size 3", "--size: 3: expected WIDTHxHEIGHT"},
-                  {" holes.raw", "holes.raw: a raw file does not say its size"},
+                  {" holes.raw", "holes.raw: a raw file does not say its size; give it with --size"},
                   {" err.txt", "err.txt: is of no known format"},
                   {" holes.png holes.pgm --preview", "and the preview of holes.png would both"},
                   {" holes.png holes.pgm --format npy",
