@@ -34,24 +34,21 @@ def test_it_helps_and_its_chain_is_ready_to_run(camera, frames):
     assert advise(camera, frames, seed=2).chain != found.chain
 
 
-def test_truth_takes_the_place_of_predictions(camera, frames):
-    found = advise(camera, frames, truth=[frame.truth for frame in camera])
-    assert "roughness" not in found.rows["advised"]
+def test_one_step_of_a_chain_by_the_truth(camera, frames):
+    chain = zvfilter.Chain(["DisparityTransform:", "NoiseRemovalFilter:max_size=33", "smooth=SpatialAdvancedFilter:"],
+                           input=camera.input)
+    found = zvfilter.advise(frames, [frame.truth for frame in camera], chain=chain, step="smooth", evaluations=12)
+    assert found.chain["NoiseRemovalFilter"].max_size == 33
+    assert found.chain["smooth"].values != chain["smooth"].values
+    assert found.chain.input == chain.input
+    assert "roughness" not in found.rows["advised"], "which the truth replaces"
     assert 10 < found.rows["untouched"]["median"] < 1000, "millimetres"
     assert found.rows["advised"]["median"] < found.rows["untouched"]["median"]
 
 
-def test_one_step_of_a_chain(camera, frames):
-    chain = zvfilter.Chain(["DisparityTransform:", "NoiseRemovalFilter:max_size=33", "smooth=SpatialAdvancedFilter:"],
-                           input=camera.input)
-    found = zvfilter.advise(frames, chain=chain, step="smooth", evaluations=12)
-    assert found.chain["NoiseRemovalFilter"].max_size == 33
-    assert found.chain["smooth"].values != chain["smooth"].values
-    assert found.chain.input == chain.input
-
-
 def test_progress_may_end_it_and_fail(camera, frames):
-    assert advise(camera, frames, evaluations=400, progress=lambda *now: False).evaluations < 100
+    found = advise(camera, frames, evaluations=400, progress=lambda done, *now: done < 32)
+    assert found.evaluations < 100 and found.helps, "the best so far"
 
     def fail(*now):
         raise KeyError("told")

@@ -25,10 +25,7 @@ std::string refusal(const std::string& element, const char* format = "GRAY16_LE"
 }
 
 TEST(Sizes, AreThoseOfTheResizedFrame) {
-  Harness harness("zvdepthresize scale=0.5", kWidth, kHeight);
-  EXPECT_EQ(harness.filtered(ramp()), run(chain_for("DepthResize:scale=0.5", kWidth, kHeight), ramp()));
-  harness.set("scale", "2");
-  harness.set("ex-left", "3");
+  Harness harness("zvdepthresize scale=2 ex-left=3", kWidth, kHeight);
   EXPECT_EQ(harness.filtered(ramp()),
             run(chain_for("DepthResize:scale=2,ex_left=3", kWidth, kHeight), ramp()));
   harness.set_size(kWidth - 1, kHeight);

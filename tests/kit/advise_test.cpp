@@ -7,24 +7,14 @@
 #include "filter_run.h"
 #include "kit/advise/advice.h"
 #include "kit/advise/roughness.h"
-#include "kit/pipeline/workers.h"
 
 namespace kit {
 namespace {
 
 /// Of the virtual camera, with much noise.
-Footage footage_of(std::size_t frames, bool with_truth = false) {
-  Footage footage;
-  footage.frames =
-      camera_frames(concat("size=160x112,baseline=200,seed=3,noise=0.1,motion=still,frames=", frames),
-                    with_truth ? &footage.truth : nullptr);
-  return footage;
-}
-
-AdviceRequest request_of(std::size_t frames, std::size_t evaluations, bool with_truth = false) {
-  AdviceRequest request{.footage = footage_of(frames, with_truth)};
-  request.evaluations = evaluations;
-  return request;
+Footage footage_of(std::size_t frames) {
+  const char* options = "size=160x112,baseline=200,seed=3,noise=0.1,motion=still,frames=";
+  return {.frames = camera_frames(concat(options, frames)), .truth = {}};
 }
 
 Chain chain_of(const std::string& text) { return parse_chain(text, "chain").steps; }
@@ -166,22 +156,6 @@ TEST(AdviceSplit, NoFrameIsBothSearchedOnAndMeasured) {
   }
 }
 
-TEST(Advice, IsTheSameForAnyNumberOfThreads) {
-  AdviceRequest request = request_of(9, 40);
-  const Advice alone = advise(own_filters(), request);
-  const Workers workers(3);
-  request.for_each = [&](std::size_t count, const auto& work) { workers.for_each(count, work); };
-  const Advice shared = advise(own_filters(), request);
-  EXPECT_EQ(chain_text(shared.chain), chain_text(alone.chain));
-  EXPECT_EQ(shared.rows.back().measures.values, alone.rows.back().measures.values);
-  EXPECT_EQ(shared.reasons, alone.reasons);
-  EXPECT_LT(alone.rows.back().loss, 0.9);
-  EXPECT_TRUE(alone.held_out);
-  EXPECT_LE(alone.evaluations, 40u);
-  request.seed = 2;
-  EXPECT_NE(chain_text(advise(own_filters(), request).chain), chain_text(alone.chain));
-}
-
 TEST(Advice, StaysInRangesThatMakeSense) {
   const Footage footage = footage_of(1);
   const Trials trials(own_filters(), footage, false, 1);
@@ -204,20 +178,6 @@ TEST(Advice, StaysInRangesThatMakeSense) {
   for (const Gene& gene : before.genes()) EXPECT_NE(gene.key, "magnitude");
 }
 
-TEST(Advice, LooksForOneStepAloneAndIsJudgedByTheTruth) {
-  AdviceRequest request = request_of(9, 20, true);
-  request.chain =
-      chain_of("DisparityTransform:;NoiseRemovalFilter:max_size=33;smooth=SpatialAdvancedFilter:");
-  request.step = 2;
-  const Advice advice = advise(own_filters(), request);
-  EXPECT_EQ(step_text(advice.chain[1]), "NoiseRemovalFilter:max_size=33");
-  EXPECT_EQ(advice.chain[2].tag, "smooth");
-  EXPECT_NE(step_text(advice.chain[2]), "smooth=SpatialAdvancedFilter:");
-  const Measures &before = advice.rows.front().measures, &after = advice.rows.back().measures;
-  EXPECT_LT(*after[Measure::median], 0.8 * *before[Measure::median]);
-  EXPECT_FALSE(before[Measure::roughness]) << "which the truth replaces";
-}
-
 TEST(Advice, SaysThatNothingHelps) {
   // Frames of a still plane without noise, where every pixel is right.
   AdviceRequest request;
@@ -231,16 +191,10 @@ TEST(Advice, SaysThatNothingHelps) {
   EXPECT_EQ(advice.remarks.back(), "No filter helps by these measures.");
 }
 
-TEST(Advice, StopsWithTheBestSoFarAndSaysWhatOneFrameAllows) {
-  AdviceRequest request = request_of(6, 1000);
-  std::size_t told = 0;
-  request.progress = [&](const AdviceProgress& now) { told = now.evaluations; };
-  request.stop = [&] { return told >= 32; };
-  const Advice stopped = advise(own_filters(), request);
-  EXPECT_LT(stopped.evaluations, 100u);
-  EXPECT_LT(stopped.rows.back().loss, 1);
-
-  const Advice single = advise(own_filters(), request_of(1, 30));
+TEST(Advice, OfOneFrameIsWithoutMemory) {
+  AdviceRequest request{.footage = footage_of(1)};
+  request.evaluations = 30;
+  const Advice single = advise(own_filters(), request);
   EXPECT_FALSE(single.held_out);
   EXPECT_TRUE(single.remarks.front().starts_with("One frame"));
   for (const Step& step : single.chain) EXPECT_NE(step.filter, "TemporalFilter");

@@ -34,16 +34,11 @@ inline Frames run_chain(const std::string& chain, const Frames& inputs) {
 }
 
 /// @param options as of the input camera:
-/// @param truth of the frames, where it is wanted
-inline Frames camera_frames(const std::string& options, std::vector<Image>* truth = nullptr) {
+inline Frames camera_frames(const std::string& options) {
   const FrameSource source =
       camera_source(make_camera_request(parse_camera_input("camera:" + options)), {});
   Frames frames;
-  for (std::size_t i = 0; i < source.names.size(); ++i) {
-    SourceFrame made = source.load(i);
-    frames.push_back(std::move(made.frame));
-    if (truth) truth->push_back(std::move(*made.truth));
-  }
+  for (std::size_t i = 0; i < source.names.size(); ++i) frames.push_back(source.load(i).frame);
   return frames;
 }
 

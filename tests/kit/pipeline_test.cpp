@@ -1,30 +1,15 @@
 // Sequences at work on several threads.
 #include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <thread>
 
 #include <gtest/gtest.h>
 
 #include "filter_run.h"
 #include "kit/frame/frame_attributes.h"
 #include "kit/pipeline/workers.h"
-#include "refusal.h"
 
 namespace kit {
 namespace {
-
-SourceFrame numbered(std::size_t index) {
-  return {describe_frame({1, 1, {static_cast<std::uint16_t>(index)}}, {}), {}};
-}
-
-/// Sends the frames through a filter on four threads, six at a time.
-void run_six(const FrameSource& source, const SequenceVisitor& visitor) {
-  Pipeline pipeline(own_filters(), {{"HoleFillingFilter"}});
-  Workers(4).for_each(1, [&](std::size_t) {
-    run_sequence(source, pipeline, {Handover::frame, 6, {}}, visitor);
-  });
-}
 
 TEST(Sequence, KeepsOrderAndBoundsWhatIsUnderWay) {
   constexpr std::size_t count = 500;
@@ -35,7 +20,7 @@ TEST(Sequence, KeepsOrderAndBoundsWhatIsUnderWay) {
     const std::size_t now = ++under_way;
     for (std::size_t seen = peak; now > seen && !peak.compare_exchange_weak(seen, now);) {
     }
-    return numbered(index);
+    return SourceFrame{describe_frame({1, 1, {static_cast<std::uint16_t>(index)}}, {}), {}};
   };
   std::size_t filtered = 0, done = 0;
   std::vector<std::atomic<int>> delivered(count);
@@ -52,26 +37,14 @@ TEST(Sequence, KeepsOrderAndBoundsWhatIsUnderWay) {
     EXPECT_EQ(index, done++);
     --under_way;
   };
-  run_six(source, visitor);
+  Pipeline pipeline(own_filters(), {{"HoleFillingFilter"}});
+  Workers(4).for_each(1, [&](std::size_t) {
+    run_sequence(source, pipeline, {Handover::frame, 6, {}}, visitor);
+  });
   EXPECT_LE(peak, 6u);
   EXPECT_EQ(filtered, count);
   EXPECT_EQ(done, count);
   EXPECT_EQ(std::count(delivered.begin(), delivered.end(), 1), static_cast<std::ptrdiff_t>(count));
-}
-
-TEST(Sequence, FailsWithItsFirstFrameInOrder) {
-  const FrameSource source = {std::vector<FrameName>(40), [](std::size_t index) {
-                                if (index > 20) fail("frame ", index, ": is bad");
-                                return numbered(index);
-                              }};
-  SequenceVisitor visitor;
-  visitor.on_result = [](std::size_t index, const SourceFrame&, const FrameView&) {
-    if (index < 20) return;
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));  // the next ones fail meanwhile
-    fail("frame 20: cannot be written");
-  };
-  EXPECT_EQ(refusal(Error::Kind::failed_run, [&] { run_six(source, visitor); }),
-            "frame 20: cannot be written");
 }
 
 TEST(FilterStatistics, GiveTheMedianOfAllDurations) {

@@ -86,7 +86,6 @@ class FilterDriver {
 
   void reset() { context_->reset(context_->filter, nullptr); }
   PrivFilterContext* context() { return context_.get(); }
-  void destroy() { context_.reset(); }
 
  private:
   devhost::FilterHandle context_;

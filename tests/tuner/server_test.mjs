@@ -1,7 +1,7 @@
 // The server of zvfilter tune: what it refuses, what it survives and that its frames are the tool's.
 // Use: ZVFILTER=path/to/zvfilter node --test tests/tuner/
 import assert from "node:assert/strict";
-import {copyFileSync, existsSync, mkdirSync, readFileSync, writeFileSync} from "node:fs";
+import {existsSync, readFileSync, writeFileSync} from "node:fs";
 import net from "node:net";
 import {join} from "node:path";
 import {test} from "node:test";
@@ -161,13 +161,11 @@ test("the lines of Python say what the frames are", async () => {
     python,
     /^import zvfilter\n\nchain = zvfilter.Chain.parse\("""[^]*"""\)\nfiltered = chain\(zvfilter.read\(/
   );
-  // Where no camera.json is beside them.
-  mkdirSync(join(folder, "bare"));
-  copyFileSync(join(folder, "rec/disparity_0000.png"), join(folder, "bare/0.png"));
   writeFileSync(join(folder, "python.json"), python.match(/"""([^]*)"""/)[1]);
-  zvfilter("run", "--chain", "python.json", "bare", "-o", "from_bare", "--format", "npy");
+  const frame = "rec/disparity_0000.png";
+  zvfilter("run", "--chain", "python.json", "--camera", "none", frame, "-o", "bare", "--format", "npy");
   const {after} = await makeClient("python")(0, chain);
-  assert.deepEqual(readNpy("from_bare/0.npy"), after);
+  assert.deepEqual(readNpy("bare/disparity_0000.npy"), after);
 });
 
 test("Ctrl-C ends it at once, whoever is connected", async () => {

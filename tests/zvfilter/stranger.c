@@ -43,8 +43,13 @@ int main(void) {
   EXPECT(chain != NULL);
   zvf_input input = zvf_input_of(WIDTH, HEIGHT);
   input.pixel_type = ZVF_LINEAR_DEPTH;
+  input.value_scale = 0.1f;
   EXPECT(zvf_chain_set_input(chain, &input, &error) == ZVF_OK);
-  EXPECT(strstr(zvf_chain_json(chain, &error), "\"alpha\": 0.35") != NULL);
+  const char* json = zvf_chain_json(chain, &error);
+  EXPECT(strstr(json, "\"alpha\": 0.35") != NULL);
+  zvf_chain* again = zvf_chain_parse(json, &error);
+  EXPECT(again != NULL);
+  zvf_chain_destroy(again);
 
   static uint16_t frame[WIDTH * HEIGHT], result[WIDTH * HEIGHT];
   for (int i = 0; i < WIDTH * HEIGHT; ++i) frame[i] = (uint16_t)(i % 13 == 0 ? 0 : 1000 + i % WIDTH);
