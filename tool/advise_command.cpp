@@ -115,7 +115,6 @@ void advise_command(const kit::FilterLibrary& library, AdviseOptions options, st
   RunOptions& run = options.run;
   kit::AdviceRequest request = request_of(options);
   if (options.output.empty()) kit::refuse("the chain file to write has no name");
-  run.output.folder = ".";  // names results, which are not written
   std::vector<Sequence> sequences = open_sequences(run, notes);
   if (sequences.size() > 1) kit::refuse("several folders; expected one recording to advise on");
   const kit::FrameSource& source = sequences.front().source;

@@ -45,7 +45,8 @@ Costs measure(const kit::FilterLibrary& library, const kit::Chain& chain, const 
   };
   visitor.on_result = [&](std::size_t index, const kit::SourceFrame&, const kit::FrameView& result) {
     const auto start = Clock::now();
-    static_cast<void>(encode_result(sequence.outputs[index], options.output, result));
+    static_cast<void>(encode_result(result_codec(sequence.source.names[index], options.output),
+                                    options.output, result));
     const double taken = seconds_since(start);
     const std::lock_guard lock(mutex);
     costs.encode += taken;
@@ -74,10 +75,8 @@ void print_row(std::ostream& out, const std::string& part, std::size_t frames, d
 
 void bench_command(const kit::FilterLibrary& library, RunOptions options, std::ostream& out) {
   const kit::Chain chain = open_chain(options);
-  options.output.folder = ".";  // names the results, which are not written
   std::vector<Sequence> sequences = open_sequences(options, out);
   if (sequences.front().source.next) kit::refuse("standard input cannot be measured; expected files");
-  plan_sequences(sequences, options);
   if (sequences.size() > 1) kit::refuse("several folders; expected one to measure");
   const Sequence& sequence = sequences.front();
   const kit::Workers one(1), all(options.jobs);

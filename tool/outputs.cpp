@@ -63,10 +63,9 @@ std::vector<OutputFiles> plan_outputs(const kit::FrameSource& source, const Inpu
   std::vector<OutputFiles> outputs;
   for (const kit::FrameName& name : source.names) {
     OutputFiles files;
-    const kit::Codec* own = kit::codec_of_extension(name.extension);
-    files.format = settings.format.value_or(own);
-    const std::string extension =
-        files.format == own ? name.extension : std::string(files.format->extensions.front());
+    files.format = &result_codec(name, settings);
+    const bool own = files.format == kit::codec_of_extension(name.extension);
+    const std::string extension = own ? name.extension : std::string(files.format->extensions.front());
     files.stack = name.stack && holds_stacks(*files.format);
     std::string stem = name.stem;
     if (files.stack) {
@@ -116,12 +115,16 @@ void remove_results(const OutputFiles& files) {
   }
 }
 
-kit::Bytes encode_result(const OutputFiles& files, const OutputSettings& settings,
+const kit::Codec& result_codec(const kit::FrameName& name, const OutputSettings& settings) {
+  return settings.format ? **settings.format : *kit::codec_of_extension(name.extension);
+}
+
+kit::Bytes encode_result(const kit::Codec& codec, const OutputSettings& settings,
                          const kit::FrameView& frame) {
   const kit::ImageView image = kit::image_of(frame);
-  if (files.format->name == "png") return kit::encode_png(image, settings.compression);
-  if (files.format->needs_size) return kit::encode_for_stream(*files.format, image, settings.raw_order);
-  return files.format->encode(image);
+  if (codec.name == "png") return kit::encode_png(image, settings.compression);
+  if (codec.needs_size) return kit::encode_for_stream(codec, image, settings.raw_order);
+  return codec.encode(image);
 }
 
 void write_results(const OutputFiles& files, const OutputSettings& settings, const Preview& preview,
@@ -129,7 +132,7 @@ void write_results(const OutputFiles& files, const OutputSettings& settings, con
                    kit::Durability durability) {
   kit::Bytes image, picture;
   try {
-    image = encode_result(files, settings, after);
+    image = encode_result(*files.format, settings, after);
     if (!files.preview.empty()) picture = kit::encode_png(preview.draw(scale, before, after));
   } catch (const kit::Error& problem) {
     kit::fail(files.image.string(), ": ", problem.what());

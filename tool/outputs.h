@@ -61,9 +61,11 @@ void expect_none(const std::vector<OutputFiles>& outputs);
 /// Removes those that are there; what cannot be removed stays for the writer to complain of.
 void remove_results(const OutputFiles& files);
 
+/// What the result of a frame is encoded by.
+const kit::Codec& result_codec(const kit::FrameName& name, const OutputSettings& settings);
 /// The contents of the image file.
 /// @throws kit::Error
-kit::Bytes encode_result(const OutputFiles& files, const OutputSettings& settings,
+kit::Bytes encode_result(const kit::Codec& codec, const OutputSettings& settings,
                          const kit::FrameView& frame);
 
 /// @param index of a stream's frame, which has no name

@@ -242,6 +242,7 @@ void Runs::report(std::ostream& out, std::ostream& notes) {
 
 void run_command(const kit::FilterLibrary& library, RunOptions options, std::ostream& out,
                  std::ostream& notes) {
+  if (options.output.folder.empty()) kit::refuse("the folder for the results has no name");
   const kit::Chain chain = open_chain(options);
   std::vector<Sequence> sequences = open_sequences(options, notes);
   if (is_standard(options.output.folder) && sequences.size() > 1)

@@ -183,7 +183,6 @@ kit::Chain open_chain(RunOptions& options) {
 }
 
 std::vector<Sequence> open_sequences(RunOptions& options, std::ostream& notes) {
-  if (options.output.folder.empty()) kit::refuse("the folder for the results has no name");
   std::vector<Sequence> sequences;
   if (std::count(options.inputs.begin(), options.inputs.end(), kStandard) > 0) {
     if (options.inputs.size() > 1) kit::refuse("- is standard input and has to be the only input");

@@ -61,7 +61,6 @@ std::string run_command_text(const std::vector<std::string>& words, const std::s
 kit::FrameSource open_one_sequence(RunOptions& run, std::ostream& notes) {
   if (std::find(run.inputs.begin(), run.inputs.end(), "-") != run.inputs.end())
     kit::refuse("-: the tuner goes back and forth in its input; expected files, folders or camera:");
-  run.output.folder = ".";  // names results, of which there are none
   std::vector<Sequence> sequences = open_sequences(run, notes);
   if (sequences.size() > 1) {
     kit::refuse(sequences.size(),

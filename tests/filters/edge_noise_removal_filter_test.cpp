@@ -54,6 +54,8 @@ TEST(EdgeNoiseRemovalFilter, ATransposedFrameRunsWithTheRowsOfTheAnchor) {
   EXPECT_EQ(filter.filtered(full(800, 1280)), without_border(1280, 800, 6, 6));
   expect_cleared(filter, 640, 640, 3, 4);
   expect_cleared(filter, 800, 1280, 3, 9);  // once scaled for another size, it is scaled
+  FilterDriver half("EdgeNoiseRemovalFilter");
+  expect_cleared(half, 800, 400, 3, 3);  // as wide as the anchor is high
 }
 
 /// Only square frames keep the working parameters, and frames across the size they were made for.

@@ -14,8 +14,8 @@ class Advise : public Program {
 TEST_F(Advise, WritesAChainAndATableOfIt) {
   const Outcome made = complete(start_ + "--evaluations 30 --seed 2 -o chain.json --report page.html");
   for (const char* part :
-       {"On frames held out:\n", "  0.1   +5 %\n", "untouched", "advised", "roughness", "all, weighted",
-        "of the gain", "30 evaluations, seed 2.", "written to chain.json"})
+       {"On frames held out:\n", "  0.1   +5 %\n", "untouched", "advised", "roughness",
+        "all, weighted           1 ", "of the gain", "30 evaluations, seed 2.", "written to chain.json"})
     EXPECT_MENTIONS(made.out, part);
   const ChainFile chain = read_chain_file(folder_ / "chain.json");
   EXPECT_TRUE(chain.description.starts_with("Advised for camera:frames=9,")) << chain.description;
@@ -40,6 +40,14 @@ TEST_F(Advise, LooksForTheStepsGivenByTruthAndWithinATime) {
                   "No evaluation in the time given; a longer --budget finds more.");
 }
 
+TEST_F(Advise, UsesAllFramesWhereTheyAreFew) {
+  complete("camera -o cam --frames 4 --size 160x112");
+  const Outcome few = run("advise cam --camera none --evaluations 3 -o chain.json --report page.html");
+  EXPECT_MENTIONS(few.out, "On the frames searched on:\n");
+  EXPECT_MENTIONS(few.err, "assuming a nominal camera");
+  EXPECT_MENTIONS(text_of("page.html"), "disparity_0000.png");
+}
+
 TEST_F(Advise, EndsWithTheBestSoFarWhenItIsStopped) {
   // As soon as it can be stopped: SIGTERM is caught.
   const Outcome outcome = run(start_ +
@@ -57,12 +65,14 @@ TEST_F(Advise, RefusesWhatMakesNoSense) {
                   {"results --weight medain=1", "did you mean median?"},
                   {"results --weight off", "expected NAME=VALUE"},
                   {"results --budget soon", "expected a time such as 30s or 5m"},
+                  {"results --budget 0", "expected a time"},
+                  {"results --budget 86401", "expected a time"},
                   {"results --evaluations 0", "--evaluations"},
                   {"results --evaluations 9 --budget 9s", "excludes"},
                   {"results --step smooth", "--step smooth: the chain has no such step"},
                   {"results --set smooth.alpha=1", "none is given"},
                   {"results --chain DisparityTransform:", "no value that could be advised"},
-                  {"results --chain 'DepthResize:scale=0.5; TemporalFilter:'", "keeps their size"}});
+                  {"results -f DepthResize:scale=0.5 -f TemporalFilter:", "keeps their size"}});
 }
 
 }  // namespace

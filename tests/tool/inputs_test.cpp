@@ -47,7 +47,9 @@ TEST_F(Inputs, UseTheCameraFileBesideThem) {
       {chain + "cam/disparity_0000.png", note},
       {chain + "cam --camera cam/camera.json", ""},
       {"run --chain disparity.json in", ""},
-      {"run --chain depth.json in --camera cam/camera.json", ""}};
+      {"run --chain depth.json in --camera cam/camera.json", ""},
+      {"run --chain depth.json cam",
+       note.substr(0, note.size() - 1) + " instead of the chain file's input\n"}};
   for (const auto& [arguments, said] : uses) {
     EXPECT_EQ(complete(arguments + " -o out --overwrite").err, said);
     EXPECT_EQ(get("out/disparity_0000.png"), get("expected/disparity_0000.png")) << arguments;
@@ -80,6 +82,9 @@ TEST_F(Inputs, OfSeveralImagesGiveAFileOfAsMany) {
                   "first pixel 258,");
   EXPECT_EQ(text_of("big/big.raw"), "\1\2\3\4");
 
+  complete(kFill + "holes.png --endian big --format raw -o big");
+  EXPECT_EQ(text_of("big/holes.raw").substr(0, 4), (std::string{'\0', '\5', '\0', '\6'}));
+
   expect_refused(2, kFill,
                  {{"a.raw --size 3x3 -o results --preview", "--preview is for images in files"},
                   {"a.raw --size 3x3 -o .", "would replace the input a.raw"}});
@@ -96,6 +101,10 @@ TEST_F(Inputs, StreamFromStandardInputToStandardOutput) {
   const Outcome pgm = run(kFill + "- -o - --size 3x3 --input-format raw --format pgm", "", "in.raw");
   EXPECT_EQ(pgm.out, text(encode_pgm(kFilled)) + text(encode_pgm(kFilled)));
 
+  put("sized.json",
+      R"({"version": 1, "input": {"width": 3, "height": 3}, "steps": [{"filter": "HoleFillingFilter"}]})");
+  EXPECT_EQ(run("run --chain sized.json - -o - --format raw --endian little", "", "in.raw").out,
+            frames({kFilled, kFilled}));
   const Outcome twice = run(kFill + "holes.png holes.png -o - --format raw");
   EXPECT_EQ(twice.out, frames({kFilled, kFilled}));
 
@@ -127,6 +136,8 @@ TEST_F(Inputs, ThatStreamAreRefusedWhereTheyAreNotWhole) {
        {"- -o results --format png", "choose with --input-format"},
        {"- -o results --format raw --size 3x3 --resume", "standard input cannot be read again"},
        {"- -o results --format raw --size 3x3 --report r.html", "--report is for files"},
+       {"- -o results --format raw --size 3x3 --truth in", "--truth is for files; standard input"},
+       {"- -o results --format raw --size 3x3 --preview", "--preview is for files; standard input"},
        {"holes.png -o - --format raw --resume", "standard output keeps no results"},
        {"holes.png -o - --format raw --preview", "--preview is for images in files"},
        {"holes.png -o -", "standard output takes raw, pgm or npy, not png"},

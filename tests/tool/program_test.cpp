@@ -45,6 +45,8 @@ TEST_F(Program, ExplainsFiltersAndPresets) {
     for (const char* type : {" TEXT", " INT", " UINT", " FLOAT"})
       EXPECT_EQ(help.find(type), help.npos) << command << ": a value has no name of its own";
   }
+  EXPECT_MENTIONS(run("run camera:bist=12 --help").out, "Examples:");
+  EXPECT_MENTIONS(run_probe("help").out, "EchoFilter      not described\n");
   EXPECT_MENTIONS(run("presets").out, "\nmoving-camera\n  A camera that moves");
   put("fill.json", run("presets fill-holes").out);
   const std::string end = " holes.png --set clean.enabled=false --fx 1 --baseline 1 -o ";
@@ -96,6 +98,8 @@ TEST_F(Program, ConfiguresOnlyWhatIsAskedForAndKeepsOneInstance) {
             "50 mm, fx 0.7 times the width, 8 fraction bits (--baseline, --fx and --bits set them)\n");
   EXPECT_MENTIONS(run_probe(start + " --baseline 75 --bits 8").err,
                   "assuming a nominal camera with fx 0.7 times the width, 0 fraction bits (");
+  EXPECT_MENTIONS(run_probe(start + " --fx 400").err,
+                  "assuming a nominal camera with baseline 50 mm, 8 fraction bits (");
   put("c.json",
       R"({"bits": 14, "pixelType": "linear", "valueScale": 2, "disparity": {"baseline": 1, "fx": 1}})");
   const Outcome set = run_probe(
@@ -133,6 +137,9 @@ TEST_F(Program, MeasuresThePartsOfARun) {
   };
   EXPECT_MENTIONS(out, "\nstep 3 (off)                             -           -\n");
   EXPECT_EQ(out[out.find('.') + 2], ' ') << "tenths";
+  EXPECT_TRUE(complete("bench --jobs 1 -f HoleFillingFilter holes.png")
+                  .out.starts_with("1 frame; frames a second:\n" + std::string(34, ' ') +
+                                   "1 thread    1 thread\n"));
   const auto whole = rates("whole");
   EXPECT_GT(std::min(whole.first, whole.second), 0);
   for (const char* part : {"decode", "step 1 (DisparityTransform)", "step 2 (TemporalFilter)", "encode"})
@@ -170,7 +177,9 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
                  "step 1 (a): unknown key weigth; did you mean weight?");
   expect_refused(2, "run --chain chain.json holes.png -o results ",
                  {{"--set full.scale=1", "has no step full"},
-                  {"--set fill=1", "expected TAG.key=value"},
+                  {"--set fill=1.5", "expected TAG.key=value"},
+                  {"--set fill.scale", "expected TAG.key=value"},
+                  {"--set fill.scale=", "expected TAG.key=value"},
                   {"--set fill.enabled=1", "expected true or false"},
                   {"-f TemporalFilter", "excludes"}});
   put("sized.json",
@@ -179,6 +188,10 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
   const std::string shown = run("chain show sized.json").out;
   EXPECT_TRUE(shown.starts_with("for the hall\n\ninput {\"width\":640,\"height\":400,")) << shown;
   EXPECT_MENTIONS(shown, "}\n\n1  TemporalFilter  off  as it is made\n");
+  expect_refused(run("chain convert --text sized.json"), 2, "the chain has an input, which only");
+  EXPECT_MENTIONS(run("chain schema").out, "hole_filling_mode");
+  complete("run -f DepthResize --set DepthResize.scale=2 holes.png -o d");
+  EXPECT_EQ(get("d/holes.png").width, 6u);
   expect_refused(run("run --chain sized.json holes.png -o results"), 1,
                  "the chain file's input has 640x400");
 }
@@ -226,6 +239,7 @@ TEST_F(Program, NeverMixesTwoRecordings) {
                  ": belongs to another recording; expected a folder without one");
   EXPECT_EQ(text_of("cam/disparity_0000.png"), frame);
   fs::create_directories(folder_ / "far/truth");
+  for (const char* other : {"far/disparity.png", "far/disparity_0007.txt"}) put(other, "x");
   put("far/truth/disparity_0007.png", kHoles);
   expect_refused(run("camera -o far --frames 1 --size 96x64"), 1,
                  "far/truth/disparity_0007.png: belongs");
@@ -296,12 +310,18 @@ TEST_F(Program, RefusesWrongUsage) {
        {"help TemporalFliter", "did you mean TemporalFilter?"},
        {"run holes.png -o results", "no filter is named"},
        {"run holes.png -o results --preset fill", "unknown preset fill; did you mean fill-holes?"},
+       {"run -f HoleFillingFilter holes.png -o ''", "the folder for the results has no name"},
        {"run -f HoleFillingFilter holes.png -o in/..", "would replace the input holes.png"}});
   expect_refused(2, "run -o results -f HoleFillingFilter",
                  {{"", "INPUT is required"},
                   {" holes.png --preset light", "excludes"},
                   {" holes.png --config other.ini", "run.colour"},
                   {" holes.png --range 5:4", "--range: 5:4: expected NEAR:FAR"},
+                  {" holes.png --range 5", "--range: 5: expected NEAR:FAR"},
+                  {" holes.png --range=-1:4", "--range: -1:4: expected NEAR:FAR"},
+                  {" holes.png --range x:4", "--range: x:4: expected NEAR:FAR"},
+                  {" holes.png --compression best", "best: expected fast or small"},
+                  {" holes.raw --size 3x3 --endian middle", "middle: expected little or big"},
                   {" holes.png --colors jet", "--colors: jet: expected turbo, viridis or grey"},
                   {" holes.png --format jpg", "--format: jpg: expected png, pgm, npy, raw or tiff"},
                   {" holes.png --bits 17", "--bits: Value 17 not in range 1 to 16"},
@@ -362,16 +382,16 @@ TEST_F(Program, SaysWhereNothingCanBeWritten) {
 
 TEST_F(Program, WritesAReportThatHoldsItsRunAndNothingElse) {
   put("in/a.pgm", kHoles);
-  put("in/<b>.pgm", kHoles);
-  complete("run -f 'fill=HoleFillingFilter:' in/a.pgm 'in/<b>.pgm' -o far --report pages/run.html");
+  put("in/<b>'.pgm", kHoles);
+  complete("run -f 'fill=HoleFillingFilter:' in/a.pgm \"in/<b>'.pgm\" -o far --report pages/run.html");
   const std::string page = text_of("pages/run.html");
   for (const char* part :
        {"66.7\u202f% → 100.0\u202f%",  // six of nine pixels, then all
-        "changed 33.3\u202f%", "-f fill=HoleFillingFilter: in/a.pgm &#39;in/&lt;b&gt;.pgm&#39; -o far",
-        "<h1>in/a.pgm in/&lt;b&gt;.pgm</h1>", "&quot;filter&quot;: &quot;HoleFillingFilter&quot;",
+        "changed 33.3\u202f%", "in/a.pgm &#39;in/&lt;b&gt;&#39;\\&#39;&#39;.pgm&#39; -o far",
+        "<h1>in/a.pgm in/&lt;b&gt;&#39;.pgm</h1>", "&quot;filter&quot;: &quot;HoleFillingFilter&quot;",
         "<dt>hole_filling_mode</dt><dd>0<"})
     EXPECT_MENTIONS(page, part);
-  for (const char* part : {"<b>.pgm", "http://", "https://"})
+  for (const char* part : {"<b>'.pgm", "http://", "https://"})
     EXPECT_EQ(page.find(part), std::string::npos) << part;
   fs::create_directory(folder_ / "other");
   put("other/b.pgm", kHoles);

@@ -44,6 +44,13 @@ TEST_F(Runs, TakeFoldersAsSequencesThatAreTheSameWithAnyNumberOfThreads) {
   }
   for (const char* part : {"left:\n", "\nall:\n", "\n35 of 35 frames written to both\n"})
     EXPECT_MENTIONS(both.out, part);
+  fs::remove(folder_ / "both/left/frame_003_preview.png");
+  complete("run day/left day/right/ -o both --preview --resume" + kChain);
+  expect_same("alone/left", "both/left");
+  const Outcome truthful =
+      complete("run day/left day/right -o truthful --truth day -f HardwareD2DCorrectionFilter");
+  EXPECT_MENTIONS(truthful.out, "off > 5 %");
+  EXPECT_EQ(std::count(truthful.err.begin(), truthful.err.end(), '\n'), 1) << truthful.err;
 
   put(name("day/right", 1), "x");
   put(name("day/left", 4), "x");
@@ -60,6 +67,7 @@ TEST_F(Runs, TakeFoldersAsSequencesThatAreTheSameWithAnyNumberOfThreads) {
        {command + "-" + folders, "standard output is one sequence"},
        {command + "d --report page.html" + folders, "--report is about one sequence"},
        {"bench -f HoleFillingFilter" + folders, "several folders; expected one"},
+       {"bench -f HoleFillingFilter - --format raw --size 3x3", "standard input cannot be measured"},
        {"advise -o chain.json" + folders, "several folders; expected one"}});
 }
 
@@ -178,8 +186,11 @@ TEST_F(Runs, ShowATerminalHowFarTheyAre) {
   EXPECT_MENTIONS(run_shown, "\r[##############################] 3/3  ");
   EXPECT_MENTIONS(run_shown, " left\x1b[K\r\x1b[K");
   EXPECT_MENTIONS(shown("camera -o rec --frames 3 --size 64x48"), ".] 1/3 ");
-  const std::string narrow = shown("run -o b day" + kChain, "stty cols 40; ");
-  EXPECT_EQ(narrow.find("\x1b[K") - narrow.find("\r["), 40u) << "all but the last column";
+  for (const auto& [columns, start] : {std::pair(20u, "\r1/3 "), {40u, "\r[#"}}) {
+    const std::string line =
+        shown("run -o b --overwrite day" + kChain, concat("stty cols ", columns, "; "));
+    EXPECT_EQ(line.find("\x1b[K") - line.find(start), columns) << "all but the last column";
+  }
   EXPECT_MENTIONS(shown("advise camera:frames=9,size=160x112,baseline=200,seed=3,noise=0.1,motion=still "
                         "--evaluations 30 -o chain.json"),
                   "left  best 0.691\x1b[K\r\x1b[K");
@@ -187,7 +198,7 @@ TEST_F(Runs, ShowATerminalHowFarTheyAre) {
 
 TEST_F(Runs, WriteSmallerFilesWhenTheyAreAskedTo) {
   const std::string start = "run camera:frames=1,size=160x112 -f HoleFillingFilter -o ";
-  complete(start + "fast");
+  complete(start + "fast --compression fast");
   complete(start + "small --compression small");
   EXPECT_EQ(get("fast/disparity_0000.png"), get("small/disparity_0000.png"));
   EXPECT_LT(fs::file_size(folder_ / "small/disparity_0000.png"),
