@@ -24,10 +24,15 @@ const std::string kRecord =
     "fx:            600\ninvalidDisp:   0\nisDualCamera:  \x01\nminDisparity:  0\n"
     "packMode:      \x02\nunit:          1\nzpd:           1234.57\nzpps:          0.25\n";
 
-const std::string kNoise =
-    "anchor_params: \nwidth:    848\nheight:   480\nmax_size: 80\nmin_diff: 256\n"
-    "current_filter_params: \nwidth:    640\nheight:   400\nmax_size: 50\nmin_diff: 256\n"
-    "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        ";
+const std::string kAsMade = "width:    848\nheight:   480\nmax_size: 80\nmin_diff: 256\n",
+                  kAnchor = "anchor_params: \n" + kAsMade + "current_filter_params: \n",
+                  kNoiseFrame = "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        ",
+                  kNoise = kAnchor + "width:    640\nheight:   400\nmax_size: 50\nmin_diff: 256\n" +
+                           kNoiseFrame,
+                  kLinear =
+                      "0\ndepth_flag: 4\n"
+                      "depth_unit: 1\nfraction_bit_size: \x06\n"
+                      "depth_diff_lut: \n256 512 768 1024 1280 1536 1792 \ndepth_shift: \x09\n";
 
 /// After a frame of 640 x 400 and, where it says so, a reset.
 const Print kPrints[] = {
@@ -40,12 +45,8 @@ const Print kPrints[] = {
      kNoise + "30060\ndepth_flag: 0\n"
               "depth_unit: 1\nfraction_bit_size: \x08\n"
               "depth_diff_lut: \n8 33 74 133 207 299 407 \ndepth_shift: \x09\n"},
-    {2,
-     {},
-     kNoise + "0\ndepth_flag: 4\n"
-              "depth_unit: 1\nfraction_bit_size: \x06\n"
-              "depth_diff_lut: \n256 512 768 1024 1280 1536 1792 \ndepth_shift: \x09\n",
-     ZV_PIXEL_TYPE_LINEAR_DEPTH},
+    {2, {}, kNoise + kLinear, ZV_PIXEL_TYPE_LINEAR_DEPTH},
+    {2, {}, kAnchor + kAsMade + kNoiseFrame + kLinear, ZV_PIXEL_TYPE_LINEAR_DEPTH, true},
     {3,
      {},
      "anchor_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"

@@ -94,7 +94,10 @@ TEST_F(Runs, GoOnWhereTheyEnded) {
   fs::remove(folder_ / name("part", 3));
   put_frames("other", 12);
   expect_failed(run("run in -o part --resume -f TemporalFilter:"), 2, "were made with other chain");
-  expect_failed(run("run in --bits 12 -o part --resume" + kChain), 2, "were made with other frames");
+  for (const char* frames : {"--bits 12", "--fx 9"}) {
+    expect_failed(run(concat("run in ", frames, " -o part --resume", kChain)), 2,
+                  "were made with other frames");
+  }
   expect_failed(run("run other -o part --resume" + kChain), 2, "were made with other inputs");
   EXPECT_FALSE(fs::exists(folder_ / name("part", 3)));
   fs::remove(folder_ / "part/.zvfilter.json");
