@@ -34,6 +34,13 @@ const std::string kAsMade = "width:    848\nheight:   480\nmax_size: 80\nmin_dif
                       "depth_unit: 1\nfraction_bit_size: \x06\n"
                       "depth_diff_lut: \n256 512 768 1024 1280 1536 1792 \ndepth_shift: \x09\n";
 
+const std::string kSpatial =
+    "anchor_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
+    "current_filter_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
+    "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        30060\ndepth_flag: 0\n"
+    "depth_unit: 1\nfraction_bit_size: 8\n"
+    "depth_diff_lut: 5 20 46 83 129 187 254\ndepth_shift: 9\n";
+
 /// After a frame of 640 x 400 and, where it says so, a reset.
 const Print kPrints[] = {
     {0, {}, kRecord, ZV_PIXEL_TYPE_DISPARITY},
@@ -47,13 +54,8 @@ const Print kPrints[] = {
               "depth_diff_lut: \n8 33 74 133 207 299 407 \ndepth_shift: \x09\n"},
     {2, {}, kNoise + kLinear, ZV_PIXEL_TYPE_LINEAR_DEPTH},
     {2, {}, kAnchor + kAsMade + kNoiseFrame + kLinear, ZV_PIXEL_TYPE_LINEAR_DEPTH, true},
-    {3,
-     {},
-     "anchor_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
-     "current_filter_params: \nalpha:     0.5\ndisp_diff: 160\nmagnitude: 1\nradius:    1\n"
-     "current_frame_info: \nwidth:      640\nheight:     400\nbxf:        30060\ndepth_flag: 0\n"
-     "depth_unit: 1\nfraction_bit_size: 8\n"
-     "depth_diff_lut: 5 20 46 83 129 187 254\ndepth_shift: 9\n"},
+    {3, {}, kSpatial},
+    {3, {"1", "0.3", "160", "1"}, kSpatial, ZV_PIXEL_TYPE_DEPTH, true},
     {4, {}, "diff_scale: 0.1\nweight:     0.4\n"},
     {5,
      {"640", "1480", "0.5", "1", "2", "3", "-4"},

@@ -169,8 +169,8 @@ TEST_F(Program, TakesChainsAsFilesAndTexts) {
   EXPECT_NE(get("a/holes.png"), kHoles);
   complete("run --chain chain.json --set fill.enabled=false --set 2.scale=1 holes.png -o c");
   EXPECT_EQ(get("c/holes.png"), kHoles);
-  EXPECT_EQ(run("chain convert --text chain.json").out,
-            "fill=HoleFillingFilter:hole_filling_mode=1\nDepthResize:scale=2\n");
+  EXPECT_EQ(run("chain convert --text chain.json --set 2.scale=3").out,
+            "fill=HoleFillingFilter:hole_filling_mode=1\nDepthResize:scale=3\n");
   EXPECT_MENTIONS(run("chain show chain.json").out,
                   "1  HoleFillingFilter  tag fill\n     hole_filling_mode = 1\n2  DepthResize\n");
   EXPECT_EQ(run("chain check chain.json TemporalFilter").out,
@@ -327,6 +327,7 @@ TEST_F(Program, RefusesWrongUsage) {
                   {" holes.png --colors jet", "--colors: jet: expected turbo, viridis or grey"},
                   {" holes.png --format jpg", "--format: jpg: expected png, pgm, npy, raw or tiff"},
                   {" holes.png --bits 17", "--bits: Value 17 not in range 1 to 16"},
+                  {" holes.png --jobs 1025", "--jobs: Value 1025 not in range 1 to 1024"},
                   {" holes.png --baseline -1", "--baseline: -1: expected a number above 0"},
                   {" holes.png --pixel-type x", "--pixel-type: x: expected depth"},
                   {" holes.raw --size 3", "--size: 3: expected WIDTHxHEIGHT"},
