@@ -16,6 +16,7 @@ struct zv_error {
   std::string function;
   std::string args;
   std::int32_t exception_type;
+  std::int32_t status = 1;
 };
 
 struct zv_stream_profile_t {
@@ -186,6 +187,8 @@ ProfileTraits inspect_profile(const zv_frame_t* frame) {
 
 LiveObjects live_objects() { return {live_frames, live_profiles}; }
 
+std::int32_t error_status(const zv_error* error) { return error->status; }
+
 void clear_errors() {
   Registry& r = registry();
   const std::lock_guard lock(r.mutex);
@@ -271,9 +274,11 @@ bool zv_frame_t::assign(const void* bytes, std::uint32_t count) {
 
 extern "C" {
 
-zv_error* zv_create_error(int32_t, const char* message, const char* function, const char* args,
+zv_error* zv_create_error(int32_t status, const char* message, const char* function, const char* args,
                           int32_t exception_type) {
-  return devhost::add_error(message, function, args, exception_type);
+  zv_error* const error = devhost::add_error(message, function, args, exception_type);
+  error->status = status;
+  return error;
 }
 const char* zv_error_get_message(const zv_error* error) {
   return error ? error->message.c_str() : nullptr;

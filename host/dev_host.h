@@ -52,6 +52,8 @@ struct LiveObjects {
 };
 LiveObjects live_objects();
 
+/// The status that the error was made with.
+std::int32_t error_status(const zv_error* error);
 /// Forgets every error made so far; no pointer to one may be used afterwards.
 void clear_errors();
 std::size_t error_count();

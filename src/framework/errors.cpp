@@ -10,15 +10,10 @@ namespace {
 const char* text_or_empty(const char* text) { return text != nullptr ? text : ""; }
 }  // namespace
 
-void create_error(zv_error** error, std::int32_t status, const char* message, const char* function,
-                  const char* arguments, std::int32_t exception_type) {
-  zv_error* created = zv_create_error(status, message, function, arguments, exception_type);
-  if (error != nullptr) *error = created;
-}
-
 void report_error(zv_error** error, const char* message, const char* function, const char* arguments,
                   std::int32_t exception_type) {
-  create_error(error, 1, message, function, arguments, exception_type);
+  zv_error* created = zv_create_error(1, message, function, arguments, exception_type);
+  if (error != nullptr) *error = created;
 }
 
 void print_host_error(const zv_error* error) {

@@ -53,7 +53,7 @@ TEST(Boundary, NullHandlesDoNothing) {
 
 TEST(Errors, AreMadeByTheHostEvenWhenNobodyListens) {
   zv_error* error = nullptr;
-  create_error(&error, 1, "message", "function", "argument", 9);
+  report_error(&error, "message", "function", "argument", 9);
   EXPECT_EQ(text_of(error), error_text("message", "function", "argument", 9));
   const std::size_t count = devhost::error_count();
   report_error(nullptr, "message", "function", "argument");

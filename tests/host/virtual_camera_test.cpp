@@ -156,7 +156,7 @@ TEST(VirtualCamera, FramesDependOnConfigurationAndIndexOnly) {
       {"speckle", {.faults = {.speckle = 0.05f}}, 2354419139u},
       {"much speckle", {.faults = {.speckle = 0.25f}}, 829565104u},
       {"all dropouts", {.faults = {.dropouts = 1}}, 1681928350u},
-      {"all faults", {.motion = Motion::camera, .faults = {0.1f, 0.02f, 0.5f}}, 2625705522u},
+      {"all faults", {.motion = Motion::camera, .faults = {2, 0.02f, 0.5f}}, 134384109u},
       {"still", {.motion = Motion::still}, 1342552118u},
       {"little texture", {.texture = 0.2f}, 1894424392u},
       {"another seed", {.seed = 2}, 1459697016u},

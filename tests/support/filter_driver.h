@@ -23,6 +23,7 @@ inline std::string error_text(const std::string& message, const std::string& fun
 /// Empty when there is none.
 inline std::string text_of(const zv_error* error) {
   if (error == nullptr) return {};
+  EXPECT_EQ(devhost::error_status(error), 1);
   return error_text(zv_error_get_message(error), zv_error_get_function(error), zv_error_get_args(error),
                     zv_error_get_exception_type(error));
 }

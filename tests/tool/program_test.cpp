@@ -18,6 +18,10 @@ TEST_F(Program, ListsTheFiltersOfAPlugin) {
   EXPECT_EQ(run("schema HoleFillingFilter").out,
             "hole_filling_mode, integer, 0, 2, 1, 0, "
             "ZV_HOLE_FILL_TOP/ZV_HOLE_FILL_NEAREST/ZV_HOLE_FILL_FAREST\n");
+  const std::string wish = run("list", "export FILTERPROCESSOR_CPU=best; ").err;
+  EXPECT_TRUE(wish.starts_with("filterprocessor: FILTERPROCESSOR_CPU=best: no such level; using "))
+      << wish;
+  EXPECT_TRUE(wish.find(". Levels: scalar") != wish.npos && wish.ends_with('\n')) << wish;
   const std::string probe = run_probe("list").out;
   EXPECT_MENTIONS(probe, "0  MissingFilter  (not available)\n1  FailingFilter\n     count  ");
   EXPECT_MENTIONS(probe, "\nThe kernels run at level probing.\n");
