@@ -61,7 +61,7 @@ void expect_none(const std::vector<OutputFiles>& outputs);
 /// Removes those that are there; what cannot be removed stays for the writer to complain of.
 void remove_results(const OutputFiles& files);
 
-/// What the result of a frame is encoded by.
+/// What the result of a frame that has an extension is encoded by.
 const kit::Codec& result_codec(const kit::FrameName& name, const OutputSettings& settings);
 /// The contents of the image file.
 /// @throws kit::Error

@@ -17,7 +17,7 @@ struct Sequence {
   std::string name;                 ///< its folder's; empty where there is no other
   std::vector<std::string> inputs;  ///< as they were named
   kit::FrameSource source;
-  std::filesystem::path folder;
+  std::filesystem::path folder;      ///< of the results; empty where none are written
   std::vector<OutputFiles> outputs;  ///< of each frame; none where there are no names for them
 };
 

@@ -8,7 +8,7 @@
 namespace filterprocessor {
 
 /// Makes a host error and stores it in `*error`; the host owns it. With a null `error` the report is
-/// lost. All filters pass status 1 and, unless a kernel failed, exception type 4.
+/// lost. The status is 1, and the exception type 4 unless a kernel failed.
 void report_error(zv_error** error, const char* message, const char* function, const char* arguments,
                   std::int32_t exception_type = ZV_EXCEPTION_INVALID_VALUE);
 

@@ -75,8 +75,8 @@ Pixels any_table(Source& source, std::size_t size) {
   Pixels table(size);
   const int most = source.pick({300, 0, 3, 20, 40000, 65535});
   for (std::uint16_t& entry : table) entry = static_cast<std::uint16_t>(source.integer(0, most));
-  // Beside the largest that is positive in signed comparisons too.
-  if (size > 0 && source.one_in(4)) table[0] = source.pick<std::uint16_t>({32767, 32768});
+  // Both sides of the sign bit, for who compares signed numbers.
+  if (most == 40000 && size > 0) table[0] = static_cast<std::uint16_t>(32767 + table[0] % 2);
   return table;
 }
 

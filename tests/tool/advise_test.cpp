@@ -21,6 +21,8 @@ TEST_F(Advise, WritesAChainAndATableOfIt) {
   EXPECT_TRUE(chain.description.starts_with("Advised for camera:frames=9,")) << chain.description;
   EXPECT_EQ(chain.steps.front().filter, "DisparityTransform");
   EXPECT_GT(chain.steps.size(), 1u);
+  complete(start_ + "--evaluations 30 --seed 2 --jobs 1 -o one.json");
+  EXPECT_EQ(text_of("one.json"), text_of("chain.json"));
   for (const char* part : {"<h2>On frames held out</h2>", "of the gain", "zvfilter advise camera:"})
     EXPECT_MENTIONS(text_of("page.html"), part);
 }
@@ -30,7 +32,7 @@ TEST_F(Advise, LooksForTheStepsGivenByTruthAndWithinATime) {
       start_ +
       "--chain 'DisparityTransform:; smooth=SpatialAdvancedFilter:; TemporalFilter:weight=0.77' ";
   const Outcome outcome =
-      complete(start + "--step smooth --own-truth --budget 1s --weight missing=0 -o chain.json");
+      complete(start + "--step smooth --own-truth --budget 3s --weight missing=0 -o chain.json");
   EXPECT_MENTIONS(outcome.out, " mm     0.3 ");
   EXPECT_MENTIONS(outcome.out, "evaluations in the time given");
   EXPECT_EQ(outcome.out.find("roughness"), std::string::npos);

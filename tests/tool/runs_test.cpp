@@ -208,5 +208,34 @@ TEST_F(Runs, WriteSmallerFilesWhenTheyAreAskedTo) {
             fs::file_size(folder_ / "fast/disparity_0000.png"));
 }
 
+TEST_F(Runs, WriteAReportThatHoldsThemAndNothingElse) {
+  put("in/a.pgm", kHoles);
+  put("in/<b>'.pgm", kHoles);
+  complete("run -f 'fill=HoleFillingFilter:' in/a.pgm \"in/<b>'.pgm\" -o far --report pages/run.html");
+  const std::string page = text_of("pages/run.html");
+  for (const char* part :
+       {"66.7\u202f% → 100.0\u202f%",  // six of nine pixels, then all
+        "changed 33.3\u202f%", "in/a.pgm &#39;in/&lt;b&gt;&#39;\\&#39;&#39;.pgm&#39; -o far",
+        "<h1>in/a.pgm in/&lt;b&gt;&#39;.pgm</h1>", "&quot;filter&quot;: &quot;HoleFillingFilter&quot;",
+        "<dt>hole_filling_mode</dt><dd>0<"})
+    EXPECT_MENTIONS(page, part);
+  for (const char* part : {"<b>'.pgm", "http://", "https://"})
+    EXPECT_EQ(page.find(part), std::string::npos) << part;
+  fs::create_directory(folder_ / "other");
+  put("other/b.pgm", kHoles);
+  complete("run -f HoleFillingFilter in/a.pgm -o far --overwrite --format npy");
+  complete("run -f HoleFillingFilter in -o near --report near.html --against far --truth in");
+  for (const char* part : {"<h3>Beside the results in far", "Median error"})
+    EXPECT_MENTIONS(text_of("near.html"), part);
+  expect_refused(
+      2, "run -f HoleFillingFilter: ",
+      {{"other -o in --report r.html --against in", "--against in: is the folder for the results"},
+       {"in/a.pgm -o results --report r.html --report-frames 0,1",
+        "--report-frames 1: expected numbers from 0 to 0"},
+       {"in/a.pgm -o results --report r.html --against other", "other: has no result named a"},
+       {"in/a.pgm -o results --report in/a.pgm", "in/a.pgm would replace the input in/a.pgm"},
+       {"in/a.pgm -o results --against other", "--against requires --report"}});
+}
+
 }  // namespace
 }  // namespace kit

@@ -45,10 +45,11 @@ int main(void) {
   input.pixel_type = ZVF_LINEAR_DEPTH;
   input.value_scale = 0.1f;
   EXPECT(zvf_chain_set_input(chain, &input, &error) == ZVF_OK);
-  const char* json = zvf_chain_json(chain, &error);
+  char json[4096];
+  snprintf(json, sizeof json, "%s", zvf_chain_json(chain, &error));
   EXPECT(strstr(json, "\"alpha\": 0.35") != NULL);
   zvf_chain* again = zvf_chain_parse(json, &error);
-  EXPECT(again != NULL);
+  EXPECT(again != NULL && strcmp(zvf_chain_json(again, &error), json) == 0);
   zvf_chain_destroy(again);
 
   static uint16_t frame[WIDTH * HEIGHT], result[WIDTH * HEIGHT];
