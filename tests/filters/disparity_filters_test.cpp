@@ -356,6 +356,7 @@ TEST(OpenNIDisparityTransform, RewritesTheIntrinsicsOfTheSampledProfile) {
     ASSERT_TRUE(set);
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "zv_frame_update_data"), 1)
         << "a host that keeps pixels elsewhere is told of them";
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "zv_frame_copy_info"), 1);
     EXPECT_EQ(devhost::inspect(set.get()).type, ZV_FRAME_TYPE_SET);
     const devhost::Frame depth = devhost::depth_frame_of(set.get());
     EXPECT_EQ(devhost::inspect(depth.get()).type, ZV_FRAME_TYPE_SET) << "the type handed in";

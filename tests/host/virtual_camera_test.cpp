@@ -85,6 +85,7 @@ TEST(VirtualCamera, EveryCodingReadsBackAsTheDepthThatWasMeasured) {
     SCOPED_TRACE(testing::Message() << "pack mode " << int{coding.pack_mode} << ", dual " << coding.dual
                                     << ", format " << coding.format << ", bits " << int{traits.bits});
     EXPECT_EQ(traits.bits, traits.disparity.bitSize);
+    EXPECT_EQ(traits.disparity.isDualCamera, coding.dual ? 1 : 0);
     EXPECT_EQ(frame.truth, reference.truth);
     const Pixels depths = read_depths(frame);
     EXPECT_LT(median_error(depths, frame.truth), 0.02);

@@ -108,7 +108,6 @@ TEST(FilterTexts, SayWhatALargerValueDoes) {
   };
   const Trial trials[] = {
     {"DisparityTransform", "max_depth", "1500", "3000", ""},
-    {"DisparityTransform", "min_depth", "500", "1500", ""},
     {"DisparityTransform", "min_depth", "500", "1500", ",max_depth=65535"},
     {"OpenNIDisparityTransform", "min_depth", "500", "1500", ""},
     {"OpenNIDisparityTransform", "x_set", "0", "40", ",dst_width=320,dst_height=240"},

@@ -11,7 +11,6 @@ const std::string kFill = "run -f HoleFillingFilter ";
 class Inputs : public Program {
  protected:
   static std::string text(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
-  /// A raw file of these images.
   static std::string frames(const std::vector<Image>& images) {
     Bytes all;
     for (const Image& image : images) append_samples(image, ByteOrder::little, all);
@@ -206,9 +205,11 @@ TEST_F(Inputs, SayOnceWhatHasNoEffectOnThem) {
   const std::string quiet =
       "EdgeNoiseRemovalFilter:margin_y_th=3,enable_vertical_direction=1,width=3,height=3";
   EXPECT_EQ(run("run -f HoleFillingFilter -f " + quiet + end).err, "");
-  put("in/a.raw", Image{1, 1, {40000}});
-  EXPECT_MENTIONS(run("run -f SpatialAdvancedFilter: in -o all --size 1x1 --baseline 50 --fx 600").err,
-                  ": 100 % of the pixels have values from 32768 up");
+  Image two = make_image(199, 1);
+  two.pixels[0] = two.pixels[9] = 40000;
+  put("in/a.raw", two);
+  EXPECT_MENTIONS(run("run -f SpatialAdvancedFilter: in -o all --size 199x1 --baseline 50 --fx 600").err,
+                  ": 1 % of the pixels have values from 32768 up");
 }
 
 TEST_F(Inputs, AreNamedWithTheCauseWhereAKernelFails) {

@@ -20,7 +20,6 @@ kit::Frame frame(std::uint32_t width, std::uint32_t height, std::vector<std::uin
   return kit::describe_frame({width, height, std::move(pixels)}, {});
 }
 
-/// The picture of the next frame of a sequence.
 kit::ColorImage drawn(Preview& preview, const kit::Frame& before, const kit::Frame& after) {
   return preview.draw(preview.scale_of(before, after), before, after);
 }

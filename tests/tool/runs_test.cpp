@@ -52,6 +52,7 @@ TEST_F(Runs, TakeFoldersAsSequencesThatAreTheSameWithAnyNumberOfThreads) {
   EXPECT_MENTIONS(truthful.out, "off > 5 %");
   EXPECT_EQ(std::count(truthful.err.begin(), truthful.err.end(), '\n'), 1) << truthful.err;
 
+  complete(concat("run day/left ", name("day/right", 29), " -o mixed", kChain));
   put(name("day/right", 1), "x");
   put(name("day/left", 4), "x");
   for (const char* jobs : {"1", "4"})

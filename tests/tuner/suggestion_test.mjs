@@ -44,7 +44,6 @@ test("a search answers with values, and there is one at a time", async () => {
 test("what is suggested stands beside the present values, can be taken and undone", async () => {
   const hash = `&chain=${encodeURIComponent(JSON.stringify(chain))}`;
   const {page, chain: shown, settled, picture} = await open(tuner, {hash});
-  // What is found depends on how far a search gets.
   const found = [chain[0], {...chain[1], values: {alpha: 0.35, disp_diff: 1}}];
   let asked;
   await page.route("**/api/suggest", (route) => {
