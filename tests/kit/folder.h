@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <stdlib.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -18,6 +19,23 @@ namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 
 #define EXPECT_MENTIONS(text, part) EXPECT_NE((text).find(part), std::string::npos) << (text)
+
+/// An .npy file with this header.
+inline Bytes npy_file(int version, const std::string& header, std::string_view samples) {
+  std::string file = "\x93NUMPY";
+  file += static_cast<char>(version);
+  file += '\0';
+  file += static_cast<char>(header.size());
+  file.append(version > 1 ? 3 : 1, '\0');
+  (file += header).append(samples);
+  return Bytes(file.begin(), file.end());
+}
+
+inline Bytes npy_of(const std::string& shape, std::string_view samples, const std::string& type = "'<u2'",
+                    const std::string& order = "False") {
+  return npy_file(1, "{'descr': " + type + ", 'fortran_order': " + order + ", 'shape': (" + shape + ")}",
+                  samples);
+}
 
 /// Tests with files, in a folder of their own.
 class Folder : public testing::Test {

@@ -141,21 +141,6 @@ TEST(Pgm, RefusesOtherKindsAndSizes) {
   for (const auto& [file, part] : cases) EXPECT_MENTIONS(refusal("pgm", bytes_of(file)), part);
 }
 
-Bytes npy_file(int version, const std::string& header, std::string_view samples) {
-  std::string file = "\x93NUMPY";
-  file += static_cast<char>(version);
-  file += '\0';
-  file += static_cast<char>(header.size());
-  file.append(version > 1 ? 3 : 1, '\0');
-  return bytes_of((file + header).append(samples));
-}
-
-Bytes npy_of(const std::string& shape, std::string_view samples, const std::string& type = "'<u2'",
-             const std::string& order = "False") {
-  return npy_file(1, "{'descr': " + type + ", 'fortran_order': " + order + ", 'shape': (" + shape + ")}",
-                  samples);
-}
-
 TEST(Npy, ReadsEveryVersionAndBothByteOrders) {
   const Image image{2, 1, {0x6261, 0x6463}};
   for (const int version : {1, 2, 3}) {

@@ -62,12 +62,6 @@ TEST_F(Program, ExplainsFiltersAndPresets) {
   EXPECT_NE(get("a/holes.png"), kHoles);
 }
 
-/// An .npy file of one pixel.
-std::string one_sample(const char* type, const std::string& bytes) {
-  const std::string header = concat("{'descr': '", type, "', 'fortran_order': False, 'shape': (1, 1)}");
-  return concat("\x93NUMPY\x01", '\0', static_cast<char>(header.size()), '\0', header, bytes);
-}
-
 TEST_F(Program, FiltersEveryFormat) {
   const Names files = {"a.png", "b.pgm", "c.npy", "d.raw", "e.BIN", "f.tif"};
   std::string arguments = "run -f HoleFillingFilter -f HoleFillingFilter -o results/deep --size 3x3";
@@ -84,7 +78,7 @@ TEST_F(Program, FiltersEveryFormat) {
                               "HoleFillingFilter       6            36           54       18"))
       << outcome.out;
   EXPECT_MENTIONS(outcome.out, "\nHoleFillingFilter       6            54           54        0");
-  put("m.npy", one_sample("<f4", {'\0', '\0', '\xa0', '?'}));
+  put("m.npy", npy_of("1, 1", {"\0\0\xa0?", 4}, "'<f4'"));
   complete("run -f HoleFillingFilter m.npy --metres --value-scale 0.5 -o out --format pgm");
   EXPECT_EQ(get("out/m.pgm"), (Image{1, 1, {2500}})) << "1.25 m";
 }
@@ -260,7 +254,7 @@ TEST_F(Program, RefusesBadInputsAndLeavesNothingBehind) {
 }
 
 TEST_F(Program, ShowsTheControlCharactersOfFilesAndNames) {
-  put("in/\x1b[31m.npy", one_sample("\\u001b[2J", ""));
+  put("in/\x1b[31m.npy", npy_of("1, 1", "", "'\\u001b[2J'"));
   put("c.json", R"({"\u001b[2J\u0000": 1})");
   const std::string start = "run -f HoleFillingFilter -o results in ";
   for (const std::string& arguments : {start, start + "--camera c.json", start + "'\x1b.png'",
