@@ -194,8 +194,9 @@ constexpr FilterText kFilters[] = {
     {.name = "HoleFillingFilter",
      .summary = "gives holes the value of a neighbour",
      .use = "Last, where a program needs a value at every pixel.",
-     .avoid = "Where a wrong depth is worse than none: it fills whatever size a hole has, the camera's "
-              "blind border too. Small holes are better closed by SpatialAdvancedFilter's radius.",
+     .avoid = "Where a wrong depth is worse than none: it fills whatever size a hole has. What has no "
+              "valid pixel above, below or to the left stays, such as a left border that is blind from "
+              "top to bottom. Small holes are better closed by SpatialAdvancedFilter's radius.",
      .as_made = kAsDefaults,
      .parameters = kHoleFilling},
     {.name = "NoiseRemovalFilter",
